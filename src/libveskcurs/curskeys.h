@@ -1,0 +1,30 @@
+// The key reader: turns the bytes of the terminal into key codes.
+#pragma once
+
+#include "libvesk/types.h"
+
+// Codes beyond those of curses.
+inline constexpr int CURSKEYS_ALT = 0x10000;   // plus the character: Alt pressed with it
+inline constexpr int CURSKEYS_BTAB = 0x20001;  // reverse Tab
+inline constexpr int CURSKEYS_TAB = 9;
+inline constexpr int CURSKEYS_CTRL_D = 4;
+inline constexpr int CURSKEYS_CTRL_E = 5;
+inline constexpr int CURSKEYS_CTRL_W = 23;
+inline constexpr int CURSKEYS_ESCAPE = 27;
+
+// Line feed, carriage return or the keypad's Enter.
+[[nodiscard]] BOOL CURSKEYS_is_enter(int key);
+// KEY_BACKSPACE, 127 or 8, as windows that edit text take it.
+[[nodiscard]] BOOL CURSKEYS_is_backspace(int key);
+
+using CURSKEYS_cb = void (*)(int key);
+
+// Reads every pending key without blocking: `raw_cb` gets each raw curses code, `key_cb` each interpreted
+// key. KEY_RESIZE is passed to both: the receiver lays the screen out again. Escape with a byte already
+// waiting is Alt with it; two Escapes are two Escapes; an unknown control sequence is swallowed whole; a
+// complete UTF-8 sequence that is not ASCII is dropped, a lone high byte is meta. At most a few hundred keys
+// are taken per call, so that a key flood cannot starve the loop. TRUE when at least one was read.
+[[nodiscard]] BOOL CURSKEYS_handle_keys(CURSKEYS_cb raw_cb, CURSKEYS_cb key_cb);
+
+// The terminal is gone (end of file or an error on standard input): reading can never succeed again.
+[[nodiscard]] BOOL CURSKEYS_terminal_lost();
