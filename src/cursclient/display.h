@@ -73,6 +73,8 @@ struct DISPLAY_type {
 
 extern const DISPLAY_DEFN g_display_decls[];  // displays_generated.cpp
 extern const std::size_t g_n_display_decls;
+// Tests put a table of their own in place of the real one; null restores it.
+void DISPLAY_set_kinds(const DISPLAY_DEFN* rows, std::size_t count);
 extern LL_TYPE g_displays;  // of DISPLAY_type
 extern DWORD g_display_uid_next;
 

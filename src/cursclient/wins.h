@@ -5,6 +5,7 @@
 #include <curses.h>
 #include <panel.h>
 
+#include "cursclient/wincolor.h"
 #include "libvesk/ll.h"
 #include "libvesk/types.h"
 
@@ -31,17 +32,6 @@ struct WINS_window {
 extern LL_TYPE g_window_list;    // of WINS_window, in order of creation; owns the records
 extern LL_NODE* g_window_focus;  // node of the focused window, or null
 extern DWORD g_next_uid;         // number of the next generated identity
-
-enum WINS_color_pair {
-    CP_WHITE_BLACK = 1,
-    CP_WHITE_BLUE,
-    CP_YELLOW_BLUE,
-    CP_YELLOW_BLACK,
-    CP_RED_BLUE,
-    CP_WHITE_RED,
-    CP_LAST
-};
-static_assert(CP_LAST == 7);
 
 // Starts curses and sets the terminal up. FALSE, with the reason on standard error, when the terminal is no
 // good (an unknown TERM); the process goes on.
@@ -81,7 +71,6 @@ void WINS_update();
 [[nodiscard]] BOOL WINS_keypress(int key);
 [[nodiscard]] BOOL WINS_default_keyhandler(WINS_window* win, int key);
 
-void WINS_setcolors(BOOL enable_color);
 // Text centred on row y, cut to the columns between the side borders.
 void WINS_center_string(WINS_window* win, const char* str, int y);
 void WINS_window_border(WINS_window* win, int attr);
@@ -92,8 +81,3 @@ void WINS_save_window_setup();
 [[nodiscard]] int WINS_frame_attr(const WINS_window* win);
 // The frame every window has: blanked, border and title in the frame attribute; leaves CP_WHITE_BLUE set.
 void WINS_draw_frame(WINS_window* win, const char* title);
-// Attributes of texts: normal, highlighted (dialogs and frames), a fault, the blinking alarm of this tick.
-[[nodiscard]] int WINS_attr_normal();
-[[nodiscard]] int WINS_attr_highlight();
-[[nodiscard]] int WINS_attr_fault();
-[[nodiscard]] int WINS_attr_alarm();

@@ -13,6 +13,7 @@
 #include <array>
 #include <cstddef>
 #include <cstring>
+#include <span>
 #include <string_view>
 #include <type_traits>
 
@@ -70,6 +71,7 @@ struct NETDSD_entry {
     std::size_t count_fields;
     const char* name;        // "NET_LOG_MonitorMessage"
     std::size_t total_size;  // bytes on the wire
+    BOOL numbers_only;       // holds no text, char or BOOL, so that nothing in it ever needs cleaning
 };
 
 // Specialised by NETDSD_RECORD for every record.
@@ -98,6 +100,8 @@ constexpr scalar_type scalar(bool is_time) {
     if constexpr (std::is_same_v<T, std::int32_t>)
         return is_time ? scalar_type{NETDSD_FT_TIME, "time32"} : scalar_type{NETDSD_FT_INT, "int32"};
     if constexpr (std::is_same_v<T, std::uint32_t>) return {NETDSD_FT_UINT, "uint32"};
+    if constexpr (std::is_same_v<T, std::int64_t>) return {NETDSD_FT_LONG, "int64"};
+    if constexpr (std::is_same_v<T, std::uint64_t>) return {NETDSD_FT_ULONG, "uint64"};
     if constexpr (std::is_same_v<T, float>) return {NETDSD_FT_FLOAT, "float"};
     if constexpr (std::is_same_v<T, double>)
         return is_time ? scalar_type{NETDSD_FT_FTIME, "FTIME"} : scalar_type{NETDSD_FT_DOUBLE, "double"};
@@ -125,7 +129,7 @@ constexpr NETDSD_field member(const char* name, std::size_t offset, bool is_time
 
 // The alignment, at most 4, that the packed layout gives a field.
 constexpr std::size_t alignment(const NETDSD_field& f) {
-    if (f.nested != nullptr) {
+    if (f.ft == NETDSD_FT_BIN) {
         std::size_t most = 1;
         for (std::size_t i = 0; i < f.nested->count_fields; ++i) {
             const std::size_t a = alignment(f.nested->fields[i]);
@@ -150,23 +154,39 @@ constexpr bool covers(const NETDSD_field* fields, std::size_t n, std::size_t tot
     return (end + most - 1) / most * most == total;
 }
 
+constexpr BOOL numbers_only(const NETDSD_field* fields, std::size_t n) {
+    for (std::size_t i = 0; i < n; ++i) {
+        const NETDSD_field& f = fields[i];
+        const bool clean = f.ft == NETDSD_FT_BIN ? f.nested->numbers_only
+                                                 : f.ft != NETDSD_FT_BOOL && f.ft != NETDSD_FT_A_BOOL &&
+                                                       f.ft != NETDSD_FT_CHAR && f.ft != NETDSD_FT_STRING;
+        if (!clean) return FALSE;
+    }
+    return TRUE;
+}
+
 }  // namespace netdsd_detail
 
 #define NETDSD_MEMBER(m) netdsd_detail::member<decltype(R::m)>(#m, offsetof(R, m), false)
 #define NETDSD_TIME(m) netdsd_detail::member<decltype(R::m)>(#m, offsetof(R, m), true)
 
-#define NETDSD_RECORD(record, size_in_bytes, ...)                                                   \
-    template <>                                                                                     \
-    struct NETDSD_traits<record> {                                                                  \
-        using R = record;                                                                           \
-        static constexpr auto fields = std::to_array<NETDSD_field>({__VA_ARGS__});                  \
-        static constexpr NETDSD_entry entry{fields.data(), fields.size(), #record, sizeof(record)}; \
-    };                                                                                              \
-    static_assert(sizeof(record) == (size_in_bytes), #record ": size");                             \
-    static_assert(std::is_trivially_copyable_v<record>, #record ": trivially copyable");            \
-    static_assert(netdsd_detail::covers(NETDSD_traits<record>::fields.data(),                       \
-                                        NETDSD_traits<record>::fields.size(), sizeof(record)),      \
+#define NETDSD_RECORD(record, size_in_bytes, ...)                                                       \
+    template <>                                                                                         \
+    struct NETDSD_traits<record> {                                                                      \
+        using R = record;                                                                               \
+        static constexpr auto fields = std::to_array<NETDSD_field>({__VA_ARGS__});                      \
+        static constexpr NETDSD_entry entry{fields.data(), fields.size(), #record, sizeof(record),      \
+                                            netdsd_detail::numbers_only(fields.data(), fields.size())}; \
+    };                                                                                                  \
+    static_assert(sizeof(record) == (size_in_bytes), #record ": size");                                 \
+    static_assert(std::is_trivially_copyable_v<record>, #record ": trivially copyable");                \
+    static_assert(netdsd_detail::covers(NETDSD_traits<record>::fields.data(),                           \
+                                        NETDSD_traits<record>::fields.size(), sizeof(record)),          \
                   #record ": the member list covers the record")
+
+// For layouts that are stated byte by byte.
+#define NETDSD_OFFSET(record, member, bytes) \
+    static_assert(offsetof(record, member) == (bytes), #record ": offset of " #member)
 
 // The descriptor of a record type by its name, or null: every record tied to a message, and what those nest.
 [[nodiscard]] const NETDSD_entry* NETDSD_by_name(std::string_view name);
@@ -185,4 +205,85 @@ template <class R>
     R record;
     NETDSD_set_defaults(NETDSD_of<R>(), &record);
     return record;
+}
+
+[[nodiscard]] inline std::span<const NETDSD_field> NETDSD_fields(const NETDSD_entry* dsd) {
+    return {dsd->fields, dsd->count_fields};
+}
+// The field of that name, or null.
+[[nodiscard]] const NETDSD_field* NETDSD_field_by_name(const NETDSD_entry* dsd, std::string_view name);
+
+[[nodiscard]] constexpr BOOL NETDSD_is_array(NETDSD_field_type ft) {
+    return ft >= NETDSD_FT_A_BOOL && ft <= NETDSD_FT_A_FLOAT;
+}
+// What one element of the field is: the scalar type of an array, else the type itself.
+[[nodiscard]] constexpr NETDSD_field_type NETDSD_element_type(NETDSD_field_type ft) {
+    return NETDSD_is_array(ft) ? static_cast<NETDSD_field_type>(ft - NETDSD_FT_A_BOOL) : ft;
+}
+
+// A value out of and into a record, whatever its alignment. Any byte but 0 reads as TRUE.
+template <class T>
+[[nodiscard]] T NETDSD_load(const void* from) {
+    if constexpr (std::is_same_v<T, BOOL>) {
+        return NETDSD_load<BYTE>(from) != 0;
+    } else {
+        T value;
+        std::memcpy(&value, from, sizeof value);
+        return value;
+    }
+}
+template <class T>
+void NETDSD_store(void* to, std::type_identity_t<T> value) {
+    std::memcpy(to, &value, sizeof value);
+}
+
+// Calls visit(std::type_identity<T>{}) with the C++ type of the field's elements: text counts as char. Not
+// for nested records.
+template <class F>
+decltype(auto) NETDSD_visit_type(NETDSD_field_type ft, F&& visit) {
+    switch (NETDSD_element_type(ft)) {
+        case NETDSD_FT_BOOL:
+            return visit(std::type_identity<BOOL>{});
+        case NETDSD_FT_BYTE:
+            return visit(std::type_identity<BYTE>{});
+        case NETDSD_FT_SHORT:
+            return visit(std::type_identity<std::int16_t>{});
+        case NETDSD_FT_USHORT:
+            return visit(std::type_identity<std::uint16_t>{});
+        case NETDSD_FT_INT:
+        case NETDSD_FT_TIME:
+            return visit(std::type_identity<std::int32_t>{});
+        case NETDSD_FT_UINT:
+            return visit(std::type_identity<std::uint32_t>{});
+        case NETDSD_FT_LONG:
+            return visit(std::type_identity<std::int64_t>{});
+        case NETDSD_FT_ULONG:
+        case NETDSD_FT_SIZET:
+            return visit(std::type_identity<std::uint64_t>{});
+        case NETDSD_FT_FTIME:
+        case NETDSD_FT_DOUBLE:
+            return visit(std::type_identity<double>{});
+        case NETDSD_FT_FLOAT:
+            return visit(std::type_identity<float>{});
+        default:
+            return visit(std::type_identity<char>{});
+    }
+}
+
+// Calls leaf(field, offset) for every value of the record in order of its place: each scalar, each element
+// of an array, each text as a whole, those of nested records included. The offset counts from `base`.
+template <class F>
+void NETDSD_for_each_leaf(const NETDSD_entry* dsd, F&& leaf, std::size_t base = 0) {
+    for (const NETDSD_field& f : NETDSD_fields(dsd)) {
+        const std::size_t elements = f.ft == NETDSD_FT_STRING ? 1 : f.count;
+        const std::size_t step = f.size / elements;
+        for (std::size_t i = 0; i < elements; ++i) {
+            const std::size_t at = base + f.offset + i * step;
+            if (f.nested != nullptr) {
+                NETDSD_for_each_leaf(f.nested, leaf, at);
+            } else {
+                leaf(f, at);
+            }
+        }
+    }
 }

@@ -1,31 +1,35 @@
 // Growable string buffers with a type-checked printf and the fixed-width number conversions of the displays.
 //
 // Formats are checked against their arguments when the program is compiled: a wrong one is a compile error.
-// `%` conversions are those of printf (flags, width, precision, length; d i u x X o c s p f e g E G, %%).
-// The extended calls (alt) also take number conversions of one double, introduced by "*~" or by "*":
+// `%` conversions are those of printf (flags, width, precision, length; d i u x X o c s p f e g E G, %%)
+// except
+// "*" for a width; any integer type suits any integer conversion, a null text prints as empty, a NUL
+// character as a blank. The extended calls (alt) also take number conversions of one double, after "*~" or
+// "*":
 //
-//   *~[flag]W.Df         W integer places, the point, D decimals: W + 1 + D columns, W when D is 0
-//   *~[flag]I.D.Ee       I integer digits, D decimals, the letter as written (e or E), the exponent's sign
-//   and
-//                        E digits
+//   *~[flags]W.Df      W integer places, the point, D decimals: W + 1 + D columns, W when D is 0
+//   *~[flags]I.D.Ee    I integer digits, D decimals, the letter as written (e or E), the exponent's sign and
+//                      E digits
 //
-// flag: "+" or " " adds a sign column; "-" left-aligns; otherwise a minus takes an integer place. Absent
-// groups mean natural width ("*~.0f", "*~.1e"). A letter right after a conversion is literal. A "*" that
-// starts no conversion is literal too. The rendering of missing, non-finite and too large values:
+// Flags: "+" or " " adds a sign column; "-" left-aligns; without a sign column a minus takes an integer
+// place. Absent groups mean natural width ("*~.0f", "*~.1e"). A letter right after a conversion is literal. A
+// "*" that starts no conversion is literal too. Exceptional values:
 //
-//   missing        dashes over the same width, the point in place, a blank sign column: "-----.-"
-//   NaN, Inf, -Inf right-aligned words
-//   too large      decimals go first, then the field is filled with "*": a field never grows
-//   narrow exponent: mantissa decimals go first
+//   missing            dashes over the same width, the point in place, a blank sign column: "-----.-"
+//   NaN, Inf, -Inf     as these words, aligned as a number is
+//   too large          decimals go first, then the field is filled with "*": a field never grows
+//   narrow exponent    mantissa decimals go first
+//   rounds to zero     has no minus
+//
+// No output depends on the locale or is ever cut; when memory is out the process aborts.
 #pragma once
 
 #include <array>
 #include <cstddef>
 #include <span>
-#include <string>
-#include <string_view>
 #include <type_traits>
 
+#include "libvesk/sfmt_check.h"
 #include "libvesk/types.h"
 
 // Owned text; trivially copyable and valid when zero-filled, so that it can live in private records that the
@@ -42,3 +46,39 @@ void SFMT_destroy_buffer(SFMT_buffer* b);
 [[nodiscard]] const char* SFMT_get_buffer(const SFMT_buffer* b);
 void SFMT_copystr(SFMT_buffer* b, const char* text);
 void SFMT_appendstr(SFMT_buffer* b, const char* text);
+
+// A format that suits arguments of these types. Made from literals only; may stand in constexpr tables and be
+// handed on, in variadic calls of other units, with arguments of just these types.
+template <class... A>
+using SFMT_format = SFMT_checked_format<false, A...>;
+template <class... A>
+using SFMT_altformat = SFMT_checked_format<true, A...>;
+
+// Appends the result; the engine behind the calls below, which alone make sure that the arguments suit.
+void SFMT_append_args(SFMT_buffer* b, const char* format, bool fields, std::span<const SFMT_arg> args);
+
+template <bool FIELDS, class... A>
+void SFMT_append_checked(SFMT_buffer* b, SFMT_checked_format<FIELDS, A...> format, const A&... args) {
+    const std::array<SFMT_arg, sizeof...(A)> erased{SFMT_make_arg(args)...};
+    SFMT_append_args(b, format.text(), FIELDS, erased);
+}
+
+// Replace the text by, or append, the formatted one. Arguments must not point into the buffer itself.
+template <class... A>
+void SFMT_printfcat(SFMT_buffer* b, SFMT_format<std::type_identity_t<A>...> format, A... args) {
+    SFMT_append_checked<false, A...>(b, format, args...);
+}
+template <class... A>
+void SFMT_printf(SFMT_buffer* b, SFMT_format<std::type_identity_t<A>...> format, A... args) {
+    SFMT_copystr(b, "");
+    SFMT_append_checked<false, A...>(b, format, args...);
+}
+template <class... A>
+void SFMT_altprintfcat(SFMT_buffer* b, SFMT_altformat<std::type_identity_t<A>...> format, A... args) {
+    SFMT_append_checked<true, A...>(b, format, args...);
+}
+template <class... A>
+void SFMT_altprintf(SFMT_buffer* b, SFMT_altformat<std::type_identity_t<A>...> format, A... args) {
+    SFMT_copystr(b, "");
+    SFMT_append_checked<true, A...>(b, format, args...);
+}

@@ -18,7 +18,7 @@ void LIBVESK_cleanup();
 // Writes "%sassertion failed (%s:%i): %s\n" to standard error, or the form with the system's error text.
 void UTIL_assertion_failed(const char* source, int line, const char* expression);
 void UTIL_assertion_failed_errno(const char* source, int line, const char* expression, int error);
-// Writes one line "<title>text\n" to standard error; printf-checked.
+// Writes one line "<title>text\n" to standard error, cut to 1 KiB; printf-checked.
 void UTIL_complain(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
 // Current time. Tests replace the source; null restores the real clock.
@@ -51,15 +51,17 @@ template <std::size_t N>
     return all.substr(0, all.find('\0'));
 }
 [[nodiscard]] int UTIL_strcasecmp(const char* a, const char* b);
-// Shell-style pattern: *, ?, [abc], [a-z], [!x], backslash quotes. Linear in practice, never exponential.
+// Shell-style pattern: *, ?, [abc], [a-z], [!x], backslash quotes; a bracket that is not closed is a
+// character. Time is bounded by text times pattern. Null counts as empty.
 [[nodiscard]] BOOL UTIL_wildcard_match(const char* text, const char* pattern);
 // Double value of the text as strtod reads it, in the C locale whatever the process's is; 0 when it is none.
 [[nodiscard]] double UTIL_atofv(const char* text);
-// Reads a whole text as a number (blanks around it allowed, C locale); FALSE leaves `value` alone.
+// Reads a whole text as a finite decimal number (blanks around it allowed, C locale); FALSE leaves `value`
+// alone.
 [[nodiscard]] BOOL UTIL_parse_number(std::string_view text, double* value);
 // TRUE when the text begins with T or t, or its integer value is not 0: the rule of every setting.
 [[nodiscard]] BOOL UTIL_text_is_true(const char* text);
-// The smallest power of two not below n; 1 for 0.
+// The smallest power of two not below n; 1 for 0, n itself when there is no such power.
 [[nodiscard]] std::size_t UTIL_roundup_p2(std::size_t n);
 // Moves the bytes of an array by `shift` (negative: toward the start); bytes moved in from outside keep
 // their old contents, bytes moved out are lost. |shift| >= total does nothing.

@@ -26,5 +26,10 @@ using CURSKEYS_cb = void (*)(int key);
 // are taken per call, so that a key flood cannot starve the loop. TRUE when at least one was read.
 [[nodiscard]] BOOL CURSKEYS_handle_keys(CURSKEYS_cb raw_cb, CURSKEYS_cb key_cb);
 
+// The descriptor that the present curses screen reads its keys from; standard input unless told. Whoever
+// brings a screen of its own (newterm on a pipe) says so once it stands, and sets standard input again before
+// deleting it, since the reader keeps a window of that screen.
+void CURSKEYS_set_input_fd(int fd);
+
 // The terminal is gone (end of file or an error on standard input): reading can never succeed again.
 [[nodiscard]] BOOL CURSKEYS_terminal_lost();

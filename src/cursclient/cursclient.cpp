@@ -1,0 +1,247 @@
+// The shell of the console. Start-up brings the layers up one by one and counts those that stand; the exit
+// handler takes exactly those down again. One pass of the loop is the whole story of a redraw: messages in,
+// keys in, erase, draw bottom to top, one physical update, sleep.
+#include "cursclient/cursclient.h"
+
+#include <curses.h>
+#include <fcntl.h>
+#include <panel.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "cursclient/debug.h"
+#include "cursclient/display.h"
+#include "cursclient/mainmenu.h"
+#include "cursclient/passwd.h"
+#include "cursclient/status.h"
+#include "cursclient/wins.h"
+#include "libvesk/io.h"
+#include "libvesk/util.h"
+#include "libveskcurs/cursdialog.h"
+#include "libveskcurs/curskeys.h"
+
+INST_link g_lnk;
+CONF_node* g_conf = nullptr;
+unsigned long g_tick = 0;
+const char* g_hostoverride = nullptr;
+const char* g_conffile = nullptr;
+
+namespace {
+
+constexpr double PASS_SECONDS = 0.2;  // sleep of an idle pass, and the period of the tick
+
+constexpr int EXIT_NO_SERVER = 1;
+constexpr int EXIT_NO_START = 2;
+
+int g_sys_init = 0;  // stages that stand, 0 to 10
+
+// The counted stages after the link, in order; each is undone by the exit handler when its number was
+// reached. The capture of standard error has no stage of its own: it spans all of them.
+struct stage {
+    BOOL (*init)();
+    void (*cleanup)();
+};
+
+BOOL init_io() {
+    if (!DEBUG_preinit() || !IO_init()) return FALSE;
+    IO_register_link(&g_lnk);
+    return TRUE;
+}
+
+BOOL init_windows() {
+    load_conf_file();  // no file is no error: every setting has a default
+    return WINS_init();
+}
+
+constexpr stage STAGES[] = {
+    {init_io, IO_cleanup},           {init_windows, WINS_cleanup},  {CURSDIALOG_init, CURSDIALOG_cleanup},
+    {STATUS_init, STATUS_cleanup},   {PASSWD_init, PASSWD_cleanup}, {MAINMENU_init, MAINMENU_cleanup},
+    {DISPLAY_init, DISPLAY_cleanup}, {DEBUG_init, DEBUG_cleanup},
+};
+constexpr int STAGE_LIBRARY = 1;
+constexpr int STAGE_LINK = 2;
+constexpr int STAGE_COUNT = STAGE_LINK + static_cast<int>(std::size(STAGES));
+static_assert(STAGE_COUNT == 10);
+
+void atexit_cleanup() {
+    UTIL_atexit_set_signal_mask();
+    for (int s = STAGE_COUNT; s > STAGE_LINK; --s)
+        if (g_sys_init >= s) STAGES[s - STAGE_LINK - 1].cleanup();
+    // Only now that curses has given the terminal back can captured text be shown on it.
+    DEBUG_release_stderr();
+    if (g_sys_init >= STAGE_LINK) INST_disconnect(&g_lnk);
+    if (g_sys_init >= STAGE_LIBRARY) LIBVESK_cleanup();
+    CONF_free(g_conf);
+    g_conf = nullptr;
+    g_sys_init = 0;
+}
+
+int connection_failed() {
+    static constexpr char TEXT[] = "\n\n *** Failed to connect to server\n\n";
+    std::fwrite(TEXT, 1, sizeof TEXT - 1, stderr);
+    const std::string reason = VESKMSG_error(&g_lnk.msg_lnk);
+    if (!reason.empty()) UTIL_complain("%s", reason.c_str());
+    return EXIT_NO_SERVER;
+}
+
+// Stages 1 and 2; 0 when both stand, else the exit code.
+int start_link() {
+    if (!LIBVESK_init("CURSCLIENT")) {
+        UTIL_assertion_failed("cursclient.c", 162, "LIBVESK_init(\"CURSCLIENT\")");
+        return EXIT_NO_SERVER;
+    }
+    g_sys_init = STAGE_LIBRARY;
+    VESKMSG_connect_params cps;
+    VESKMSG_init_params(&cps);
+    cps.id_str = "CLIENT";
+    cps.host_override = g_hostoverride;
+    if (!INST_connect(&g_lnk, &cps)) return connection_failed();
+    g_sys_init = STAGE_LINK;
+    return INST_wait_connected(&g_lnk) ? 0 : connection_failed();
+}
+
+void redraw() {
+    werase(stdscr);
+    STATUS_update();
+    WINS_update();
+    MAINMENU_update();
+    CURSDIALOG_update();
+    DISPLAY_update();
+    DEBUG_update();
+    update_panels();
+    doupdate();
+}
+
+[[noreturn]] void main_loop(FTIME ticktime) {
+    for (;;) {
+        VESKMSG_process_messages(&g_lnk.msg_lnk, message_proc, nullptr);
+        if (!INST_test_connected(&g_lnk)) std::exit(0);
+        if (UTIL_exit_poll() || CURSKEYS_terminal_lost()) std::exit(0);
+        const BOOL short_sleep = CURSKEYS_handle_keys(DEBUG_rawkeypress, distribute_key);
+        redraw();
+        if (short_sleep)
+            UTIL_sched_yield();
+        else
+            UTIL_fsleep(PASS_SECONDS);
+        const FTIME curtime = UTIL_ftime();
+        // A clock that was set back must not freeze the tick.
+        if (ticktime > curtime + PASS_SECONDS) ticktime = curtime + PASS_SECONDS;
+        if (curtime >= ticktime) {
+            ticktime = curtime + PASS_SECONDS;
+            ++g_tick;
+        }
+    }
+}
+
+// The settings file's name; empty (errno says why) when it cannot be built.
+std::string conf_file_name() {
+    if (g_conffile != nullptr) return g_conffile;
+    const char* home = std::getenv("HOME");
+    char name[256];
+    const int n = std::snprintf(name, sizeof name, "%s/.veskcursclient.conf", home != nullptr ? home : ".");
+    if (n >= 0 && static_cast<std::size_t>(n) < sizeof name) return name;
+    errno = ENAMETOOLONG;
+    return "";
+}
+
+BOOL save_failed(int error) {
+    UTIL_complain("cannot save the configuration to %s: %s", conf_file_name().c_str(), std::strerror(error));
+    return FALSE;
+}
+
+}  // namespace
+
+void print_usage() {
+    static constexpr char TEXT[] =
+        "Usage: vesk.cursclient [-h] [-c FILENAME] [HOSTNAME]\n"
+        "\t-c FILENAME\tLoad configuration from FILENAME\n"
+        "\t\t\t(default: $HOME/.veskcursclient.conf)\n"
+        "\t-h\t\tDisplay this message\n"
+        "\tHOSTNAME\tHostname to connect to (default: local unix socket)\n";
+    static_assert(sizeof TEXT - 1 == 228);
+    std::fwrite(TEXT, 1, sizeof TEXT - 1, stderr);
+}
+
+void proc_arguments(int argc, char** argv) {
+    int i = 1;
+    for (; i < argc; ++i) {
+        const std::string_view argument = argv[i];
+        if (argument == "-h" || argument == "--help") {
+            print_usage();
+            std::exit(1);
+        }
+        if (argument != "-c") break;
+        if (i < argc - 1) g_conffile = argv[++i];
+    }
+    if (i < argc) g_hostoverride = argv[i];
+}
+
+void message_proc(VESKMSG_proc_msg* pm, void* /*param*/) {
+    if (!DEBUG_handle_message(pm)) DISPLAY_handle_message(pm);
+}
+
+void distribute_key(int key) {
+    DEBUG_interpkeypress(key);
+    if (key == KEY_RESIZE) {  // no key of the operator's: the next pass draws everything on the new screen
+        WINS_screen_resized();
+        return;
+    }
+    if (CURSDIALOG_keypress(key)) return;
+    if (WINS_keypress(key)) return;
+    if (DEBUG_keypress(key)) return;
+    if (DISPLAY_distribute_keypress(key)) return;
+    MAINMENU_keypress(key);
+}
+
+std::FILE* open_conf_file(const char* mode) {
+    const std::string name = conf_file_name();
+    if (name.empty()) return nullptr;
+    if (mode[0] != 'w') return std::fopen(name.c_str(), mode);
+    // The file may hold the password: what is created is for its owner alone.
+    const int fd = open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    if (fd == -1) return nullptr;
+    std::FILE* file = fdopen(fd, mode);
+    if (file == nullptr) close(fd);
+    return file;
+}
+
+BOOL load_conf_file() {
+    std::FILE* file = open_conf_file("r");
+    if (file == nullptr) return FALSE;
+    CONF_free(g_conf);
+    g_conf = CONF_alloc();
+    CONF_load(g_conf, file);
+    std::fclose(file);
+    return TRUE;
+}
+
+BOOL save_conf_file() {
+    std::FILE* file = open_conf_file("w");
+    if (file == nullptr) return save_failed(errno);
+    if (g_conf == nullptr) g_conf = CONF_alloc();
+    MAINMENU_save_config();
+    WINS_save_window_setup();
+    PASSWD_save_config();
+    int error = CONF_write(g_conf, file) ? 0 : errno;
+    if (std::fclose(file) != 0 && error == 0) error = errno;
+    return error == 0 ? TRUE : save_failed(error);
+}
+
+int CURSCLIENT_main(int argc, char** argv) {
+    proc_arguments(argc, argv);
+    g_tick = 1;
+    const FTIME ticktime = UTIL_ftime();
+    g_sys_init = 0;
+    std::atexit(atexit_cleanup);
+    UTIL_exit_signal_poll_setup_hup();
+    if (const int code = start_link(); code != 0) return code;
+    for (const stage& s : STAGES) {
+        if (!s.init()) return EXIT_NO_START;
+        ++g_sys_init;
+    }
+    main_loop(ticktime);
+}

@@ -1,0 +1,40 @@
+// The TSI 3010 counter: concentrations, temperatures, and warnings from its status flags.
+#include "cursclient/displays/cpc_common.h"
+
+namespace {
+
+using CPC3010_prv_data = CPC_record<NET_CPC_3010_Avg, NET_CPC_3010_Instant, NET_CPC_3010_Status>;
+
+constexpr WORD LASER_OR_TEMPERATURE = 1;
+constexpr WORD BUTANOL_LOW = 2;
+constexpr WORD VACUUM = 4;
+
+// This kind alone shows 0.0 until the first reading.
+void reset(CPC3010_prv_data* pd) {
+    pd->instant.start_time = 0;
+    pd->instant.concentration = 0;
+}
+
+void draw_status(const NET_CPC_3010_Status& status, const CANVAS& d) {
+    if (status.dip_error) return d.alarm().center(10, "INVALID DIP SWITCH");
+    if (d.no_comms(10, status.have_comms)) return;
+    if (status.flags & LASER_OR_TEMPERATURE) d.fault().put(9, 1, "LASER/TEMP");
+    if (status.flags & VACUUM) d.fault().put(9, 24, "VACUUM");
+    // Butanol that runs low is a reminder, not a fault.
+    if (status.flags & BUTANOL_LOW) d.put(10, 1, "LOW BUTANOL");
+}
+
+void draw(CPC3010_prv_data* pd, const CANVAS& d) {
+    CPC_draw_concentrations(pd, d);
+    CPC_draw_butanol_temperatures(pd, d);
+    draw_status(pd->status, d);
+}
+
+constexpr auto STORES =
+    CPC_stores<CPC3010_prv_data>(MSG_CPC_3010_AVERAGE, MSG_CPC_3010_INSTANT, MSG_CPC_3010_STATUS);
+constexpr INSTDISP_kind<CPC3010_prv_data> KIND{
+    .cols = 31, .rows = 12, .stores = STORES, .draw = draw, .reset = reset};
+
+}  // namespace
+
+INSTDISP_BINDINGS(CPC3010, cpc_3010, KIND)

@@ -1,0 +1,62 @@
+// The Brechtel 1710 counter: latest values, running average or last average, as the operator chooses.
+#include "cursclient/displays/cpc_common.h"
+
+namespace {
+
+struct CPC_BMI1710_prv_data
+    : CPC_record<NET_CPC_BMI1710_Reading, NET_CPC_BMI1710_Instant, NET_CPC_BMI1710_Status> {
+    int display_mode;  // see INSTDISP_next_mode
+};
+
+// Columns of labels and values, left and right.
+constexpr int L = 1, LV = 22, R = 33, RV = 48;
+
+const NET_CPC_BMI1710_Reading& shown(const CPC_BMI1710_prv_data* pd) {
+    if (pd->display_mode == 1) return pd->instant.ra;
+    return pd->display_mode == 2 ? pd->avg : pd->instant.in;
+}
+
+void draw(CPC_BMI1710_prv_data* pd, const CANVAS& d) {
+    const NET_CPC_BMI1710_Reading& r = shown(pd);
+    d.field(1, L, "Concentration (cm-3):", LV, "*~5.1f", r.N);
+    d.field(2, L, "T Inlet (C):", LV, "*~5.1f", r.Tu);
+    d.field(3, L, "T Saturator Top (C):", LV, "*~5.1f", r.T2);
+    d.field(4, L, "T Saturator Bot (C):", LV, "*~5.1f", r.T3);
+    d.field(5, L, "T Condenser (C):", LV, "*~5.1f", r.T1);
+    d.field(6, L, "T Optics (C):", LV, "*~5.1f", r.T4);
+    d.field(7, L, "Q Saturator (lpm):", LV, "*~5.3f", r.Q2);
+    d.field(8, L, "Q Sample (lpm):", LV, "*~5.3f", r.Q1);
+    d.field(1, R, "StdDev (cm-3):", RV, "*~4.2f", r.Ng);
+    d.field(3, R, "Power (%):", RV, "*~4.2f", r.PCT2);
+    d.field(4, R, "Power (%):", RV, "*~4.2f", r.PCT3);
+    d.field(5, R, "Power (%):", RV, "*~4.2f", r.PCT1);
+    d.field(6, R, "Power (%):", RV, "*~4.2f", r.PCT4);
+    d.field(7, R, "Pump (%):", RV, "*~4.2f", r.PCT5);
+    d.field(8, R, "Fill Count:", RV, "*~4.0f", static_cast<double>(pd->instant.fill_count));
+    d.no_comms(9, pd->status.have_comms);
+}
+
+void next_mode(CPC_BMI1710_prv_data* pd, DWORD /*uid*/) {
+    pd->display_mode = INSTDISP_next_mode(pd->display_mode);
+}
+
+BOOL key_pressed(CPC_BMI1710_prv_data* pd, DWORD uid, int key) {
+    if (key != 'D' && key != 'd') return FALSE;
+    next_mode(pd, uid);
+    return TRUE;
+}
+
+std::string mode_label(const CPC_BMI1710_prv_data* pd) {
+    return INSTDISP_mode_label('D', pd->display_mode);
+}
+
+constexpr auto STORES = CPC_stores<CPC_BMI1710_prv_data>(MSG_CPC_BMI1710_AVERAGE, MSG_CPC_BMI1710_INSTANT,
+                                                         MSG_CPC_BMI1710_STATUS);
+constexpr INSTDISP_menu_row<CPC_BMI1710_prv_data> MENU[] = {
+    {.hot_key = 'D', .label = nullptr, .action = next_mode, .label_of = mode_label}};
+constexpr INSTDISP_kind<CPC_BMI1710_prv_data> KIND{
+    .cols = 56, .rows = 11, .stores = STORES, .draw = draw, .key = key_pressed, .menu = MENU};
+
+}  // namespace
+
+INSTDISP_BINDINGS(CPC_BMI1710, cpc_bmi1710, KIND)

@@ -1,0 +1,124 @@
+// The error strip: the last four error lines of the station's log, over the full width above the status line.
+// It rises by itself for a while, and Ctrl-E pins or hides it. Once pinned, no deadline ever hides it again.
+#include <algorithm>
+#include <cstring>
+#include <type_traits>
+
+#include "cursclient/displays_generated.h"
+#include "cursclient/mainmenu.h"
+#include "cursclient/wins.h"
+#include "cursclient/wintext.h"
+#include "libvesk/records/log.h"
+#include "libvesk/util.h"
+#include "libveskcurs/curskeys.h"
+
+namespace {
+
+constexpr int LINES_KEPT = 4;
+constexpr int LINE_SIZE = 120;
+constexpr int HEIGHT = 6;
+constexpr FTIME PINNED = -1.0;
+
+struct ERRORDISP_prv_data {
+    WINS_window* win;
+    char buffer[LINES_KEPT][LINE_SIZE];  // ring of the last lines
+    int buffer_next;                     // slot of the next line, which is also the oldest
+    BOOL hidden;
+    FTIME hide_time;  // when the strip hides itself, or PINNED
+};
+static_assert(std::is_trivially_copyable_v<ERRORDISP_prv_data>);
+
+ERRORDISP_prv_data* record(void* prv_data) {
+    return static_cast<ERRORDISP_prv_data*>(prv_data);
+}
+
+// Shown without taking the focus: the operator goes on with what the keys were for.
+void set_hidden(ERRORDISP_prv_data* pd, BOOL hidden) {
+    pd->hidden = hidden;
+    if (pd->win == nullptr || pd->win->win == nullptr || pd->win->pan == nullptr) return;
+    pd->win->visible = !hidden;
+    if (hidden)
+        hide_panel(pd->win->pan);
+    else
+        show_panel(pd->win->pan);
+}
+
+BOOL ERRORDISP_init(void* prv_data, DISPLAY_common_params*, DISPLAY_match_params*, void*) {
+    ERRORDISP_prv_data* pd = record(prv_data);
+    pd->win = WINS_create(nullptr, COLS, HEIGHT);
+    if (pd->win == nullptr) return FALSE;
+    pd->win->flags = WINS_ON_TOP | WINS_SKIP_IN_CYCLE;
+    pd->hide_time = 0.0;
+    set_hidden(pd, TRUE);
+    return TRUE;
+}
+
+void ERRORDISP_cleanup(void* prv_data) {
+    WINS_delete(record(prv_data)->win);
+}
+
+void ERRORDISP_msg_proc(void* prv_data, DISPLAY_common_params* cps, DISPLAY_msg_params* mp, void*) {
+    if (mp->pm->msg->msg != MSG_LOG_MONITOR) return;
+    const auto* line = VESKMSG_payload<NET_LOG_MonitorMessage>(mp->pm);
+    if (line == nullptr || (line->flags & NET_LOG_MONITOR_ERROR) == 0) return;
+    ERRORDISP_prv_data* pd = record(prv_data);
+    UTIL_strcpynt(pd->buffer[pd->buffer_next], line->msg);
+    pd->buffer_next = (pd->buffer_next + 1) % LINES_KEPT;
+    if (!(g_errordisp_show_time > 0)) return;
+    if (pd->hide_time != PINNED) pd->hide_time = cps->curtime + g_errordisp_show_time;
+    set_hidden(pd, FALSE);
+}
+
+// TRUE when the strip's time is over. A deadline further ahead than the show time comes from a clock that was
+// set back: it counts from now.
+BOOL is_over(ERRORDISP_prv_data* pd, FTIME curtime) {
+    if (pd->hide_time == PINNED) return FALSE;
+    pd->hide_time = std::min(pd->hide_time, curtime + std::max(g_errordisp_show_time, 0.0));
+    return curtime >= pd->hide_time;
+}
+
+void draw(ERRORDISP_prv_data* pd) {
+    WINS_set_size(pd->win, COLS, HEIGHT);
+    WINS_absolute_move(pd->win, 0, LINES - HEIGHT);
+    if (pd->win->win == nullptr) return;
+    const int attr = COLOR_PAIR(CP_WHITE_RED);
+    wattrset(pd->win->win, attr);
+    WINS_blank_window(pd->win);
+    WINS_window_border(pd->win, attr);
+    WINS_center_string(pd->win, "Recent Errors", 0);
+    const int usable = std::clamp(COLS - 2, 0, LINE_SIZE - 1);
+    for (int i = 0; i < LINES_KEPT; ++i) {
+        char* line = pd->buffer[(pd->buffer_next + i) % LINES_KEPT];
+        line[usable] = '\0';
+        WINTEXT_put(pd->win, 1 + i, 1, line);
+    }
+}
+
+void ERRORDISP_update(void* prv_data, DISPLAY_common_params* cps, void*) {
+    ERRORDISP_prv_data* pd = record(prv_data);
+    if (pd->win == nullptr || pd->win->win == nullptr || pd->win->pan == nullptr || pd->hidden) return;
+    if (is_over(pd, cps->curtime))
+        set_hidden(pd, TRUE);
+    else
+        draw(pd);
+}
+
+BOOL ERRORDISP_keypress(void* prv_data, DISPLAY_common_params*, DISPLAY_keypress* kp, void*) {
+    ERRORDISP_prv_data* pd = record(prv_data);
+    if (kp->key != CURSKEYS_CTRL_E || pd->win == nullptr) return FALSE;
+    if (pd->hidden) pd->hide_time = PINNED;
+    set_hidden(pd, !pd->hidden);
+    return TRUE;
+}
+
+}  // namespace
+
+const DISPLAY_DECL DDCL_PERSISTENT_ERRORDISP = {
+    .sz_private = sizeof(ERRORDISP_prv_data),
+    .cb_init = ERRORDISP_init,
+    .cb_cleanup = ERRORDISP_cleanup,
+    .cb_update = ERRORDISP_update,
+    .cb_msg_proc = ERRORDISP_msg_proc,
+    .cb_keypress = ERRORDISP_keypress,
+    .cb_match = nullptr,
+};

@@ -1,0 +1,162 @@
+// The online log entry: a note that the operator writes into the station's log. It starts empty each time the
+// window comes up, and goes on its way with Enter.
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+#include "cursclient/displays/command.h"
+#include "cursclient/displays/textentry.h"
+#include "cursclient/displays_generated.h"
+#include "cursclient/mainmenu.h"
+#include "cursclient/wins.h"
+#include "cursclient/wintext.h"
+#include "libvesk/records/log.h"
+#include "libvesk/util.h"
+#include "libveskcurs/curskeys.h"
+
+namespace {
+
+constexpr int WIDTH = 60;
+constexpr int HEIGHT = 7;
+constexpr int COLUMNS = 58;
+constexpr int TEXT_ROWS = 4;
+constexpr int PROMPT_ROW = 5;
+constexpr std::size_t FIRST_SIZE = 32;
+
+struct LOGENTRY_prv_data {
+    WINS_window* win;
+    MAINMENU_entry* mme;
+    char* buffer;  // owned, null until the first character
+    std::size_t sz_buffer;
+};
+static_assert(std::is_trivially_copyable_v<LOGENTRY_prv_data>);
+
+LOGENTRY_prv_data* record(void* prv_data) {
+    return static_cast<LOGENTRY_prv_data*>(prv_data);
+}
+
+const char* text_of(const LOGENTRY_prv_data* pd) {
+    return pd->buffer != nullptr ? pd->buffer : "";
+}
+
+void empty(LOGENTRY_prv_data* pd) {
+    if (pd->buffer != nullptr) pd->buffer[0] = '\0';
+}
+
+// Room for `length` characters and the terminator.
+BOOL reserve(LOGENTRY_prv_data* pd, std::size_t length) {
+    if (pd->buffer == nullptr) {
+        pd->buffer = static_cast<char*>(std::malloc(FIRST_SIZE));
+        if (pd->buffer == nullptr) {
+            UTIL_assertion_failed_errno("displays/logentry.c", 151,
+                                        "(pd->buffer=(char *)malloc(pd->sz_buffer)) != NULL", errno);
+            return FALSE;
+        }
+        pd->buffer[0] = '\0';
+        pd->sz_buffer = FIRST_SIZE;
+    }
+    if (length + 1 <= pd->sz_buffer) return TRUE;
+    const std::size_t size = UTIL_roundup_p2(length + 1);
+    void* grown = std::realloc(pd->buffer, size);
+    if (grown == nullptr) {
+        UTIL_assertion_failed_errno("displays/logentry.c", 158,
+                                    "(pd->buffer=(char *)realloc(pd->buffer, pd->sz_buffer)) != NULL", errno);
+        return FALSE;
+    }
+    pd->buffer = static_cast<char*>(grown);
+    pd->sz_buffer = size;
+    return TRUE;
+}
+
+BOOL LOGENTRY_append(LOGENTRY_prv_data* pd, int key) {
+    const BOOL erase = TEXTENTRY_is_erase(key);
+    if (!erase && TEXTENTRY_character(key) == '\0') return FALSE;
+    if (!erase && !reserve(pd, std::strlen(text_of(pd)) + 1)) return FALSE;
+    if (pd->buffer != nullptr) TEXTENTRY_key(pd->buffer, pd->sz_buffer, key);
+    return TRUE;
+}
+
+void LOGENTRY_make_entry(LOGENTRY_prv_data* pd) {
+    const std::string_view text = text_of(pd);
+    if (text.find_first_not_of(' ') != std::string_view::npos) {
+        NET_LOG_MonitorMessage note{};
+        note.flags = NET_LOG_MONITOR_NOTE;
+        note.msgtime = std::floor(UTIL_ftime());
+        UTIL_strcpynt(note.msg, ("USER: " + std::string(text)).c_str());
+        COMMAND_broadcast(MSG_LOG_MONITOR, VESKMSG_TO_ALL, note);
+    }
+    empty(pd);
+}
+
+// A window that was away comes up empty; one in view keeps its text.
+void LOGENTRY_mainmenu_callback(void* prv_data) {
+    LOGENTRY_prv_data* pd = record(prv_data);
+    if (pd->win == nullptr) return;
+    if (!pd->win->visible) {
+        empty(pd);
+        WINS_center(pd->win);
+    }
+    WINS_focus_window(pd->win);
+}
+
+BOOL LOGENTRY_init(void* prv_data, DISPLAY_common_params*, DISPLAY_match_params*, void*) {
+    LOGENTRY_prv_data* pd = record(prv_data);
+    pd->win = WINS_create(nullptr, WIDTH, HEIGHT);
+    if (pd->win == nullptr) return FALSE;
+    pd->mme = MAINMENU_addentry(MAINMENU_AT_HEAD, "Online log entry", LOGENTRY_mainmenu_callback, pd);
+    return pd->mme != nullptr;
+}
+
+void LOGENTRY_cleanup(void* prv_data) {
+    LOGENTRY_prv_data* pd = record(prv_data);
+    if (pd->mme != nullptr) MAINMENU_deleteentry(pd->mme);
+    WINS_delete(pd->win);
+    std::free(pd->buffer);
+}
+
+// A short text starts at the top; of a long one the last rows show, its end in the last column.
+void LOGENTRY_update(void* prv_data, DISPLAY_common_params*, void*) {
+    LOGENTRY_prv_data* pd = record(prv_data);
+    if (pd->win == nullptr) return;
+    WINS_draw_frame(pd->win, "Online Log Entry");
+    WINTEXT_put_centered(pd->win, PROMPT_ROW, A_REVERSE | WINS_attr_normal(),
+                         "Press ENTER to make entry, ESC/CTRL-W to abort");
+    std::string_view text = text_of(pd);
+    constexpr std::size_t SHOWN = TEXT_ROWS * COLUMNS;
+    if (text.size() > SHOWN) text.remove_prefix(text.size() - SHOWN);
+    for (int row = 1; !text.empty(); ++row) {
+        const std::string_view line = text.substr(0, COLUMNS);
+        WINTEXT_put(pd->win, row, 1, line);
+        text.remove_prefix(line.size());
+    }
+}
+
+BOOL LOGENTRY_keypress(void* prv_data, DISPLAY_common_params*, DISPLAY_keypress* kp, void*) {
+    LOGENTRY_prv_data* pd = record(prv_data);
+    if (pd->win == nullptr) return FALSE;
+    if (kp->key == KEY_F(12)) LOGENTRY_mainmenu_callback(pd);
+    if (WINS_default_keyhandler(pd->win, kp->key)) return TRUE;
+    if (!pd->win->focused) return FALSE;
+    if (CURSKEYS_is_enter(kp->key)) {
+        LOGENTRY_make_entry(pd);
+        WINS_hide_window(pd->win);
+        return TRUE;
+    }
+    return LOGENTRY_append(pd, kp->key);
+}
+
+}  // namespace
+
+const DISPLAY_DECL DDCL_PERSISTENT_LOGENTRY = {
+    .sz_private = sizeof(LOGENTRY_prv_data),
+    .cb_init = LOGENTRY_init,
+    .cb_cleanup = LOGENTRY_cleanup,
+    .cb_update = LOGENTRY_update,
+    .cb_msg_proc = nullptr,
+    .cb_keypress = LOGENTRY_keypress,
+    .cb_match = nullptr,
+};

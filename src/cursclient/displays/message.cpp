@@ -1,0 +1,132 @@
+// The messaging window: operators' free-text messages to each other. What is sent comes back from the server
+// like anybody's message and is shown then, so that all consoles show the same.
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+#include <type_traits>
+
+#include "cursclient/displays/instdisp.h"
+#include "cursclient/displays/textentry.h"
+#include "cursclient/displays_generated.h"
+#include "cursclient/mainmenu.h"
+#include "cursclient/wins.h"
+#include "cursclient/wintext.h"
+#include "libvesk/records/messaging.h"
+#include "libvesk/sfmt.h"
+#include "libvesk/util.h"
+#include "libveskcurs/curskeys.h"
+
+namespace {
+
+constexpr int WIDTH = 60;
+constexpr int HEIGHT = 15;
+constexpr int ROWS = 12;
+constexpr int COLUMNS = 58;     // of a buffer line
+constexpr int TEXT_COLUMN = 9;  // where the text starts, behind the time or its indent
+constexpr int ENTRY_ROW = 13;
+constexpr char MENU_CHARACTER = 1;  // stands before every hot key, and is none itself
+
+struct MESSAGE_prv_data {
+    WINS_window* win;
+    MAINMENU_entry* mme;
+    SFMT_buffer sbfr;
+    char display_buffer[ROWS * COLUMNS];  // lines are not terminated; a line whose first byte is 0 is free
+    char entry_buffer[sizeof(NETDS_MESSAGE_OneMessage::contents)];
+};
+static_assert(std::is_trivially_copyable_v<MESSAGE_prv_data>);
+
+MESSAGE_prv_data* record(void* prv_data) {
+    return static_cast<MESSAGE_prv_data*>(prv_data);
+}
+
+// The first free line, after scrolling the oldest one away when there is none.
+char* free_line(MESSAGE_prv_data* pd) {
+    for (int i = 0; i < ROWS; ++i)
+        if (pd->display_buffer[i * COLUMNS] == '\0') return pd->display_buffer + i * COLUMNS;
+    UTIL_shift_array(pd->display_buffer, sizeof pd->display_buffer, -COLUMNS);
+    char* last = pd->display_buffer + (ROWS - 1) * COLUMNS;
+    std::memset(last, 0, COLUMNS);
+    return last;
+}
+
+void add_message(MESSAGE_prv_data* pd, FTIME time_sent, std::string_view contents) {
+    char head[TEXT_COLUMN];
+    std::memset(head, ' ', sizeof head);
+    const INSTDISP_clock clock = INSTDISP_time(time_sent);
+    std::memcpy(head, clock.text, sizeof clock.text - 1);
+    do {
+        char* line = free_line(pd);
+        const std::string_view piece = contents.substr(0, COLUMNS - TEXT_COLUMN);
+        std::memcpy(line, head, TEXT_COLUMN);
+        std::memcpy(line + TEXT_COLUMN, piece.data(), piece.size());
+        contents.remove_prefix(piece.size());
+        std::memset(head, ' ', sizeof head);  // continuation lines are indented under the message
+    } while (!contents.empty());
+}
+
+void send_message(MESSAGE_prv_data* pd) {
+    if (pd->entry_buffer[0] == '\0') return;
+    NETDS_MESSAGE_OneMessage message{};
+    message.time_sent = UTIL_ftime();
+    UTIL_strcpynt(message.contents, pd->entry_buffer);
+    COMMAND_broadcast(MSG_MESSAGING_MESSAGE, VESKMSG_TO_ALL, message);
+    pd->entry_buffer[0] = '\0';
+}
+
+BOOL MESSAGE_init(void* prv_data, DISPLAY_common_params*, DISPLAY_match_params*, void*) {
+    MESSAGE_prv_data* pd = record(prv_data);
+    SFMT_init_buffer(&pd->sbfr);
+    pd->win = WINS_create("MESSAGING", WIDTH, HEIGHT);
+    if (pd->win == nullptr) return FALSE;
+    pd->mme = MAINMENU_addentry(MENU_CHARACTER, "Messaging", MAINMENU_default_focus_window, pd->win);
+    return pd->mme != nullptr;
+}
+
+void MESSAGE_cleanup(void* prv_data) {
+    MESSAGE_prv_data* pd = record(prv_data);
+    SFMT_destroy_buffer(&pd->sbfr);
+    if (pd->mme != nullptr) MAINMENU_deleteentry(pd->mme);
+    WINS_delete(pd->win);
+}
+
+void MESSAGE_msg_proc(void* prv_data, DISPLAY_common_params*, DISPLAY_msg_params* mp, void*) {
+    if (mp->pm->msg->msg != MSG_MESSAGING_MESSAGE) return;
+    const auto* message = VESKMSG_payload<NETDS_MESSAGE_OneMessage>(mp->pm);
+    if (message == nullptr) return;
+    add_message(record(prv_data), message->time_sent, message->contents);
+    WINS_focus_window(record(prv_data)->win);
+}
+
+void MESSAGE_update(void* prv_data, DISPLAY_common_params*, void*) {
+    MESSAGE_prv_data* pd = record(prv_data);
+    if (pd->win == nullptr) return;
+    WINS_draw_frame(pd->win, "Messaging");
+    for (int i = 0; i < ROWS; ++i)
+        WINTEXT_put(pd->win, 1 + i, 1, std::string_view(pd->display_buffer + i * COLUMNS, COLUMNS));
+    std::string_view entry = pd->entry_buffer;
+    if (entry.size() >= COLUMNS) entry.remove_prefix(entry.size() - COLUMNS);
+    WINTEXT_put_attr(pd->win, ENTRY_ROW, 1, A_BOLD | WINS_attr_normal(), entry);
+}
+
+BOOL MESSAGE_keypress(void* prv_data, DISPLAY_common_params*, DISPLAY_keypress* kp, void*) {
+    MESSAGE_prv_data* pd = record(prv_data);
+    if (pd->win == nullptr || !pd->win->focused) return FALSE;
+    if (WINS_default_keyhandler(pd->win, kp->key)) return TRUE;
+    if (CURSKEYS_is_enter(kp->key)) {
+        send_message(pd);
+        return TRUE;
+    }
+    return TEXTENTRY_key(pd->entry_buffer, sizeof pd->entry_buffer, kp->key);
+}
+
+}  // namespace
+
+const DISPLAY_DECL DDCL_PERSISTENT_MESSAGE = {
+    .sz_private = sizeof(MESSAGE_prv_data),
+    .cb_init = MESSAGE_init,
+    .cb_cleanup = MESSAGE_cleanup,
+    .cb_update = MESSAGE_update,
+    .cb_msg_proc = MESSAGE_msg_proc,
+    .cb_keypress = MESSAGE_keypress,
+    .cb_match = nullptr,
+};

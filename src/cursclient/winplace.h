@@ -1,0 +1,38 @@
+// Where windows go: pure arithmetic on the present screen, which is every line but the bottom one (that is
+// the status bar's).
+#pragma once
+
+#include <cstdlib>
+#include <memory>
+
+#include "libvesk/types.h"
+
+// Origin and size in columns and rows.
+struct WINPLACE_box {
+    int x, y, sx, sy;
+    bool operator==(const WINPLACE_box&) const = default;
+};
+
+// Rows that windows may use; a screen of one line has to be shared.
+[[nodiscard]] int WINPLACE_rows();
+// The wanted box, cut and moved only as far as the screen demands; at least one cell.
+[[nodiscard]] WINPLACE_box WINPLACE_fit(const WINPLACE_box& wanted);
+// A box of that size in the middle of the screen; it may start above or left of it.
+[[nodiscard]] WINPLACE_box WINPLACE_centered(int sx, int sy);
+// Column where a text of that length is centred in `width` columns, never on the left border.
+[[nodiscard]] int WINPLACE_centered_text(int width, std::size_t length);
+
+// One bit per screen column, set where the column was seen occupied.
+class WINPLACE_scan_line {
+  public:
+    WINPLACE_scan_line();
+    // FALSE (errno says why) when there was no memory for it.
+    [[nodiscard]] BOOL ok() const { return bits_ != nullptr; }
+    void occupy(int x, int width);
+    // The leftmost column with `width` free ones from there on, or -1.
+    [[nodiscard]] int find_free(int width) const;
+
+  private:
+    [[nodiscard]] BOOL occupied(int column) const;
+    std::unique_ptr<BYTE[], decltype(&std::free)> bits_;
+};

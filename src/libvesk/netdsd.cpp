@@ -1,0 +1,113 @@
+// Everything generic about records that needs nothing but their descriptors: finding a descriptor by name,
+// cleaning what came from outside, default values.
+#include "libvesk/netdsd.h"
+
+#include <algorithm>
+
+#include "libvesk/name_index.h"
+#include "libvesk/netmsg_list.h"
+#include "libvesk/records/all.h"
+#include "libvesk/util.h"
+
+namespace {
+
+using record_index = NAME_index<NETDSD_entry, 1024>;
+
+constexpr void add_with_nested(record_index& index, const NETDSD_entry* dsd) {
+    index.add(dsd);
+    for (std::size_t i = 0; i < dsd->count_fields; ++i) {
+        if (dsd->fields[i].ft == NETDSD_FT_BIN) add_with_nested(index, dsd->fields[i].nested);
+    }
+}
+
+template <class R>
+constexpr void add_record(record_index& index) {
+    if constexpr (!std::is_void_v<R>) add_with_nested(index, NETDSD_of<R>());
+}
+
+constexpr record_index g_by_name = [] {
+    record_index index;
+#define NETDSD_ADD_TIED(name, record) add_record<record>(index);
+    NETMSG_LIST(NETDSD_ADD_TIED)
+#undef NETDSD_ADD_TIED
+#define NETDSD_ADD_UNTIED(record) add_record<record>(index);
+    NETDSD_UNTIED_LIST(NETDSD_ADD_UNTIED)
+#undef NETDSD_ADD_UNTIED
+    return index;
+}();
+
+char printable(char c) {
+    return UTIL_is_printable(static_cast<unsigned char>(c)) ? c : ' ';
+}
+
+void sanitize_text(char* text, std::size_t size) {
+    const void* terminator = std::memchr(text, '\0', size - 1);
+    const std::size_t length = terminator != nullptr ? static_cast<const char*>(terminator) - text : size - 1;
+    std::transform(text, text + length, text, printable);
+    std::memset(text + length, 0, size - length);
+}
+
+void sanitize_field(const NETDSD_field& f, char* at) {
+    switch (f.ft) {
+        case NETDSD_FT_BOOL:
+        case NETDSD_FT_A_BOOL:
+            std::transform(at, at + f.count, at, [](char c) -> char { return c != 0; });
+            break;
+        case NETDSD_FT_CHAR:
+        case NETDSD_FT_A_CHAR:
+            std::transform(at, at + f.count, at, [](char c) { return c != 0 ? printable(c) : c; });
+            break;
+        case NETDSD_FT_STRING:
+            sanitize_text(at, f.size);
+            break;
+        case NETDSD_FT_BIN:
+            if (f.nested->numbers_only) break;
+            for (std::size_t i = 0; i < f.count; ++i)
+                NETDSD_sanitize(f.nested, at + i * f.nested->total_size);
+            break;
+        default:
+            break;
+    }
+}
+
+void set_default(const NETDSD_field& f, char* at) {
+    switch (NETDSD_element_type(f.ft)) {
+        case NETDSD_FT_DOUBLE:
+            NETDSD_store<double>(at, VESK_MISSING);
+            break;
+        case NETDSD_FT_FTIME:
+            NETDSD_store<FTIME>(at, VESK_NO_TIME);
+            break;
+        case NETDSD_FT_TIME:
+            NETDSD_store<TIME32>(at, -1);
+            break;
+        default:
+            break;
+    }
+}
+
+}  // namespace
+
+const NETDSD_entry* NETDSD_by_name(std::string_view name) {
+    return g_by_name.find(name);
+}
+
+const NETDSD_field* NETDSD_field_by_name(const NETDSD_entry* dsd, std::string_view name) {
+    const auto fields = NETDSD_fields(dsd);
+    const auto found =
+        std::find_if(fields.begin(), fields.end(), [&](const auto& f) { return name == f.name; });
+    return found != fields.end() ? &*found : nullptr;
+}
+
+void NETDSD_sanitize(const NETDSD_entry* dsd, void* record) {
+    if (dsd->numbers_only) return;
+    for (const NETDSD_field& f : NETDSD_fields(dsd)) {
+        sanitize_field(f, static_cast<char*>(record) + f.offset);
+    }
+}
+
+void NETDSD_set_defaults(const NETDSD_entry* dsd, void* record) {
+    char* const bytes = static_cast<char*>(record);
+    std::memset(bytes, 0, dsd->total_size);
+    NETDSD_for_each_leaf(dsd, [&](const NETDSD_field& f, std::size_t at) { set_default(f, bytes + at); });
+}

@@ -1,0 +1,14 @@
+// Every wire record there is. Only the tables (netmsg.cpp, netdsd.cpp) and programs that treat all records
+// alike include this; a unit that knows its records includes their header.
+#pragma once
+
+#include "libvesk/records/common_neph.h"
+#include "libvesk/records/cpc.h"
+#include "libvesk/records/io.h"
+#include "libvesk/records/log.h"
+#include "libvesk/records/messaging.h"
+#include "libvesk/records/server.h"
+
+// Records that no message is tied to and no other record nests, yet that may travel with an untied message:
+// one X(NET_...) each.
+#define NETDSD_UNTIED_LIST(X)

@@ -1,0 +1,52 @@
+// A window that changes size is made anew and swapped into its panel: curses may have shrunk or moved the old
+// one on its own when the terminal was resized.
+#include "libveskcurs/cursdialog_window.h"
+
+#include "libvesk/util.h"
+
+namespace cursdialog {
+
+Window::Window() {
+    if (place({0, 0, 1, 1})) hide_panel(panel_);
+}
+
+Window::~Window() {
+    if (panel_ != nullptr) del_panel(panel_);
+    if (win_ != nullptr) delwin(win_);
+}
+
+bool Window::place(const Box& box) {
+    if (stdscr == nullptr) return false;
+    if (win_ != nullptr && box == Box{getbegy(win_), getbegx(win_), getmaxy(win_), getmaxx(win_)})
+        return true;
+
+    WINDOW* fresh = newwin(box.rows, box.cols, box.y, box.x);
+    if (fresh == nullptr) return false;
+    if (panel_ != nullptr) {
+        replace_panel(panel_, fresh);
+    } else if ((panel_ = new_panel(fresh)) == nullptr) {
+        delwin(fresh);
+        return false;
+    }
+    if (win_ != nullptr) delwin(win_);
+    win_ = fresh;
+    return true;
+}
+
+void Window::raise() {
+    top_panel(panel_);
+}
+
+void Canvas::put(int y, int x, std::string_view text, chtype attr) const {
+    const int row = y - 1 - top;
+    if (row < 0 || row >= view.rows) return;
+    int col = x - 1 - left;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        const chtype shown = UTIL_is_printable(byte) ? byte : ' ';
+        if (col >= 0 && col < view.cols) mvwaddch(win, view.y + row, view.x + col, shown | attr);
+        ++col;
+    }
+}
+
+}  // namespace cursdialog

@@ -1,0 +1,335 @@
+// The only unit that knows the JSON library. Reading is strict: an instrument's author must hear about every
+// misspelt field and every number out of range, instead of finding zeros on the operators' screens.
+#include "peer/json_line.h"
+
+#include <cmath>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <set>
+#include <utility>
+
+#include "libvesk/util.h"
+#include "peer/json_record.h"
+
+namespace {
+
+using nlohmann::json;
+
+std::string in_quotes(std::string_view name) {
+    std::string text;
+    JSONREC_append_text(&text, name);
+    return text;
+}
+
+// The bytes of a JSON text, one per character; none when a character has no byte.
+std::optional<std::string> bytes_of(const std::string& utf8) {
+    std::string bytes;
+    for (std::size_t i = 0; i < utf8.size(); ++i) {
+        const auto c = static_cast<unsigned char>(utf8[i]);
+        if (c == 0 || c > 0xC3) return std::nullopt;
+        bytes += c < 0x80 ? utf8[i] : static_cast<char>((c & 3) << 6 | (utf8[++i] & 0x3F));
+    }
+    return bytes;
+}
+
+template <class T>
+BOOL read_integer(const json& value, T* number) {
+    constexpr double EXACT = 9007199254740992.0;  // 2^53: every double up to here is what was written
+    const auto take = [number](auto wide) {
+        if (!std::in_range<T>(wide)) return FALSE;
+        *number = static_cast<T>(wide);
+        return TRUE;
+    };
+    if (value.is_number_unsigned()) return take(value.get<std::uint64_t>());
+    if (value.is_number_integer()) return take(value.get<std::int64_t>());
+    if (!value.is_number_float()) return FALSE;
+    const auto d = value.get<double>();
+    return std::trunc(d) == d && std::abs(d) <= EXACT && take(static_cast<std::int64_t>(d));
+}
+
+BOOL read_floating(const json& value, double* number) {
+    if (value.is_number()) {
+        *number = value.get<double>();
+        return TRUE;
+    }
+    if (!value.is_string()) return FALSE;
+    const auto& text = value.get_ref<const std::string&>();
+    if (text == JSONREC_NAN) *number = std::nan("");
+    if (text == JSONREC_INF) *number = HUGE_VAL;
+    if (text == JSONREC_NEG_INF) *number = -HUGE_VAL;
+    return text == JSONREC_NAN || text == JSONREC_INF || text == JSONREC_NEG_INF;
+}
+
+// Fills a record from a JSON object. Every function returns FALSE on the first thing that is wrong; the path
+// to it is put together on the way out.
+class record_reader {
+  public:
+    BOOL record(const json& object, const NETDSD_entry* dsd, char* at) {
+        if (!object.is_object()) return wrong("expects an object");
+        for (const auto& [name, value] : object.items()) {
+            const NETDSD_field* f = NETDSD_field_by_name(dsd, name);
+            if (f == nullptr) return wrong("unknown field " + in_quotes(name) + " in " + dsd->name);
+            if (!field(value, *f, at + f->offset)) return inside(f->name);
+        }
+        return TRUE;
+    }
+
+    [[nodiscard]] std::string error() const { return m_path.empty() ? m_reason : m_path + ": " + m_reason; }
+
+  private:
+    BOOL field(const json& value, const NETDSD_field& f, char* at) {
+        if (!JSONREC_is_list(f)) return element(value, f, at);
+        if (!value.is_array() || value.size() > f.count) {
+            return wrong("expects an array of at most " + std::to_string(f.count) + " elements");
+        }
+        for (std::size_t i = 0; i < value.size(); ++i) {
+            if (!element(value[i], f, at + i * (f.size / f.count))) {
+                return inside("[" + std::to_string(i) + "]");
+            }
+        }
+        return TRUE;
+    }
+
+    BOOL element(const json& value, const NETDSD_field& f, char* at) {
+        if (f.ft == NETDSD_FT_BIN) return record(value, f.nested, at);
+        if (f.ft == NETDSD_FT_STRING) return text(value, f.size, at);
+        return NETDSD_visit_type(f.ft, [&]<class T>(std::type_identity<T>) {
+            if constexpr (std::is_same_v<T, BOOL>) {
+                return boolean(value, at);
+            } else if constexpr (std::is_same_v<T, char>) {
+                return character(value, at);
+            } else if constexpr (std::is_floating_point_v<T>) {
+                return floating<T>(value, at);
+            } else {
+                return integer<T>(value, at);
+            }
+        });
+    }
+
+    BOOL boolean(const json& value, char* at) {
+        if (!value.is_boolean()) return wrong("expects true or false");
+        NETDSD_store<BOOL>(at, value.get<bool>());
+        return TRUE;
+    }
+
+    BOOL text(const json& value, std::size_t size, char* at) {
+        if (!value.is_string()) return wrong("expects a text");
+        const auto bytes = bytes_of(value.get_ref<const std::string&>());
+        if (!bytes) return wrong("holds a character that cannot be sent");
+        if (bytes->size() >= size) {
+            return wrong("longer than " + std::to_string(size - 1) + " characters");
+        }
+        std::memset(at, 0, size);
+        std::memcpy(at, bytes->data(), bytes->size());
+        return TRUE;
+    }
+
+    BOOL character(const json& value, char* at) {
+        if (!value.is_string()) return wrong("expects a text of one character");
+        const auto bytes = bytes_of(value.get_ref<const std::string&>());
+        if (!bytes || bytes->size() > 1) return wrong("expects a text of one character");
+        *at = bytes->empty() ? '\0' : bytes->front();
+        return TRUE;
+    }
+
+    template <class T>
+    BOOL integer(const json& value, char* at) {
+        T number{};
+        if (!read_integer(value, &number)) {
+            return wrong("expects an integer from " + std::to_string(std::numeric_limits<T>::min()) + " to " +
+                         std::to_string(std::numeric_limits<T>::max()));
+        }
+        NETDSD_store<T>(at, number);
+        return TRUE;
+    }
+
+    // Only a double has a value that means missing.
+    template <class T>
+    BOOL floating(const json& value, char* at) {
+        double number = VESK_MISSING;
+        if (!(std::is_same_v<T, double> && value.is_null()) && !read_floating(value, &number)) {
+            return wrong(R"(expects a number, null, "NaN", "Inf" or "-Inf")");
+        }
+        if (std::isfinite(number) && std::abs(number) > double{std::numeric_limits<T>::max()}) {
+            return wrong("expects a number of single precision");
+        }
+        NETDSD_store<T>(at, static_cast<T>(number));
+        return TRUE;
+    }
+
+    BOOL wrong(std::string reason) {
+        m_reason = std::move(reason);
+        return FALSE;
+    }
+
+    BOOL inside(const std::string& name) {
+        m_path = m_path.empty() || m_path.front() == '[' ? name + m_path : name + "." + m_path;
+        return FALSE;
+    }
+
+    std::string m_reason;
+    std::string m_path;
+};
+
+// Reads the members of a line one by one; the first that is wrong leaves its reason.
+class line_reader {
+  public:
+    line_reader(const json& line, JSONLINE_message* message, std::string* error)
+        : m_line(line), m_message(message), m_error(error) {}
+
+    BOOL read() {
+        if (!m_line.is_object()) return wrong("a line is a JSON object");
+        return known_keys() && origin() && message() && destination() && flags() && record() && payload();
+    }
+
+  private:
+    BOOL known_keys() {
+        static const std::set<std::string_view> known = {"time", "src",    "dest",   "flags",
+                                                         "msg",  "record", "payload"};
+        for (const auto& [name, value] : m_line.items()) {
+            if (!known.contains(name)) return wrong("unknown key " + in_quotes(name));
+        }
+        return TRUE;
+    }
+
+    BOOL origin() {
+        if (const json* time = given("time"); time != nullptr && !read_floating(*time, &m_message->time)) {
+            return wrong("\"time\" is a number");
+        }
+        return text("src", &m_message->src);
+    }
+
+    BOOL message() {
+        std::string name;
+        if (given("msg") == nullptr) return wrong("no \"msg\"");
+        if (!text("msg", &name)) return FALSE;
+        m_message->msg = NETMSG_by_name(name);
+        return m_message->msg != nullptr || wrong("unknown message " + in_quotes(name));
+    }
+
+    BOOL destination() {
+        std::string& dest = m_message->dest;
+        if (!text("dest", &dest)) return FALSE;
+        return dest.empty() || UTIL_valid_source_name(dest) || wrong("\"dest\" is no name of an instrument");
+    }
+
+    BOOL flags() {
+        m_message->flags = m_message->dest.empty() ? VESKMSG_TO_ALL : 0;
+        const json* value = given("flags");
+        return value == nullptr || read_integer(*value, &m_message->flags) ||
+               wrong("\"flags\" is an integer from 0 to 4294967295");
+    }
+
+    BOOL record() {
+        const NETMSG_entry* msg = m_message->msg;
+        std::string name;
+        if (!text("record", &name)) return FALSE;
+        if (given("payload") == nullptr) return name.empty() || wrong("a \"record\" without \"payload\"");
+        m_message->dsd = name.empty() ? msg->dsd : NETDSD_by_name(name);
+        if (m_message->dsd == nullptr) {
+            return wrong(name.empty() ? std::string(msg->name) + " needs a \"record\" with its \"payload\""
+                                      : "unknown record " + in_quotes(name));
+        }
+        return NETMSG_accepts(msg, m_message->dsd) ||
+               wrong(std::string(msg->name) + " carries " + msg->ds_tie + ", not " + name);
+    }
+
+    BOOL payload() {
+        const json* value = given("payload");
+        if (value == nullptr) return TRUE;
+        m_message->payload.resize(m_message->dsd->total_size);
+        NETDSD_set_defaults(m_message->dsd, m_message->payload.data());
+        record_reader reader;
+        if (!value->is_object()) return wrong("\"payload\" is an object");
+        return reader.record(*value, m_message->dsd, m_message->payload.data()) || wrong(reader.error());
+    }
+
+    // A member that is there and not null.
+    [[nodiscard]] const json* given(const char* name) const {
+        const auto found = m_line.find(name);
+        return found != m_line.end() && !found->is_null() ? &*found : nullptr;
+    }
+
+    BOOL text(const char* name, std::string* to) {
+        const json* value = given(name);
+        if (value == nullptr) return TRUE;
+        if (!value->is_string()) return wrong(in_quotes(name) + " is a text");
+        *to = value->get<std::string>();
+        return TRUE;
+    }
+
+    BOOL wrong(std::string reason) {
+        *m_error = std::move(reason);
+        return FALSE;
+    }
+
+    const json& m_line;
+    JSONLINE_message* m_message;
+    std::string* m_error;
+};
+
+// Notices a member that stands twice in one object: the library would silently keep the last.
+class duplicate_finder {
+  public:
+    bool operator()(json::parse_event_t event, const json& parsed) {
+        if (event == json::parse_event_t::object_start) m_objects.emplace_back();
+        if (event == json::parse_event_t::object_end) m_objects.pop_back();
+        if (event == json::parse_event_t::key) {
+            const auto& name = parsed.get_ref<const std::string&>();
+            if (!m_objects.back().insert(name).second && m_duplicate.empty()) m_duplicate = in_quotes(name);
+        }
+        return true;
+    }
+    [[nodiscard]] const std::string& duplicate() const { return m_duplicate; }
+
+  private:
+    std::vector<std::set<std::string>> m_objects;
+    std::string m_duplicate;
+};
+
+BOOL parse(std::string_view line, json* parsed, std::string* error) {
+    duplicate_finder finder;
+    try {
+        *parsed = json::parse(line, [&](int, json::parse_event_t event, json& value) {
+            return finder(event, std::as_const(value));
+        });
+    } catch (const json::parse_error& e) {
+        *error = "no JSON: wrong at byte " + std::to_string(e.byte);
+        return FALSE;
+    } catch (const json::exception&) {
+        *error = "no JSON: a number beyond every range";
+        return FALSE;
+    }
+    if (finder.duplicate().empty()) return TRUE;
+    *error = finder.duplicate() + " stands twice";
+    return FALSE;
+}
+
+}  // namespace
+
+void JSONLINE_write(std::string* out, const VESKMSG_proc_msg* pm, FTIME time) {
+    *out += "{\"time\":";
+    JSONREC_append_double(out, time);
+    *out += ",\"src\":";
+    JSONREC_append_text(out, pm->src_name != nullptr ? pm->src_name : "");
+    *out += ",\"dest\":";
+    JSONREC_append_text(out, pm->dest_name != nullptr ? pm->dest_name : "");
+    *out += ",\"flags\":" + std::to_string(pm->flags);
+    *out += ",\"msg\":";
+    JSONREC_append_text(out, pm->msg->name);
+    if (pm->pds == nullptr || pm->dsd == nullptr) {
+        *out += ",\"record\":null,\"payload\":null}\n";
+        return;
+    }
+    *out += ",\"record\":";
+    JSONREC_append_text(out, pm->dsd->name);
+    *out += ",\"payload\":";
+    JSONREC_append_record(out, pm->dsd, pm->pds);
+    *out += "}\n";
+}
+
+BOOL JSONLINE_read(std::string_view line, JSONLINE_message* message, std::string* error) {
+    *message = JSONLINE_message();
+    json parsed;
+    return parse(line, &parsed, error) && line_reader(parsed, message, error).read();
+}

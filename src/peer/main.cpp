@@ -1,0 +1,32 @@
+// vesk.peer: the link as JSON lines on standard input and output.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "libvesk/util.h"
+#include "peer/options.h"
+#include "peer/peer.h"
+
+namespace {
+
+// The number of a standard stream that is closed would go to the link's socket, which then were read as
+// input.
+void open_closed_streams() {
+    int fd = 0;
+    while (fd >= STDIN_FILENO && fd <= STDERR_FILENO)
+        fd = open("/dev/null", O_RDWR);
+    if (fd >= 0) close(fd);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    PEER_options options;
+    int status = PEER_EXIT_OK;
+    if (!PEER_parse_options(argc, argv, &options, &status)) return status;
+    open_closed_streams();
+    if (!LIBVESK_init("PEER")) return PEER_EXIT_NO_LINK;
+    UTIL_exit_signal_poll_setup_hup();
+    status = PEER_run(options);
+    LIBVESK_cleanup();
+    return status;
+}

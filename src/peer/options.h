@@ -1,0 +1,21 @@
+// The command line of vesk.peer.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "libvesk/types.h"
+
+struct PEER_options {
+    std::string as;                 // the instrument to be; empty: a CLIENT
+    std::string host;               // empty: the default local socket
+    BOOL monitor = FALSE;           // also see what is addressed to others
+    std::vector<std::string> only;  // shell patterns of message or source names; empty: everything
+    std::size_t count = 0;          // end after so many printed lines; 0: never
+    double timeout = 0;             // seconds after which to end; 0: never
+};
+
+// FALSE when the program ends here, with `status` for main to return: help was asked for, or the command
+// line is wrong (said on standard error).
+[[nodiscard]] BOOL PEER_parse_options(int argc, const char* const* argv, PEER_options* options, int* status);

@@ -1,0 +1,112 @@
+// Start, run, end. Everything happens on one thread, in the handlers of one io_context.
+#include "server/server.h"
+
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <asio/io_context.hpp>
+#include <asio/signal_set.hpp>
+#include <asio/steady_timer.hpp>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <ctime>
+#include <list>
+
+#include "libvesk/util.h"
+#include "server/listener.h"
+
+namespace {
+
+constexpr rlim_t MOST_DESCRIPTORS = 16384;
+constexpr rlim_t OWN_DESCRIPTORS = 32;  // everything that is not a peer
+
+void write_log(const std::string& text) {
+    const auto now = static_cast<std::time_t>(UTIL_ftime());
+    std::tm utc{};
+    gmtime_r(&now, &utc);
+    char stamp[32];
+    std::strftime(stamp, sizeof stamp, "%Y-%m-%dT%H:%M:%SZ", &utc);
+    std::fprintf(stderr, "%s vesk.server: %s\n", stamp, text.c_str());
+}
+
+// As many peers as there may be descriptors, of which the program takes what it is allowed to.
+std::size_t most_peers() {
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return HUB_params{}.most_peers;
+    limit.rlim_cur = std::max(limit.rlim_cur, std::min(limit.rlim_max, MOST_DESCRIPTORS));
+    if (setrlimit(RLIMIT_NOFILE, &limit) != 0) getrlimit(RLIMIT_NOFILE, &limit);
+    const rlim_t usable = std::min(limit.rlim_cur, MOST_DESCRIPTORS);
+    return usable > OWN_DESCRIPTORS ? usable - OWN_DESCRIPTORS : 1;
+}
+
+class server {
+  public:
+    explicit server(OPTIONS options) : options_(std::move(options)), hub_(hub_params()) {}
+
+    int run() {
+        if (!listen()) return 1;
+        tick();
+        signals_.async_wait([this](const asio::error_code&, int number) {
+            write_log(std::string("ended by ") + strsignal(number));
+            context_.stop();
+        });
+        context_.run();
+        for (LISTENER& l : listeners_)
+            l.close();
+        hub_.close();
+        return 0;
+    }
+
+  private:
+    HUB_params hub_params() {
+        HUB_params params = options_.hub;
+        params.most_peers = most_peers();
+        params.log = write_log;
+        if (options_.verbose) params.chat = write_log;
+        return params;
+    }
+
+    BOOL listen() {
+        std::vector<ADDRESS> addresses{options_.socket};
+        addresses.insert(addresses.end(), options_.listen.begin(), options_.listen.end());
+        for (const ADDRESS& address : addresses) {
+            const auto adopt = [this](STREAM::socket_type socket, std::string where) {
+                hub_.adopt(std::move(socket), std::move(where));
+            };
+            LISTENER& listener = listeners_.emplace_back(context_, adopt, write_log);
+            std::string why;
+            if (!listener.listen(address, &why)) {
+                write_log(why);
+                return FALSE;
+            }
+            write_log("listening on " + listener.text());
+        }
+        return TRUE;
+    }
+
+    void tick() {
+        hub_.tick();
+        for (LISTENER& l : listeners_)
+            l.tick();
+        timer_.expires_after(std::chrono::duration_cast<std::chrono::nanoseconds>(
+            std::chrono::duration<double>(HUB::TICK_SECONDS)));
+        timer_.async_wait([this](const asio::error_code& error) {
+            if (!error) tick();
+        });
+    }
+
+    OPTIONS options_;
+    asio::io_context context_{1};
+    asio::signal_set signals_{context_, SIGTERM, SIGINT, SIGHUP};
+    asio::steady_timer timer_{context_};
+    HUB hub_;
+    std::list<LISTENER> listeners_;
+};
+
+}  // namespace
+
+int SERVER_run(OPTIONS options) {
+    server s(std::move(options));
+    return s.run();
+}

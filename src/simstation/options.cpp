@@ -1,0 +1,106 @@
+// Reading the command line, with the list of instruments and the scenario that it names.
+#include "simstation/options.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <fstream>
+
+#include "libvesk/util.h"
+
+namespace {
+
+constexpr int WRONG_USAGE = 2;
+
+void list_kinds() {
+    for (const SIM_kind& kind : SIM_kinds()) {
+        std::printf("%-16s %-6s %-24s%s\n", kind.type, kind.name, kind.display_name,
+                    kind.on_demand ? " (on demand)" : "");
+        for (const SIM_setting& setting : kind.dcl->settings)
+            std::printf("    %-12s %s\n", setting.name, setting.help);
+    }
+}
+
+BOOL read_file(const std::string& path, std::string& text) {
+    std::ifstream file(path);
+    char chunk[4096];
+    while (file.read(chunk, sizeof chunk), file.gcount() > 0)
+        text.append(chunk, static_cast<std::size_t>(file.gcount()));
+    return file.eof();  // not so when it could not be opened, or is a directory
+}
+
+void load_scenario(const std::string& path, SIM_options& options, std::vector<std::string>& errors) {
+    std::string text;
+    if (!read_file(path, text)) {
+        errors.push_back("cannot read the scenario " + path);
+        return;
+    }
+    std::vector<std::string> wrong;
+    options.scenario = SIM_parse_scenario(text, wrong);
+    SIM_check_scenario(options.scenario, options.members, wrong);
+    for (const std::string& line : wrong)
+        errors.push_back(path + ": " + line);
+}
+
+struct raw_options {
+    std::string kinds;
+    std::string scenario;
+    BOOL list = FALSE;
+};
+
+void declare(CLI::App& app, SIM_options& o, raw_options& raw) {
+    app.add_option("--host", o.host, "Server: NAME, NAME:PORT, [V6]:PORT or a socket path");
+    app.add_option("--kinds", raw.kinds, "Instruments: TYPE[=NAME][*COUNT],... (default: one of each kind)");
+    app.add_option("--seed", o.settings.seed, "The same seed gives the same values")->capture_default_str();
+    app.add_option("--speed", o.speed, "Simulated seconds per second")
+        ->check(CLI::Range(0.01, 10000.0))
+        ->capture_default_str();
+    app.add_option("--start", o.start, "Simulated time at the start, seconds since 1970 (default: now)")
+        ->check(CLI::Range(0.0, 2e9));
+    app.add_option("--average", o.settings.average_seconds, "Length of averages in seconds")
+        ->check(CLI::Range(1, 86400))
+        ->capture_default_str();
+    app.add_option("--scenario", raw.scenario, "File of timed events");
+    app.add_option("--errors", o.logger.errors_per_hour, "Error lines in the station log per simulated hour")
+        ->check(CLI::Range(0.0, 3600.0))
+        ->capture_default_str();
+    app.add_flag("--chatty", o.logger.chatty, "Answer operators' messages");
+    app.add_option("--name", o.name, "Name of the station's own peer, its data logger")
+        ->capture_default_str();
+    app.add_flag("--quiet", o.quiet, "No log output");
+    app.add_flag("--list", raw.list, "Print the kinds of instruments and what a scenario can set, and exit");
+}
+
+// What is wrong beyond what the parser itself sees.
+std::vector<std::string> complete(SIM_options& options, const raw_options& raw) {
+    std::vector<std::string> errors;
+    options.members = SIM_roster(raw.kinds, errors);
+    if (!UTIL_valid_source_name(options.name)) errors.push_back("--name: no valid source name");
+    for (const SIM_member& member : options.members) {
+        if (member.name == options.name) errors.push_back("--name: " + member.name + " is an instrument");
+    }
+    if (errors.empty() && !raw.scenario.empty()) load_scenario(raw.scenario, options, errors);
+    return errors;
+}
+
+}  // namespace
+
+std::optional<int> SIM_parse_options(int argc, char** argv, SIM_options& options) {
+    raw_options raw;
+    options.name = "LOGGER";
+    CLI::App app("A simulated aerosol station: instruments that connect to a server", "vesk.simstation");
+    declare(app, options, raw);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        return app.exit(e) == 0 ? 0 : WRONG_USAGE;
+    }
+    if (raw.list) {
+        list_kinds();
+        return 0;
+    }
+    const std::vector<std::string> errors = complete(options, raw);
+    for (const std::string& error : errors)
+        std::fprintf(stderr, "vesk.simstation: %s\n", error.c_str());
+    if (!errors.empty()) return WRONG_USAGE;
+    return std::nullopt;
+}

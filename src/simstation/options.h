@@ -1,0 +1,25 @@
+// The command line of vesk.simstation.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "simstation/logger.h"
+#include "simstation/roster.h"
+
+struct SIM_options {
+    std::string host;  // "" for the local server
+    std::string name;  // of the station's own peer
+    SIM_settings settings;
+    SIM_logger_settings logger;
+    std::vector<SIM_member> members;
+    std::vector<SIM_event> scenario;
+    double speed = 1;            // simulated seconds per second
+    FTIME start = VESK_NO_TIME;  // simulated time at the start; -1 for now
+    BOOL quiet = FALSE;
+};
+
+// Fills the options. A value ends the program at once with that exit code: 0 after --help and --list, 2 after
+// anything wrong, which has then been said on standard error.
+[[nodiscard]] std::optional<int> SIM_parse_options(int argc, char** argv, SIM_options& options);

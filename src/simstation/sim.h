@@ -1,0 +1,147 @@
+// The contract of simulated instruments. A kind is one file with one state record, and one row in the table
+// of kinds (kinds.h). The state record's members are the callbacks; everything that instruments have in
+// common (announcement, logging flag, communications, averaging clock, noise) is done here, once:
+//
+//   namespace {
+//   struct widget {
+//       static constexpr SIM_setting settings[] = {{"jam", "on: the belt stands still"}};  // optional
+//       void start(SIM_instrument& sim) { ... }             // optional: send what is kept from the start
+//       void tick(SIM_instrument& sim) { ... }              // required: one second of measuring
+//       void status(SIM_instrument& sim) { ... }            // optional: send_changed(MSG_..._STATUS, ...)
+//       BOOL command(SIM_instrument& sim, const VESKMSG_proc_msg* pm) { ... }            // optional
+//       BOOL set(SIM_instrument& sim, std::string_view name, const SIM_value& v) { ... }  // with settings
+//       void leave(SIM_instrument& sim) { ... }             // optional: parting words
+//   };
+//   }  // namespace
+//   constinit const SIM_decl SIM_DCL_widget = SIM_decl_of<widget>();
+#pragma once
+
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "simstation/voice.h"
+
+class SIM_instrument;
+
+// What a scenario sets: a text, and the number that it says ("on", "yes", "true" are 1; "off", "no", "false"
+// are 0; NaN when it says none).
+struct SIM_value {
+    explicit SIM_value(std::string_view t);
+    std::string text;
+    double number;
+};
+
+// One thing of a kind that a scenario can set.
+struct SIM_setting {
+    const char* name;
+    const char* help;
+    BOOL is_text = FALSE;  // any text is fine; otherwise only what has a number
+};
+
+// The callbacks of a kind, made by SIM_decl_of. `state` is the instrument's own record.
+struct SIM_decl {
+    std::shared_ptr<void> (*make)();                        // a new state, each time the instrument joins
+    void (*tick)(void* state, SIM_instrument&);             // once per second, not while comms are lost
+    void (*start)(void* state, SIM_instrument&) = nullptr;  // once, after the announcement
+    // Says what state the instrument is in, have_comms() and alarm_flags() included. Called after the start
+    // and after everything that can have changed it (every tick and command too), hence send_changed.
+    void (*status)(void* state, SIM_instrument&) = nullptr;
+    // A message for this instrument or for all (not from itself). TRUE when it was understood.
+    BOOL (*command)(void* state, SIM_instrument&, const VESKMSG_proc_msg*) = nullptr;
+    // A setting of the list below; FALSE when the value is no good.
+    BOOL (*set)(void* state, SIM_instrument&, std::string_view name, const SIM_value&) = nullptr;
+    void (*leave)(void* state, SIM_instrument&) = nullptr;  // before the link closes
+    std::span<const SIM_setting> settings = {};
+};
+
+// A row of the table of kinds.
+struct SIM_kind {
+    const char* type;          // what the instrument announces itself as
+    const char* name;          // source name of the first of its kind
+    const char* display_name;  // for people
+    char id_ch;                // hot key and logging indicator
+    const char* tags;          // separated by blanks, at most eight
+    BOOL on_demand;            // runs only when asked for by name
+    const SIM_decl* dcl;
+};
+
+// One instrument of the station.
+struct SIM_member {
+    const SIM_kind* kind;
+    std::string name;
+    std::string display_name;
+    char id_ch;
+};
+
+class SIM_instrument : public SIM_voice {
+  public:
+    SIM_instrument(SIM_world& world, SIM_sink& sink, SIM_member member);
+
+    // --- for the kinds (and what SIM_voice offers) ---
+    [[nodiscard]] const SIM_air& air() const { return m_world.air; }
+    [[nodiscard]] double dt() const { return SIM_world::TICK; }        // seconds that a tick stands for
+    [[nodiscard]] double age() const { return time() - m_joined_at; }  // seconds since it was switched on
+    [[nodiscard]] BOOL have_comms() const { return m_comms; }
+    [[nodiscard]] BOOL logging() const { return m_logging; }
+    // Fault bits that a scenario raised: or them into the kind's own flags.
+    [[nodiscard]] WORD alarm_flags() const { return m_alarm_flags; }
+    // TRUE in the tick that completes an averaging block: send the average and reset.
+    [[nodiscard]] BOOL average_due() const;
+    // Start of the block that this tick belongs to.
+    [[nodiscard]] FTIME average_start() const { return m_block_start; }
+
+    // --- for the station and tests ---
+    [[nodiscard]] const SIM_member& member() const { return m_member; }
+    [[nodiscard]] BOOL present() const { return m_state != nullptr; }
+    void join();   // announces itself, with a new state; nothing when it is there already
+    void leave();  // the sink's link may close afterwards
+    void tick();
+    // Hands on a message that the link received; TRUE when it was for this instrument and understood.
+    BOOL receive(const VESKMSG_proc_msg* pm);
+    void set_comms(BOOL comms);
+    void set_alarm_flags(WORD flags);
+    void set_logging(BOOL logging);
+    BOOL set(std::string_view name, const SIM_value& value);
+
+  private:
+    void announce();
+    void say_status();
+    BOOL change_logging(const VESKMSG_proc_msg* pm);
+
+    SIM_member m_member;
+    std::shared_ptr<void> m_state;
+    FTIME m_joined_at = 0;
+    FTIME m_block_start = 0;
+    BOOL m_comms = TRUE;
+    BOOL m_logging = TRUE;
+    WORD m_alarm_flags = 0;
+};
+
+// The callbacks of the state record S: those of its members that are there. A member of that name with
+// another signature does not compile.
+template <class S>
+constexpr SIM_decl SIM_decl_of() {
+    SIM_decl d{
+        .make = []() -> std::shared_ptr<void> { return std::make_shared<S>(); },
+        .tick = [](void* s, SIM_instrument& sim) { static_cast<S*>(s)->tick(sim); },
+    };
+    if constexpr (requires { &S::start; })
+        d.start = [](void* s, SIM_instrument& sim) { static_cast<S*>(s)->start(sim); };
+    if constexpr (requires { &S::status; })
+        d.status = [](void* s, SIM_instrument& sim) { static_cast<S*>(s)->status(sim); };
+    if constexpr (requires { &S::command; })
+        d.command = [](void* s, SIM_instrument& sim, const VESKMSG_proc_msg* pm) -> BOOL {
+            return static_cast<S*>(s)->command(sim, pm);
+        };
+    if constexpr (requires { S::settings; }) {
+        d.settings = S::settings;
+        d.set = [](void* s, SIM_instrument& sim, std::string_view name, const SIM_value& value) -> BOOL {
+            return static_cast<S*>(s)->set(sim, name, value);
+        };
+    }
+    if constexpr (requires { &S::leave; })
+        d.leave = [](void* s, SIM_instrument& sim) { static_cast<S*>(s)->leave(sim); };
+    return d;
+}

@@ -1,0 +1,79 @@
+// Speaking: records leave with their padding zeroed, so that equal values are equal bytes.
+#include "simstation/voice.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <ctime>
+
+#include "libvesk/util.h"
+
+namespace {
+
+// The record's values without whatever stands in its padding.
+std::vector<char> clean_bytes(const NETDSD_entry* dsd, const void* record) {
+    std::vector<char> bytes(dsd->total_size);
+    NETDSD_for_each_leaf(dsd, [&](const NETDSD_field& f, std::size_t at) {
+        const std::size_t size = f.ft == NETDSD_FT_STRING ? f.size : f.size / f.count;
+        std::memcpy(bytes.data() + at, static_cast<const char*>(record) + at, size);
+    });
+    return bytes;
+}
+
+__attribute__((format(printf, 1, 0))) std::string formatted(const char* format, std::va_list args) {
+    char text[1024];
+    std::vsnprintf(text, sizeof text, format, args);
+    return text;
+}
+
+}  // namespace
+
+std::string SIM_utc_text(FTIME time) {
+    const auto t = static_cast<std::time_t>(time);
+    std::tm utc{};
+    gmtime_r(&t, &utc);
+    char text[32];
+    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &utc);
+    return text;
+}
+
+SIM_voice::SIM_voice(SIM_world& world, SIM_sink& sink, std::string name)
+    : m_world(world), m_sink(sink), m_name(std::move(name)), m_noise(world.settings.seed, m_name) {}
+
+void SIM_voice::emit(NETMSG_type msg, DWORD flags, const char* dest, const NETDSD_entry* dsd,
+                     const void* record, BOOL instant) {
+    if (dsd == nullptr) {
+        m_sink.send({msg, flags, dest, nullptr, nullptr, instant});
+        return;
+    }
+    const std::vector<char> bytes = clean_bytes(dsd, record);
+    m_sink.send({msg, flags, dest, dsd, bytes.data(), instant});
+}
+
+void SIM_voice::emit_changed(NETMSG_type msg, const NETDSD_entry* dsd, const void* record) {
+    std::vector<char> bytes = clean_bytes(dsd, record);
+    std::vector<char>& last = m_sent[msg];
+    if (bytes == last) return;
+    last = std::move(bytes);
+    m_sink.send({msg, VESKMSG_TO_ALL | VESKMSG_KEEP, "", dsd, last.data(), FALSE});
+}
+
+void SIM_voice::send_error_line(const char* format, ...) {
+    std::va_list args;
+    va_start(args, format);
+    const std::string text = formatted(format, args);
+    va_end(args);
+    auto record = NETDSD_default<NET_LOG_MonitorMessage>();
+    record.flags = NET_LOG_MONITOR_ERROR;
+    record.msgtime = time();
+    UTIL_strcpynt(record.msg, text.c_str());
+    send(MSG_LOG_MONITOR, record);
+    log("error: %s", text.c_str());
+}
+
+void SIM_voice::log(const char* format, ...) {
+    std::va_list args;
+    va_start(args, format);
+    const std::string text = formatted(format, args);
+    va_end(args);
+    m_sink.log(m_name + ": " + text);
+}

@@ -1,0 +1,116 @@
+// The console and its terminal: kinds of terminals, and how it is left however the console ends.
+#include <csignal>
+#include <fstream>
+
+#include "journey.h"
+
+namespace {
+
+struct Kind {
+    const char* term;
+    bool colour;
+};
+
+class TerminalKind : public testing::TestWithParam<Kind> {};
+
+TEST_P(TerminalKind, ShowsFramesValuesAndAttributes) {
+    Station station;
+    auto counter = start_counter(station);
+    auto console = station.console({.arguments = {}, .size = {}, .term = GetParam().term});
+    const termios before = console->settings();
+    ASSERT_TRUE(open_counter(*console));
+    EXPECT_TRUE(stands_at(*console, "Counter", 6, 25));
+    EXPECT_TRUE(console->wait_for([&] { return console->cell(17, 55).text == "┘"; }, "the whole frame"));
+    EXPECT_EQ(console->cell(17, 40).text, "─");
+    EXPECT_EQ(console->cell(10, 25).text, "│");
+    EXPECT_TRUE(console->cell(6, 25).bold) << "the focus shows without colours too";
+    EXPECT_EQ(console->cell(0, 0).bg, GetParam().colour ? TERMINAL_BLUE : TERMINAL_BLACK);
+    EXPECT_FALSE(console->cursor_visible() && std::string_view(GetParam().term) != "vt100");
+
+    console->press(Key::left);
+    EXPECT_TRUE(stands_at(*console, "Counter", 6, 24));
+    ASSERT_TRUE(choose_from_menu(*console, "Quit"));
+    EXPECT_TRUE(left_restored(*console, before));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, TerminalKind,
+                         testing::Values(Kind{"vt100", false}, Kind{"linux", true},
+                                         Kind{"screen-256color", true}, Kind{"xterm-256color", true}),
+                         [](const auto& param) {
+                             std::string name = param.param.term;
+                             std::erase(name, '-');
+                             return name;
+                         });
+
+struct Ending {
+    const char* name;
+    void (*end)(Station&, Terminal&);
+};
+
+class Ends : public testing::TestWithParam<Ending> {};
+
+TEST_P(Ends, WithStatusZeroAndTheTerminalRestored) {
+    Station station;
+    auto console = station.console();
+    const termios before = console->settings();
+    ASSERT_TRUE(is_up(*console));
+    EXPECT_TRUE(console->alternate_screen());
+    EXPECT_FALSE(Terminal::same_settings(before, console->settings()));
+    GetParam().end(station, *console);
+    EXPECT_TRUE(left_restored(*console, before));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, Ends,
+    testing::Values(
+        Ending{"ServerKilled", [](Station& station, Terminal&) { station.server().signal(SIGKILL); }},
+        Ending{"ServerStopped", [](Station& station, Terminal&) { station.server().signal(SIGTERM); }},
+        Ending{"Terminated", [](Station&, Terminal& console) { console.signal(SIGTERM); }},
+        Ending{"Interrupted", [](Station&, Terminal& console) { console.type("\x03"); }},
+        Ending{"HangUpSignal", [](Station&, Terminal& console) { console.signal(SIGHUP); }},
+        Ending{"Quit", [](Station&, Terminal& console) { ASSERT_TRUE(choose_from_menu(console, "Quit")); }}),
+    [](const auto& param) { return std::string(param.param.name); });
+
+TEST(TerminalLoss, EndsTheConsoleAndNobodyElse) {
+    Station station;
+    auto lost = station.console();
+    auto other = station.console();
+    ASSERT_TRUE(is_up(*lost));
+    ASSERT_TRUE(is_up(*other));
+    lost->hang_up();
+    EXPECT_TRUE(lost->exits_with(0));
+    auto counter = start_counter(station);
+    EXPECT_TRUE(open_counter(*other));
+}
+
+TEST(TerminalLoss, BothConsolesEndWhenTheServerDies) {
+    Station station;
+    auto first = station.console();
+    auto second = station.console();
+    const termios before = first->settings();
+    ASSERT_TRUE(is_up(*first));
+    ASSERT_TRUE(is_up(*second));
+    station.server().signal(SIGKILL);
+    EXPECT_TRUE(left_restored(*first, before));
+    EXPECT_TRUE(left_restored(*second, before));
+}
+
+// For the documents: writes the picture into the folder that VESK_SCREENS names.
+TEST(Screens, DemoStationFillsTheScreen) {
+    Station station;
+    auto simulated = station.simstation({"--average", "5", "--seed", "3"});
+    auto console = station.console({.arguments = {"-c", VESK_DEMO_CONF}, .size = {36, 110}});
+    ASSERT_TRUE(is_up(*console));
+    const auto values = [&] {
+        const std::string text = console->text();
+        return text.find("Last Average:") != std::string::npos && text.find("-.-") == std::string::npos;
+    };
+    ASSERT_TRUE(console->wait_for(values, "windows without missing values"));
+    if (const char* folder = std::getenv("VESK_SCREENS")) {
+        std::ofstream file(std::string(folder) + "/console.svg");
+        file << console->svg("vesk.cursclient");
+        EXPECT_TRUE(file.flush().good()) << "cannot write to " << folder;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,165 @@
+// The operator at work on one console: windows, menus, dialogs, settings, and a terminal that changes size.
+#include "journey.h"
+
+namespace {
+
+// A console on a station with the one counter, its window open.
+class Window : public testing::Test {
+  protected:
+    void SetUp() override {
+        counter_ = start_counter(station_);
+        console_ = station_.console();
+        ASSERT_TRUE(open_counter(*console_));
+    }
+
+    Station station_;
+    std::unique_ptr<Process> counter_;
+    std::unique_ptr<Terminal> console_;
+};
+
+TEST_F(Window, HidesAndComesBackWhereItWas) {
+    for (const auto& hide : std::vector<std::function<void()>>{
+             [&] { console_->press(Key::escape); },
+             [&] { console_->type("\x17"); },
+             [&] {
+                 console_->type("m");
+                 ASSERT_TRUE(console_->shows("1 Hide window"));
+                 console_->type("1");
+             },
+         }) {
+        console_->press(Key::right);
+        ASSERT_TRUE(stands_at(*console_, "Counter", 6, 26));
+        hide();
+        EXPECT_TRUE(console_->hides("Last reading"));
+        ASSERT_TRUE(choose_from_menu(*console_, "N Counter"));
+        EXPECT_TRUE(stands_at(*console_, "Counter", 6, 26));
+        console_->press(Key::left);
+        ASSERT_TRUE(stands_at(*console_, "Counter", 6, 25));
+    }
+}
+
+TEST_F(Window, StopsAtTheEdgesAndAboveTheStatusBar) {
+    for (int i = 0; i < 40; ++i) {
+        console_->press(Key::right);
+        console_->press(Key::down);
+    }
+    EXPECT_TRUE(stands_at(*console_, "Counter", 24 - 1 - 12, 80 - 31));
+    EXPECT_TRUE(is_up(*console_, "N"));
+    for (int i = 0; i < 60; ++i) {
+        console_->press(Key::left);
+        console_->press(Key::up);
+    }
+    EXPECT_TRUE(stands_at(*console_, "Counter", 0, 0));
+}
+
+TEST_F(Window, FocusShowsInTheFrameAndMovesWithTab) {
+    auto second = station_.instrument("N12", "cpc_3022", "Second", 'S');
+    ASSERT_TRUE(is_up(*console_, "NS"));
+    for (int i = 0; i < 25; ++i)
+        console_->press(Key::left);
+    ASSERT_TRUE(stands_at(*console_, "Counter", 6, 0));
+    console_->alt('s');
+    ASSERT_TRUE(console_->shows("Second"));
+    for (int i = 0; i < 10; ++i)
+        console_->press(Key::right);
+    ASSERT_TRUE(stands_at(*console_, "Second", 5, 35));
+
+    const auto focused = [&](std::string_view title) {
+        const auto place = corner(*console_, title);
+        const TerminalCell frame = place ? console_->cell(place->row, place->col) : TerminalCell{};
+        return frame.bold && frame.fg == TERMINAL_YELLOW && frame.bg == TERMINAL_BLUE;
+    };
+    const auto only = [&](std::string_view on, std::string_view off) {
+        return console_->wait_for([&] { return focused(on) && !focused(off); }, "the focus to move");
+    };
+    EXPECT_TRUE(only("Second", "Counter"));
+    console_->press(Key::tab);
+    EXPECT_TRUE(only("Counter", "Second"));
+    console_->press(Key::back_tab);
+    EXPECT_TRUE(only("Second", "Counter"));
+    // An open dialog takes the highlight from every frame, and every key.
+    console_->type("m");
+    ASSERT_TRUE(console_->shows("1 Hide window"));
+    EXPECT_TRUE(console_->wait_for([&] { return !focused("Counter"); }));
+    console_->press(Key::tab);
+    console_->press(Key::escape);
+    ASSERT_TRUE(console_->hides("1 Hide window"));
+    EXPECT_TRUE(only("Second", "Counter"));
+}
+
+TEST_F(Window, SavedLayoutAndOptionsComeBackInANewConsole) {
+    console_->press(Key::up);
+    console_->press(Key::left);
+    ASSERT_TRUE(stands_at(*console_, "Counter", 5, 24));
+    ASSERT_TRUE(choose_from_menu(*console_, "Client options"));
+    ASSERT_TRUE(highlight(*console_, "Error display time: "));
+    console_->type("7.25");
+    ASSERT_TRUE(console_->shows("Error display time: 7.25"));
+    console_->press(Key::enter);
+    EXPECT_TRUE(console_->wait_for([&] { return !console_->find("7.25"); }, "the time in its format"));
+    ASSERT_TRUE(choose(*console_, "Close"));
+    ASSERT_TRUE(console_->hides("Client options"));
+    ASSERT_FALSE(std::filesystem::exists(station_.settings_file())) << "nothing is saved unasked";
+    ASSERT_TRUE(choose_from_menu(*console_, "Save configuration"));
+    ASSERT_TRUE(console_->hides("Quit"));
+    const std::string saved = read_file(station_.settings_file());
+    EXPECT_NE(saved.find("Windows;cpc_3010:N11;XPos = 24\n"), std::string::npos) << saved;
+    EXPECT_EQ(std::filesystem::status(station_.settings_file()).permissions(),
+              std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+
+    auto other = station_.console();
+    EXPECT_TRUE(shows_all(*other, counter_rows()));
+    EXPECT_TRUE(stands_at(*other, "Counter", 5, 24));
+    ASSERT_TRUE(choose_from_menu(*other, "Client options"));
+    EXPECT_TRUE(other->wait_for([&] { return other->find("time: 7.2") || other->find("time: 7.3"); }));
+}
+
+TEST_F(Window, NumberThatIsNoneIsRejectedWithAReason) {
+    ASSERT_TRUE(choose_from_menu(*console_, "Client options"));
+    ASSERT_TRUE(highlight(*console_, "Error display time: "));
+    console_->type("soon");
+    ASSERT_TRUE(console_->shows("time: soon"));
+    console_->press(Key::enter);
+    EXPECT_TRUE(console_->shows("number"));
+    EXPECT_TRUE(console_->shows("time: 2.0"));
+}
+
+TEST_F(Window, ColoursGoOffAndOnAtRunTime) {
+    const auto background = [&] { return console_->cell(0, 0).bg; };
+    ASSERT_EQ(background(), TERMINAL_BLUE);
+    ASSERT_TRUE(choose_from_menu(*console_, "Client options"));
+    ASSERT_TRUE(choose(*console_, "[*] Enable colors"));
+    EXPECT_TRUE(console_->shows("[ ] Enable colors"));
+    EXPECT_TRUE(console_->wait_for([&] { return background() == TERMINAL_BLACK; }, "black"));
+    ASSERT_TRUE(choose(*console_, "Enable colors"));
+    EXPECT_TRUE(console_->shows("[*] Enable colors"));
+    EXPECT_TRUE(console_->wait_for([&] { return background() == TERMINAL_BLUE; }, "blue"));
+}
+
+TEST_F(Window, SmallTerminalLosesNothing) {
+    ASSERT_TRUE(stands_at(*console_, "Counter", 6, 25));
+    struct Row {
+        TerminalSize size;
+        const char* shown;  // there is no room for any text on the last
+    };
+    for (const Row& small : {Row{{8, 20}, "Last Average:"}, Row{{20, 8}, "Last"}, Row{{2, 2}, ""}}) {
+        SCOPED_TRACE(std::to_string(small.size.cols) + "x" + std::to_string(small.size.rows));
+        console_->resize(small.size);
+        EXPECT_TRUE(console_->shows(small.shown));
+        console_->press(Key::tab);
+        console_->resize({24, 80});
+        EXPECT_TRUE(shows_all(*console_, counter_rows()));
+        EXPECT_TRUE(stands_at(*console_, "Counter", 6, 25));
+        EXPECT_TRUE(is_up(*console_, "N"));
+    }
+}
+
+TEST_F(Window, MenuLongerThanTheScreenScrolls) {
+    console_->resize({6, 40});
+    console_->press(Key::enter);
+    ASSERT_TRUE(console_->shows("Client options"));
+    EXPECT_TRUE(choose(*console_, "N Counter"));
+    EXPECT_TRUE(console_->hides("Client options"));
+}
+
+}  // namespace

@@ -1,0 +1,243 @@
+// What goes wrong for a new user, an old file or a broken peer: a clear error each time, nothing lost, and
+// nobody else disturbed.
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <random>
+
+#include "journey.h"
+#include "libvesk/frame.h"
+#include "libvesk/records/cpc.h"
+#include "libvesk/records/server.h"
+#include "libvesk/veskmsg.h"
+
+namespace {
+
+const std::string NOT_CONNECTED = "\n\n *** Failed to connect to server\n\n";
+
+const std::string USAGE =
+    "Usage: vesk.cursclient [-h] [-c FILENAME] [HOSTNAME]\n"
+    "\t-c FILENAME\tLoad configuration from FILENAME\n"
+    "\t\t\t(default: $HOME/.veskcursclient.conf)\n"
+    "\t-h\t\tDisplay this message\n"
+    "\tHOSTNAME\tHostname to connect to (default: local unix socket)\n";
+
+Command console_command(std::vector<std::string> arguments, Environment env = {}) {
+    arguments.insert(arguments.begin(), program("vesk.cursclient"));
+    env.try_emplace("VESK_SOCKET", "/nonexistent/server.sock");
+    return {std::move(arguments), std::move(env)};
+}
+
+TEST(WrongArguments, HelpIsTheUsageAndStatusOne) {
+    for (const char* help : {"-h", "--help"}) {
+        Process console(console_command({help}));
+        EXPECT_EQ(console.wait_exit(), 1);
+        EXPECT_EQ(console.err(), USAGE);
+        EXPECT_EQ(console.out(), "");
+    }
+}
+
+TEST(WrongArguments, NoServerOrWrongHostFailsWithTheTextAndStatusOne) {
+    const std::vector<std::vector<std::string>> rows{
+        {}, {"/nonexistent/socket"}, {"127.0.0.1:1"}, {"127.0.0.1:99999"}, {"[::1"}, {""}};
+    for (const auto& arguments : rows) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        Process console(console_command(arguments));
+        EXPECT_EQ(console.wait_exit(), 1);
+        EXPECT_NE(console.err().find(NOT_CONNECTED), std::string::npos) << console.err();
+        EXPECT_EQ(console.out(), "") << "the terminal is not touched";
+    }
+}
+
+TEST(WrongArguments, TheTerminalIsNotTouchedWithoutAServer) {
+    Terminal console(console_command({}));
+    const termios before = console.settings();
+    EXPECT_TRUE(left_restored(console, before, 1));
+    EXPECT_TRUE(console.find("*** Failed to connect to server"));
+}
+
+TEST(WrongArguments, UnknownTerminalSaysSoAndExitsWithTwo) {
+    Station station;
+    for (const char* term : {"no-such-terminal", ""}) {
+        auto console = station.console({.arguments = {}, .size = {}, .term = term});
+        const termios before = console->settings();
+        EXPECT_TRUE(left_restored(*console, before, 2));
+        EXPECT_NE(console->text().find("erminal"), std::string::npos) << console->text();
+    }
+}
+
+// ---------------------------------------------------------------- settings
+
+const std::string HALF_BROKEN =
+    "# where the windows are\n"
+    "Settings;ErrorDisplayTime = 4.5\n"
+    "this line is no setting\n"
+    "\n"
+    "Windows;cpc_3010:N11;XPos = 3\n"
+    "Windows;cpc_3010:N11;YPos = 2\n"
+    "Windows;cpc_3010:N11;Visible = TRUE\n";
+
+TEST(WrongSettings, BrokenLineIsReportedAndKeptAndTheRestIsRead) {
+    Station station;
+    write_file(station.settings_file(), HALF_BROKEN);
+    auto counter = start_counter(station);
+    auto console = station.console();
+    ASSERT_TRUE(shows_all(*console, counter_rows()));
+    EXPECT_TRUE(stands_at(*console, "Counter", 2, 3));
+    console->press(Key::f5);
+    EXPECT_TRUE(console->shows("line 3"));
+    console->press(Key::escape);
+    ASSERT_TRUE(console->hides("line 3"));
+    ASSERT_TRUE(choose_from_menu(*console, "Save configuration"));
+    ASSERT_TRUE(console->hides("Quit"));
+    EXPECT_EQ(read_file(station.settings_file()).find(HALF_BROKEN), 0) << read_file(station.settings_file());
+}
+
+// A folder in the file's place can be neither read nor written, not even by root.
+TEST(WrongSettings, FileThatCannotBeReadOrWritten) {
+    Station station;
+    auto counter = start_counter(station);
+    for (const std::string& file : {station.folder() / "", station.folder() / "missing/console.conf"}) {
+        auto console = station.console({.arguments = {"-c", file}, .size = {}});
+        ASSERT_TRUE(open_counter(*console));
+        ASSERT_TRUE(choose_from_menu(*console, "Save configuration"));
+        ASSERT_TRUE(console->hides("Quit"));
+        console->press(Key::f5);
+        EXPECT_TRUE(console->shows("cannot save the configuration to " + (station.folder() / "")));
+        EXPECT_TRUE(console->wait_for(
+            [&] { return console->find("Is a directory") || console->find("No such file or directory"); }));
+    }
+}
+
+// ---------------------------------------------------------------- peers
+
+TEST(WrongPeer, GarbageOnTheSocketCostsOnlyItsSender) {
+    Station station;
+    auto counter = start_counter(station);
+    auto console = station.console();
+    ASSERT_TRUE(open_counter(*console));
+    std::mt19937 random(1);
+    for (int i = 0; i < 20; ++i) {
+        std::string garbage(1 + random() % 5000, '\0');
+        for (char& c : garbage)
+            c = static_cast<char>(random());
+        const int fd = connect_unix(station.socket());
+        ASSERT_GE(fd, 0);
+        EXPECT_GT(send(fd, garbage.data(), garbage.size(), MSG_NOSIGNAL), 0);
+        if (i % 2 == 0) shutdown(fd, SHUT_WR);
+        // The server hangs up by itself: the end of the stream, or a reset.
+        char byte = 0;
+        while (recv(fd, &byte, 1, 0) > 0) {
+        }
+        close(fd);
+    }
+    report_reading(*counter, 55.5);
+    EXPECT_TRUE(console->shows("Last reading:    55.5"));
+    EXPECT_TRUE(station.server().running());
+}
+
+template <class R>
+void add_message(FRAME_bytes* to, NETMSG_type type, const R& record, std::size_t size = sizeof(R)) {
+    const FRAME_span payload = std::as_bytes(std::span(&record, 1)).first(size);
+    FRAME_encode_message(to, {type, VESKMSG_TO_ALL, "", "", NETDSD_of<R>()->name, payload});
+}
+
+// What only a peer with a link of its own making can send.
+TEST(WrongPeer, WrongSizeIsDroppedAndTextWithoutTerminatorIsCut) {
+    Station station;
+    auto console = station.console();
+    ASSERT_TRUE(is_up(*console));
+    NET_SERVER_InstrumentInfo info{};
+    std::strcpy(info.type, "cpc_3010");
+    std::memset(info.display_name, 'X', sizeof info.display_name);
+    info.id_ch = 'N';
+    auto instant = NETDSD_default<NET_CPC_3010_Instant>();
+    FRAME_bytes bytes;
+    FRAME_encode_hello(&bytes, {FRAME_VERSION, FRAME_PEER_INSTRUMENT, "N11"});
+    add_message(&bytes, MSG_SERVER_INSTRUMENTINFO, info);
+    instant.concentration = 1;
+    add_message(&bytes, MSG_CPC_3010_INSTANT, instant);
+    instant.concentration = 2;
+    add_message(&bytes, MSG_CPC_3010_INSTANT, instant, sizeof instant - 1);
+
+    const int fd = connect_unix(station.socket());
+    ASSERT_GE(fd, 0);
+    ASSERT_EQ(send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
+    ASSERT_TRUE(is_up(*console, "N"));
+    console->alt('n');
+    EXPECT_TRUE(shows_all(*console, {std::string(29, 'X'), "Last reading:     1.0"}));
+    auto& server = station.server();
+    EXPECT_TRUE(server.wait_for([&] { return server.err().find("size") != std::string::npos; }))
+        << server.err();
+
+    // The sender keeps its link: what it sends next arrives.
+    bytes.clear();
+    instant.concentration = 3;
+    add_message(&bytes, MSG_CPC_3010_INSTANT, instant);
+    ASSERT_EQ(send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
+    EXPECT_TRUE(console->shows("Last reading:     3.0"));
+    close(fd);
+}
+
+TEST(WrongPeer, ValuesThatAreNoneShowAsWordsWithinTheirField) {
+    Station station;
+    auto counter = start_counter(station);
+    auto console = station.console();
+    ASSERT_TRUE(open_counter(*console));
+    counter->write_line(R"({"msg":"MSG_CPC_3010_INSTANT","payload":{"concentration":"NaN",)"
+                        R"("display_concentration":"-Inf","T_saturator":null,"T_condenser":1e300}})");
+    EXPECT_TRUE(
+        shows_all(*console, {"Last reading:     NaN", "Display Conc:    -Inf", "T Saturator:    ---.-",
+                             "T Condenser:    *****", "Delta T:        ---.-"}));
+}
+
+TEST(WrongPeer, TextsCannotReachTheTerminalRaw) {
+    Station station;
+    auto instrument = station.peer({"--as", "N11"});
+    instrument->write_line(R"({"msg":"MSG_SERVER_INSTRUMENTINFO","payload":{"type":"cpc_3010",)"
+                           R"("display_name":"A\u001b[2JB\u0007C","id_ch":"N"}})");
+    auto console = station.console();
+    ASSERT_TRUE(is_up(*console, "N"));
+    console->alt('n');
+    EXPECT_TRUE(console->shows("A [2JB C"));
+}
+
+TEST(WrongPeer, WrongJsonLinesAreRefusedByNumberAndTheRestIsSent) {
+    Station station;
+    auto monitor = station.peer({"--monitor"});
+    auto instrument = station.instrument("N11", "cpc_3010", "Counter", 'N');
+    ASSERT_TRUE(monitor->wait_line({"MSG_SERVER_INSTRUMENTINFO"}));
+    for (const char* line : {
+             "no JSON at all",
+             R"({"msg":"MSG_NO_SUCH"})",
+             R"({"msg":"MSG_CPC_3010_STATUS","payload":{"have_coms":true}})",
+             R"({"msg":"MSG_CPC_3010_STATUS","payload":{"have_comms":"yes"}})",
+             R"({"msg":"MSG_CPC_3010_STATUS","payload":{"flags":70000}})",
+             R"({"msg":"MSG_CPC_3010_STATUS","payload":{"flags":3}})",
+         })
+        instrument->write_line(line);
+    instrument->close_input();
+    EXPECT_EQ(instrument->wait_exit(), 1);
+    for (int line = 2; line <= 6; ++line)
+        EXPECT_NE(instrument->err().find("line " + std::to_string(line) + ":"), std::string::npos)
+            << instrument->err();
+    EXPECT_EQ(instrument->err().find("line 7:"), std::string::npos) << instrument->err();
+    ASSERT_TRUE(monitor->wait_line({"MSG_NOTIFY_CLIENT_TERMINATE"}));
+    const std::string& seen = monitor->out();
+    EXPECT_NE(seen.find(R"("flags":3)"), std::string::npos);
+    EXPECT_EQ(seen.find("MSG_CPC_3010_STATUS"), seen.rfind("MSG_CPC_3010_STATUS")) << "one line only";
+}
+
+TEST(WrongPeer, ANameThatIsTakenIsRefusedWithStatusTwo) {
+    Station station;
+    auto monitor = station.peer({"--monitor"});
+    auto first = station.instrument("N11", "cpc_3010", "Counter", 'N');
+    ASSERT_TRUE(monitor->wait_line({"MSG_SERVER_INSTRUMENTINFO"}));
+    auto second = station.peer({"--as", "N11"});
+    EXPECT_EQ(second->wait_exit(), 2);
+    EXPECT_NE(second->err().find("name"), std::string::npos) << second->err();
+    EXPECT_TRUE(first->running());
+}
+
+}  // namespace

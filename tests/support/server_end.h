@@ -1,0 +1,40 @@
+// The server's end of the console's link, in the same process: what the console sends is read back as frames.
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+#include "libvesk/frame.h"
+
+class ServerEnd {
+  public:
+    // Connects g_lnk over a socket of its own and accepts it.
+    ServerEnd();
+    ~ServerEnd();
+    ServerEnd(const ServerEnd&) = delete;
+    ServerEnd& operator=(const ServerEnd&) = delete;
+
+    struct Sent {
+        int type;
+        std::uint32_t flags;
+        std::string dest;
+        std::string record;
+        std::vector<std::uint8_t> payload;
+        bool operator==(const Sent&) const = default;
+        friend std::ostream& operator<<(std::ostream& out, const Sent& s);
+    };
+    // Everything that the console sent since the last call.
+    std::vector<Sent> received();
+
+  private:
+    void listen_at(const std::string& path);
+    void accept_and_welcome();
+    void read_some();
+
+    std::string directory_;
+    int listener_ = -1;
+    int peer_ = -1;
+    FRAME_reader reader_;
+};

@@ -1,0 +1,336 @@
+// The pseudo-terminal and the emulator behind it.
+#include "support/terminal.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <pty.h>
+#include <sys/ioctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utmp.h>
+#include <vterm.h>
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <cstring>
+#include <stdexcept>
+
+namespace {
+
+void append_utf8(std::string& to, std::uint32_t c) {
+    const auto put = [&](std::uint32_t byte) { to.push_back(static_cast<char>(byte)); };
+    if (c < 0x80) return put(c);
+    if (c < 0x800) {
+        put(0xC0 | c >> 6);
+    } else {
+        if (c < 0x10000) {
+            put(0xE0 | c >> 12);
+        } else {
+            put(0xF0 | c >> 18);
+            put(0x80 | (c >> 12 & 0x3F));
+        }
+        put(0x80 | (c >> 6 & 0x3F));
+    }
+    put(0x80 | (c & 0x3F));
+}
+
+std::size_t columns(std::string_view utf8) {
+    const auto continues = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; };
+    return utf8.size() - static_cast<std::size_t>(std::count_if(utf8.begin(), utf8.end(), continues));
+}
+
+winsize window_size(TerminalSize size) {
+    winsize w{};
+    w.ws_row = static_cast<unsigned short>(size.rows);
+    w.ws_col = static_cast<unsigned short>(size.cols);
+    return w;
+}
+
+std::uint32_t packed(const VTermColor& c) {
+    return static_cast<std::uint32_t>(c.rgb.red) << 16 | static_cast<std::uint32_t>(c.rgb.green) << 8 |
+           c.rgb.blue;
+}
+
+VTermColor unpacked(std::uint32_t c) {
+    VTermColor color;
+    vterm_color_rgb(&color, static_cast<std::uint8_t>(c >> 16), static_cast<std::uint8_t>(c >> 8),
+                    static_cast<std::uint8_t>(c));
+    return color;
+}
+
+// The palette of a common desktop terminal: its colours are easier on the eye than the pure ones.
+constexpr std::array<std::uint32_t, 16> PALETTE{TERMINAL_BLACK, TERMINAL_RED, 0x4e9a06, TERMINAL_YELLOW,
+                                                TERMINAL_BLUE,  0x75507b,     0x06989a, TERMINAL_WHITE,
+                                                0x555753,       0xef2929,     0x8ae234, 0xfce94f,
+                                                0x729fcf,       0xad7fa8,     0x34e2e2, 0xeeeeec};
+
+void use_palette(VTermState* state) {
+    for (std::size_t i = 0; i < PALETTE.size(); ++i) {
+        const VTermColor color = unpacked(PALETTE.at(i));
+        vterm_state_set_palette_color(state, static_cast<int>(i), &color);
+    }
+    const VTermColor fg = unpacked(TERMINAL_WHITE);
+    const VTermColor bg = unpacked(TERMINAL_BLACK);
+    vterm_state_set_default_colors(state, &fg, &bg);
+    vterm_state_set_bold_highbright(state, 0);
+}
+
+}  // namespace
+
+struct Terminal::Impl {
+    pid_t pid = -1;
+    int master = -1;
+    int line = -1;  // the terminal's other side, held so that its settings outlive the program
+    TerminalSize size;
+    VTerm* vt = nullptr;
+    VTermScreen* screen = nullptr;
+    bool alternate = false;
+    bool cursor = true;
+    std::optional<int> exit;
+
+    void start(const Command& command);
+    void pump(int milliseconds);
+    void write(std::string_view bytes) const;
+    std::string row(int y) const;
+    static int on_property(VTermProp prop, VTermValue* value, void* self);
+    static void on_output(const char* bytes, std::size_t n, void* self);
+};
+
+void Terminal::Impl::start(const Command& command) {
+    const winsize w = window_size(size);
+    if (openpty(&master, &line, nullptr, nullptr, &w) != 0) throw std::runtime_error("openpty failed");
+    fcntl(master, F_SETFD, FD_CLOEXEC);
+    fcntl(line, F_SETFD, FD_CLOEXEC);
+    pid = fork();
+    if (pid < 0) throw std::runtime_error("fork failed");
+    if (pid == 0) {
+        login_tty(line);
+        exec_command(command);
+    }
+    fcntl(master, F_SETFL, O_NONBLOCK);
+}
+
+// Takes what the program has written, waiting for it at most that long.
+void Terminal::Impl::pump(int milliseconds) {
+    pollfd fd{master, POLLIN, 0};
+    if (poll(&fd, 1, milliseconds) <= 0) return;
+    std::array<char, 65536> bytes{};
+    const ssize_t n = read(master, bytes.data(), bytes.size());
+    if (n > 0) vterm_input_write(vt, bytes.data(), static_cast<std::size_t>(n));
+}
+
+void Terminal::Impl::write(std::string_view bytes) const {
+    if (master < 0) return;
+    if (::write(master, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size()))
+        throw std::runtime_error("the program does not read its keys");
+}
+
+std::string Terminal::Impl::row(int y) const {
+    std::string result;
+    for (int x = 0; x < size.cols; ++x) {
+        VTermScreenCell cell;
+        if (vterm_screen_get_cell(screen, {y, x}, &cell) == 0) break;
+        append_utf8(result, cell.chars[0] == 0 || cell.chars[0] > 0x10FFFF ? ' ' : cell.chars[0]);
+    }
+    return result;
+}
+
+int Terminal::Impl::on_property(VTermProp prop, VTermValue* value, void* self) {
+    auto* impl = static_cast<Impl*>(self);
+    if (prop == VTERM_PROP_ALTSCREEN) impl->alternate = value->boolean != 0;
+    if (prop == VTERM_PROP_CURSORVISIBLE) impl->cursor = value->boolean != 0;
+    return 1;
+}
+
+// Keys, and the emulator's answers to what the program asks the terminal.
+void Terminal::Impl::on_output(const char* bytes, std::size_t n, void* self) {
+    static_cast<Impl*>(self)->write({bytes, n});
+}
+
+Terminal::Terminal(Command command, TerminalSize size) : impl_(std::make_unique<Impl>()) {
+    static constexpr VTermScreenCallbacks CALLBACKS{.damage = nullptr,
+                                                    .moverect = nullptr,
+                                                    .movecursor = nullptr,
+                                                    .settermprop = Impl::on_property,
+                                                    .bell = nullptr,
+                                                    .resize = nullptr,
+                                                    .sb_pushline = nullptr,
+                                                    .sb_popline = nullptr};
+    impl_->size = size;
+    impl_->vt = vterm_new(size.rows, size.cols);
+    vterm_set_utf8(impl_->vt, 1);
+    vterm_output_set_callback(impl_->vt, Impl::on_output, impl_.get());
+    use_palette(vterm_obtain_state(impl_->vt));
+    impl_->screen = vterm_obtain_screen(impl_->vt);
+    vterm_screen_set_callbacks(impl_->screen, &CALLBACKS, impl_.get());
+    vterm_screen_enable_altscreen(impl_->screen, 1);
+    vterm_screen_reset(impl_->screen, 1);
+    command.env.try_emplace("TERM", "xterm-256color");
+    impl_->start(command);
+}
+
+Terminal::~Terminal() {
+    if (!impl_->exit) {
+        kill(impl_->pid, SIGKILL);
+        waitpid(impl_->pid, nullptr, 0);
+    }
+    hang_up();
+    vterm_free(impl_->vt);
+}
+
+pid_t Terminal::pid() const {
+    return impl_->pid;
+}
+
+void Terminal::signal(int number) const {
+    if (!impl_->exit) kill(impl_->pid, number);
+}
+
+void Terminal::type(std::string_view characters) {
+    impl_->write(characters);
+}
+
+void Terminal::press(Key key) {
+    static const std::map<Key, VTermKey> CODES{
+        {Key::up, VTERM_KEY_UP},
+        {Key::down, VTERM_KEY_DOWN},
+        {Key::left, VTERM_KEY_LEFT},
+        {Key::right, VTERM_KEY_RIGHT},
+        {Key::enter, VTERM_KEY_ENTER},
+        {Key::tab, VTERM_KEY_TAB},
+        {Key::backspace, VTERM_KEY_BACKSPACE},
+        {Key::remove, VTERM_KEY_DEL},
+        {Key::home, VTERM_KEY_HOME},
+        {Key::end, VTERM_KEY_END},
+        {Key::escape, VTERM_KEY_ESCAPE},
+        {Key::f5, static_cast<VTermKey>(VTERM_KEY_FUNCTION(5))},
+    };
+    if (key == Key::back_tab) return type("\033[Z");
+    vterm_keyboard_key(impl_->vt, CODES.at(key), VTERM_MOD_NONE);
+}
+
+void Terminal::alt(char character) {
+    type(std::string("\033") + character);
+}
+
+void Terminal::resize(TerminalSize size) {
+    impl_->size = size;
+    vterm_set_size(impl_->vt, size.rows, size.cols);
+    const winsize w = window_size(size);
+    ioctl(impl_->master, TIOCSWINSZ, &w);
+}
+
+void Terminal::hang_up() {
+    for (int* fd : {&impl_->line, &impl_->master}) {
+        if (*fd >= 0) close(*fd);
+        *fd = -1;
+    }
+}
+
+testing::AssertionResult Terminal::wait_for(const std::function<bool()>& condition, std::string_view what,
+                                            std::chrono::milliseconds wait) {
+    const Deadline deadline(wait);
+    while (!condition()) {
+        if (!deadline.passed()) {
+            impl_->pump(deadline.left());
+            continue;
+        }
+        return testing::AssertionFailure() << "waited " << wait.count() << " ms for "
+                                           << (what.empty() ? "a condition" : what) << "; the screen:\n"
+                                           << text();
+    }
+    return testing::AssertionSuccess();
+}
+
+testing::AssertionResult Terminal::shows(std::string_view text) {
+    return wait_for([&] { return find(text).has_value(); }, "\"" + std::string(text) + "\"");
+}
+
+testing::AssertionResult Terminal::hides(std::string_view text) {
+    return wait_for([&] { return !find(text).has_value(); }, "no \"" + std::string(text) + "\"");
+}
+
+testing::AssertionResult Terminal::never_shows(std::string_view text) {
+    if (!wait_for([&] { return find(text).has_value(); }, "", WATCH)) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "\"" << text << "\" came up; the screen:\n" << this->text();
+}
+
+std::optional<int> Terminal::wait_exit(std::chrono::milliseconds wait) {
+    if (impl_->exit) return impl_->exit;
+    const bool connected = impl_->master >= 0;
+    impl_->exit = reap(impl_->pid, Deadline(wait), [&] { impl_->pump(5); });
+    // What it wrote last is still on the line.
+    for (int left = 0; connected && ioctl(impl_->master, FIONREAD, &left) == 0 && left > 0;)
+        impl_->pump(0);
+    return impl_->exit;
+}
+
+testing::AssertionResult Terminal::exits_with(int code) {
+    const std::optional<int> exit = wait_exit();
+    if (exit == code) return testing::AssertionSuccess();
+    return testing::AssertionFailure()
+           << (exit ? "exited with " + std::to_string(*exit) : std::string("did not exit")) << " instead of "
+           << code << "; the screen:\n"
+           << text();
+}
+
+TerminalSize Terminal::size() const {
+    return impl_->size;
+}
+
+std::string Terminal::row(int row) const {
+    return impl_->row(row);
+}
+
+std::string Terminal::text() const {
+    std::string result;
+    for (int y = 0; y < impl_->size.rows; ++y) {
+        const std::string line = row(y);
+        result += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
+    }
+    return result;
+}
+
+TerminalCell Terminal::cell(int row, int col) const {
+    VTermScreenCell cell{};
+    vterm_screen_get_cell(impl_->screen, {row, col}, &cell);
+    vterm_screen_convert_color_to_rgb(impl_->screen, &cell.fg);
+    vterm_screen_convert_color_to_rgb(impl_->screen, &cell.bg);
+    TerminalCell result;
+    append_utf8(result.text, cell.chars[0] == 0 ? ' ' : cell.chars[0]);
+    result.bold = cell.attrs.bold != 0;
+    result.reverse = cell.attrs.reverse != 0;
+    result.fg = packed(result.reverse ? cell.bg : cell.fg);
+    result.bg = packed(result.reverse ? cell.fg : cell.bg);
+    return result;
+}
+
+std::optional<Terminal::Place> Terminal::find(std::string_view text) const {
+    for (int y = 0; y < impl_->size.rows; ++y) {
+        const std::string line = row(y);
+        const std::size_t at = line.find(text);
+        if (at != std::string::npos)
+            return Place{y, static_cast<int>(columns(std::string_view(line).substr(0, at)))};
+    }
+    return std::nullopt;
+}
+
+bool Terminal::alternate_screen() const {
+    return impl_->alternate;
+}
+
+bool Terminal::cursor_visible() const {
+    return impl_->cursor;
+}
+
+termios Terminal::settings() const {
+    termios result{};
+    tcgetattr(impl_->line, &result);
+    return result;
+}
+
+bool Terminal::same_settings(const termios& a, const termios& b) {
+    return a.c_iflag == b.c_iflag && a.c_oflag == b.c_oflag && a.c_cflag == b.c_cflag &&
+           a.c_lflag == b.c_lflag && std::memcmp(a.c_cc, b.c_cc, sizeof a.c_cc) == 0;
+}

@@ -1,0 +1,128 @@
+// The shell of the console: the command line and the settings file. Start-up and the loop are tested with the
+// real program.
+#include "cursclient/cursclient.h"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "cursclient/passwd.h"
+#include "display_rig.h"
+#include "libvesk/util.h"
+
+namespace {
+
+using ::testing::HasSubstr;
+
+void parse(std::vector<std::string> arguments) {
+    g_conffile = nullptr;
+    g_hostoverride = nullptr;
+    static std::vector<std::string> kept;  // the globals point into the arguments, as into main's
+    kept = std::move(arguments);
+    std::vector<char*> argv{const_cast<char*>("vesk.cursclient")};
+    for (std::string& a : kept)
+        argv.push_back(a.data());
+    proc_arguments(static_cast<int>(argv.size()), argv.data());
+}
+
+TEST(CommandLine, OptionsComeBeforeTheHost) {
+    struct row {
+        std::vector<std::string> arguments;
+        const char* file;
+        const char* host;
+    };
+    const row rows[] = {
+        {{}, nullptr, nullptr},           {{"-c"}, nullptr, nullptr},
+        {{"-c", "f"}, "f", nullptr},      {{"-c", "f", "-c", "g", "h"}, "g", "h"},
+        {{"-c", "-h"}, "-h", nullptr},    {{"h", "-h"}, nullptr, "h"},
+        {{"h", "-c", "f"}, nullptr, "h"}, {{"-x"}, nullptr, "-x"},
+    };
+    for (const row& r : rows) {
+        parse(r.arguments);
+        EXPECT_STREQ(g_conffile, r.file) << ::testing::PrintToString(r.arguments);
+        EXPECT_STREQ(g_hostoverride, r.host) << ::testing::PrintToString(r.arguments);
+    }
+}
+
+TEST(CommandLineDeathTest, HelpPrintsTheUsageAndExitsWithOne) {
+    EXPECT_EXIT(parse({"-c", "f", "--help"}), ::testing::ExitedWithCode(1),
+                "^Usage: vesk.cursclient \\[-h\\] \\[-c FILENAME\\] \\[HOSTNAME\\]\n");
+}
+
+class Settings : public DisplayRig {
+  protected:
+    Settings() {
+        char name[] = "/tmp/vesk-settings-XXXXXX";
+        dir_ = mkdtemp(name);
+        file_ = dir_ + "/conf";
+        g_conffile = file_.c_str();
+    }
+    ~Settings() override {
+        g_conffile = nullptr;
+        CONF_free(g_conf);
+        g_conf = nullptr;
+        std::filesystem::remove_all(dir_);
+    }
+    std::string content() const {
+        std::ifstream in(file_);
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+
+    std::string dir_, file_;
+};
+
+TEST_F(Settings, AMissingFileIsNoErrorAndASaveCreatesItForItsOwnerAlone) {
+    EXPECT_FALSE(load_conf_file());
+    EXPECT_EQ(g_conf, nullptr);
+    ASSERT_TRUE(save_conf_file());
+    struct stat st {};
+    ASSERT_EQ(stat(file_.c_str(), &st), 0);
+    EXPECT_EQ(st.st_mode & 0777, 0600u);
+    EXPECT_TRUE(load_conf_file());
+    EXPECT_STREQ(CONF_lookup(g_conf, "Settings;ErrorDisplayTime"), "2.0");
+    EXPECT_STREQ(CONF_lookup(g_conf, "Settings;EnableColor"), "TRUE");
+    EXPECT_STREQ(CONF_lookup(g_conf, "Settings;Password"), "");
+    EXPECT_STREQ(CONF_lookup(g_conf, "Windows;MESSAGING;Visible"), "FALSE");
+}
+
+TEST_F(Settings, ASaveKeepsWhatTheProgramDoesNotWrite) {
+    std::ofstream(file_) << "# the stack's pitot\nAggregate;Stack;Pitot = Pd_P09\nSettings;Password = old\n";
+    ASSERT_TRUE(load_conf_file());
+    UTIL_strcpynt(g_passwd, "new");
+    ASSERT_TRUE(save_conf_file());
+    EXPECT_THAT(content(), HasSubstr("# the stack's pitot\nAggregate;Stack;Pitot = Pd_P09\n"));
+    EXPECT_THAT(content(), HasSubstr("Settings;Password = new\n"));
+}
+
+TEST_F(Settings, AFailedSaveNamesTheFileAndTheReason) {
+    const std::string nowhere = dir_ + "/no/such/dir";
+    g_conffile = nowhere.c_str();
+    ::testing::internal::CaptureStderr();
+    EXPECT_FALSE(save_conf_file());
+    EXPECT_THAT(::testing::internal::GetCapturedStderr(),
+                HasSubstr("cannot save the configuration to " + nowhere + ": No such file or directory\n"));
+    g_conffile = "/dev/full";
+    ::testing::internal::CaptureStderr();
+    EXPECT_FALSE(save_conf_file());
+    EXPECT_THAT(::testing::internal::GetCapturedStderr(), HasSubstr("/dev/full: No space left on device\n"));
+}
+
+TEST_F(Settings, WithoutANameTheFileIsTheUsers) {
+    g_conffile = nullptr;
+    ASSERT_EQ(setenv("HOME", dir_.c_str(), 1), 0);
+    ASSERT_TRUE(save_conf_file());
+    EXPECT_TRUE(std::filesystem::exists(dir_ + "/.veskcursclient.conf"));
+    ASSERT_EQ(unsetenv("HOME"), 0);
+    ASSERT_EQ(chdir(dir_.c_str()), 0);
+    EXPECT_TRUE(load_conf_file()) << "without a home the current directory is meant";
+    ASSERT_EQ(setenv("HOME", std::string(300, 'x').c_str(), 1), 0);
+    EXPECT_FALSE(load_conf_file());
+}
+
+}  // namespace

@@ -1,0 +1,152 @@
+#include "display_rig.h"
+
+#include <cstring>
+
+#include "cursclient/cursclient.h"
+#include "cursclient/display.h"
+#include "cursclient/displays/command.h"
+#include "cursclient/mainmenu.h"
+#include "cursclient/passwd.h"
+#include "cursclient/status.h"
+#include "libvesk/records/server.h"
+#include "libvesk/util.h"
+#include "libveskcurs/cursdialog.h"
+
+std::vector<DisplayRig::Sent> DisplayRig::sent;
+
+namespace {
+
+FTIME g_now = 0;
+
+std::string text(const char* s) {
+    return s != nullptr ? s : "";
+}
+
+void cut_blanks(std::string* line) {
+    line->erase(line->find_last_not_of(' ') + 1);
+}
+
+}  // namespace
+
+DisplayRig::DisplayRig(int lines, int cols) : screen_(lines, cols) {
+    set_time(START);
+    UTIL_set_clock([] { return g_now; });
+    sent.clear();
+    COMMAND_set_sender([](NETMSG_type msg, DWORD flags, const char* dest, const void* payload,
+                          std::size_t size, const char* record) -> BOOL {
+        const char* bytes = static_cast<const char*>(payload);
+        sent.push_back({msg, flags, text(dest), text(record), std::string(bytes, bytes + size)});
+        return TRUE;
+    });
+    g_tick = 0;
+    WINS_setup_screen();
+    EXPECT_TRUE(CURSDIALOG_init());
+    EXPECT_TRUE(STATUS_init());
+    EXPECT_TRUE(PASSWD_init());
+    EXPECT_TRUE(MAINMENU_init());
+    EXPECT_TRUE(DISPLAY_init());
+}
+
+DisplayRig::~DisplayRig() {
+    DISPLAY_cleanup();
+    DISPLAY_set_kinds(nullptr, 0);
+    MAINMENU_cleanup();
+    PASSWD_cleanup();
+    STATUS_cleanup();
+    CURSDIALOG_cleanup();
+    WINS_cleanup();
+    COMMAND_set_sender(nullptr);
+    UTIL_set_clock(nullptr);
+}
+
+void DisplayRig::set_time(FTIME now) {
+    g_now = now;
+}
+
+DWORD DisplayRig::announce(const char* source, const char* type, const char* display_name, char id_ch) {
+    NET_SERVER_InstrumentInfo info{};
+    UTIL_strcpynt(info.type, type);
+    UTIL_strcpynt(info.display_name, display_name);
+    info.id_ch = id_ch;
+    receive(source, MSG_SERVER_INSTRUMENTINFO, info);
+    const DISPLAY_type* dsp = DISPLAY_by_name(source);
+    return dsp != nullptr ? dsp->uid : 0;
+}
+
+void DisplayRig::leave(const char* source) {
+    receive(source, MSG_NOTIFY_CLIENT_TERMINATE);
+}
+
+void DisplayRig::receive(const char* source, NETMSG_type msg, const NETDSD_entry* dsd, const void* payload) {
+    VESKMSG_proc_msg pm{NETMSG_by_type(msg), dsd, 1, source, "", payload};
+    message_proc(&pm, nullptr);
+}
+
+WINS_window* DisplayRig::window(const char* ident) {
+    WINS_UID uid{};
+    UTIL_strcpynt(uid, ident);
+    return WINS_window_by_uid(&uid);
+}
+
+WINS_window* DisplayRig::focus(const char* ident) {
+    WINS_window* win = window(ident);
+    WINS_focus_window(win);
+    return win;
+}
+
+void DisplayRig::redraw() {
+    werase(stdscr);
+    STATUS_update();
+    WINS_update();
+    MAINMENU_update();
+    CURSDIALOG_update();
+    DISPLAY_update();
+    update_panels();
+    doupdate();
+}
+
+std::string DisplayRig::inside(const char* ident) {
+    redraw();
+    const WINS_window* win = window(ident);
+    if (win == nullptr) return "(no window)";
+    std::string all = "\n";
+    for (int y = 1; y < getmaxy(win->win) - 1; ++y) {
+        std::string line = TestScreen::row(win->win, y);
+        EXPECT_EQ(line.front(), '|') << "the left border is whole\n" << TestScreen::dump(win->win);
+        EXPECT_EQ(line.back(), '|') << "the right border is whole\n" << TestScreen::dump(win->win);
+        line = line.substr(1, line.size() - 2);
+        cut_blanks(&line);
+        all += line + '\n';
+    }
+    all.erase(all.find_last_not_of('\n') + 1);
+    return all + '\n';
+}
+
+std::string DisplayRig::row(const char* ident, int y) {
+    redraw();
+    std::string line = TestScreen::row(window(ident)->win, y).substr(1);
+    line.pop_back();
+    cut_blanks(&line);
+    return line;
+}
+
+int DisplayRig::color(const char* ident, int y, int x) {
+    redraw();
+    WINDOW* win = window(ident)->win;
+    const int pair = TestScreen::color_pair(win, y, x);
+    return (TestScreen::attributes(win, y, x) & A_BOLD) != 0 ? -pair : pair;
+}
+
+std::string DisplayRig::screen_text() {
+    redraw();
+    return TestScreen::screen_dump();
+}
+
+void DisplayRig::press(int key) {
+    distribute_key(key);
+}
+
+void DisplayRig::type(std::string_view keys) {
+    for (const char c : keys)
+        press(c);
+}

@@ -1,0 +1,75 @@
+// The console's layers up in memory, for tests of displays: instruments announce themselves and send records,
+// keys arrive as in the program, screens are read back as text, and what displays send is caught.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cursclient/wins.h"
+#include "libvesk/netmsg.h"
+#include "libvesk/veskmsg.h"
+#include "support/screen.h"
+
+class DisplayRig : public ::testing::Test {
+  protected:
+    // One message that a display queued.
+    struct Sent {
+        NETMSG_type msg;
+        DWORD flags;
+        std::string dest;  // "" for none
+        std::string record;
+        std::string payload;  // its bytes
+
+        // The payload as a record; fails the test when it is another.
+        template <class R>
+        [[nodiscard]] R as() const {
+            R value{};
+            EXPECT_EQ(record, NETDSD_of<R>()->name);
+            EXPECT_EQ(payload.size(), sizeof value);
+            if (payload.size() == sizeof value) std::memcpy(&value, payload.data(), sizeof value);
+            return value;
+        }
+    };
+
+    explicit DisplayRig(int lines = 40, int cols = 100);
+    ~DisplayRig() override;
+
+    static constexpr FTIME START = 1700000000.0;  // 22:13:20 UTC
+    static void set_time(FTIME now);
+
+    // An instrument announces itself; the uid of its (first) display, 0 when there is none.
+    static DWORD announce(const char* source, const char* type, const char* display_name = "Instrument",
+                          char id_ch = 'x');
+    static void leave(const char* source);
+    static void receive(const char* source, NETMSG_type msg, const NETDSD_entry* dsd = nullptr,
+                        const void* payload = nullptr);
+    template <class R>
+    static void receive(const char* source, NETMSG_type msg, R record) {
+        receive(source, msg, NETDSD_of<R>(), &record);
+    }
+
+    static WINS_window* window(const char* ident);
+    // Shows and focuses it.
+    static WINS_window* focus(const char* ident);
+    static void redraw();
+    // The inside of a window after a redraw: one line per row, trailing blanks cut, empty rows at the end
+    // left out; begins with a newline, so that it compares with a raw text.
+    static std::string inside(const char* ident);
+    static std::string row(const char* ident, int y);
+    // Colour pair of a cell after a redraw, negative when it is bold.
+    static int color(const char* ident, int y, int x);
+    // The whole screen, dialogs included.
+    static std::string screen_text();
+
+    // A key, offered to the layers in the program's order.
+    static void press(int key);
+    static void type(std::string_view keys);
+
+    static std::vector<Sent> sent;
+
+  private:
+    TestScreen screen_;
+};

@@ -1,0 +1,469 @@
+// What every instrument display gets from the shared unit, on the skeleton and on a kind made for the test.
+#include "cursclient/displays/instdisp.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <limits>
+
+#include "cursclient/cursclient.h"
+#include "cursclient/passwd.h"
+#include "display_rig.h"
+#include "libvesk/records/cpc.h"
+#include "libvesk/records/log.h"
+#include "libvesk/util.h"
+#include "libveskcurs/curskeys.h"
+
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+// ---- a kind with everything a kind can have
+
+struct TESTER_prv_data : INSTDISP_head {
+    NET_CPC_3010_Avg avg;
+    NET_CPC_3010_Status status;
+    WINS_window* extra;
+    FTIME stored_at;
+    int others;  // messages seen, whoever sent them
+    int mode;
+};
+
+BOOL g_start_works = TRUE;
+int g_stops = 0;
+
+BOOL start(TESTER_prv_data* pd, DWORD /*uid*/) {
+    pd->extra = WINS_create((std::string(pd->name) + ".extra").c_str(), 20, 4);
+    return g_start_works;
+}
+
+void stop(TESTER_prv_data* pd) {
+    ++g_stops;
+    WINS_delete(pd->extra);
+    pd->extra = nullptr;
+}
+
+void send_log_state(TESTER_prv_data* pd, DWORD /*uid*/) {
+    COMMAND_send(pd, MSG_LOG_SET_STATE, NET_LOG_SetState{TRUE});
+}
+
+void ask(TESTER_prv_data* /*pd*/, DWORD uid) {
+    COMMAND_confirm("Really?", uid, send_log_state);
+}
+
+std::string mode_label(const TESTER_prv_data* pd) {
+    return pd->mode == 9 ? "" : INSTDISP_mode_label('4', pd->mode);
+}
+
+void next_mode(TESTER_prv_data* pd, DWORD /*uid*/) {
+    pd->mode = INSTDISP_next_mode(pd->mode);
+}
+
+void draw(TESTER_prv_data* pd, const CANVAS& d) {
+    d.put(1, 1, "Average: *~5.1f and more than fits", pd->avg.concentration);
+    d.rule(2, " title ");
+    static constexpr int COLUMNS[] = {8, 16, 24};
+    d.across(3, "Row:", COLUMNS, "*~3.1f", [](int i) { return i == 1 ? VESK_MISSING : i + 0.5; });
+    d.block(4, 1);
+    d.block(4, 28);
+    d.block(4, 29);  // the border
+    d.put(0, 1, "on the border");
+    d.put(6, 1, "on the border");
+    d.no_comms(5, pd->status.have_comms);
+}
+
+constexpr INSTDISP_store<TESTER_prv_data> STORES[] = {
+    INSTDISP_store<TESTER_prv_data>::into<&TESTER_prv_data::avg>(
+        MSG_CPC_3010_AVERAGE, [](TESTER_prv_data* pd, FTIME curtime) { pd->stored_at = curtime; }),
+    INSTDISP_store<TESTER_prv_data>::into<&TESTER_prv_data::status>(MSG_CPC_3010_STATUS)};
+constexpr INSTDISP_menu_row<TESTER_prv_data> MENU[] = {{'2', "2 Send", send_log_state, COMMAND_PASSWORD},
+                                                       {'3', "3 Ask", ask},
+                                                       {'4', nullptr, next_mode, COMMAND_FREE, mode_label},
+                                                       {'5', "5 Last", next_mode}};
+constexpr INSTDISP_kind<TESTER_prv_data> KIND{
+    .cols = 30,
+    .rows = 7,
+    .stores = STORES,
+    .draw = draw,
+    .reset = [](TESTER_prv_data* pd) { pd->status.flags = 3; },
+    .key = [](TESTER_prv_data* pd, DWORD, int key) -> BOOL { return key == 'k' && ++pd->mode > 0; },
+    .menu = MENU,
+    .start = start,
+    .stop = stop,
+    .message = [](TESTER_prv_data* pd, const VESKMSG_proc_msg*) { ++pd->others; },
+    .second_window = [](const TESTER_prv_data* pd) { return pd->extra; }};
+
+}  // namespace
+
+INSTDISP_BINDINGS(TESTER, tester, KIND)
+
+namespace {
+
+constexpr DISPLAY_DEFN KINDS[] = {{"tester", &DDCL_tester}};
+
+class InstrumentDisplay : public DisplayRig {
+  protected:
+    InstrumentDisplay() { DISPLAY_set_kinds(KINDS, std::size(KINDS)); }
+    ~InstrumentDisplay() override {
+        g_passwd[0] = '\0';
+        g_start_works = TRUE;
+    }
+
+    TESTER_prv_data* meet(char id_ch = 't') {
+        uid_ = announce("N11", "tester", "A tester", id_ch);
+        return pd();
+    }
+    [[nodiscard]] TESTER_prv_data* pd() const { return COMMAND_display<TESTER_prv_data>(uid_); }
+    // Opens the display's menu and presses a button.
+    static void choose(char button) {
+        focus("tester:N11");
+        press('m');
+        press(button);
+    }
+    // The password prompt gets this answer.
+    static void answer(std::string_view password) {
+        type(password);
+        press('\r');
+    }
+
+    DWORD uid_ = 0;
+};
+
+// ---- coming and going
+
+class Skeleton : public DisplayRig {};
+
+TEST_F(Skeleton, ComesAndGoesWithItsInstrument) {
+    const int windows = g_window_list.count;
+    const int entries = g_mainmenu_entrys.count;
+    announce("N11", "inst_skel", "Bare instrument", 'b');
+    WINS_window* win = window("inst_skel:N11");
+    ASSERT_NE(win, nullptr);
+    EXPECT_FALSE(win->visible) << "windows begin hidden";
+    EXPECT_EQ(getmaxx(win->win), 30);
+    EXPECT_EQ(getmaxy(win->win), 6);
+    ASSERT_EQ(g_status_entrys.count, 1);
+    EXPECT_EQ(LL_data<STATUS_entry>(g_status_entrys.head)->log_char, 'b');
+    EXPECT_TRUE(LL_data<STATUS_entry>(g_status_entrys.head)->is_logging);
+
+    press(CURSKEYS_ALT + 'b');
+    EXPECT_TRUE(win->visible && win->focused) << "the menu entry leads to the window";
+    EXPECT_THAT(screen_text(), HasSubstr("Bare instrument"));
+    EXPECT_EQ(color("inst_skel:N11", 0, 0), -CP_YELLOW_BLUE) << "focused";
+    EXPECT_EQ(inside("inst_skel:N11"), "\n");
+    press('m');
+    EXPECT_EQ(color("inst_skel:N11", 0, 0), CP_WHITE_BLUE) << "a dialog is open";
+    EXPECT_THAT(screen_text(), HasSubstr("1 Hide window"));
+    press('1');
+    EXPECT_FALSE(win->visible);
+    EXPECT_FALSE(CURSDIALOG_active());
+
+    leave("N11");
+    EXPECT_EQ(window("inst_skel:N11"), nullptr);
+    EXPECT_EQ(g_window_list.count, windows);
+    EXPECT_EQ(g_mainmenu_entrys.count, entries);
+    EXPECT_EQ(g_status_entrys.count, 0);
+}
+
+TEST_F(Skeleton, ComesBackAtTheSavedPlace) {
+    announce("N11", "inst_skel");
+    WINS_absolute_move(focus("inst_skel:N11"), 7, 3);
+    g_conf = CONF_alloc();
+    WINS_save_window_setup();
+    leave("N11");
+    announce("N11", "inst_skel");
+    const WINS_window* win = window("inst_skel:N11");
+    EXPECT_EQ(getbegx(win->win), 7);
+    EXPECT_EQ(getbegy(win->win), 3);
+    EXPECT_TRUE(win->visible);
+    CONF_free(std::exchange(g_conf, nullptr));
+}
+
+TEST_F(Skeleton, LongestNamesMakeAnIdentityOf63Characters) {
+    const std::string source(31, 's');
+    announce(source.c_str(), "inst_skel");
+    EXPECT_NE(window(("inst_skel:" + source).c_str()), nullptr);
+    const std::string type(31, 't');
+    const DISPLAY_DEFN kinds[] = {{type.c_str(), &DDCL_inst_skel}};
+    DISPLAY_set_kinds(kinds, 1);
+    announce("N11", type.c_str(), std::string(31, 'd').c_str());
+    EXPECT_NE(window((type + ":N11").c_str()), nullptr);
+    focus((type + ":N11").c_str());
+    redraw();
+    EXPECT_EQ(TestScreen::row(window((type + ":N11").c_str())->win, 0), "+" + std::string(28, 'd') + "+")
+        << "the title is clipped to the border";
+}
+
+TEST_F(InstrumentDisplay, WithoutIdentifierHasNoIndicatorAndNoHotKey) {
+    meet(0);
+    ASSERT_NE(pd(), nullptr);
+    EXPECT_EQ(pd()->se, nullptr);
+    EXPECT_EQ(pd()->mme->sc_char, 0);
+    EXPECT_EQ(g_status_entrys.count, 0);
+    receive("N11", MSG_LOG_INFO, NET_LOG_Info{FALSE});
+    EXPECT_TRUE(pd()->is_logging) << "without an indicator nobody asks";
+}
+
+TEST_F(InstrumentDisplay, AnInitThatFailsLeavesNothingBehind) {
+    const int windows = g_window_list.count;
+    const int entries = g_mainmenu_entrys.count;
+    g_start_works = FALSE;
+    EXPECT_EQ(announce("N11", "tester"), 0U);
+    EXPECT_EQ(g_window_list.count, windows);
+    EXPECT_EQ(g_mainmenu_entrys.count, entries);
+    EXPECT_EQ(g_status_entrys.count, 0);
+    g_start_works = TRUE;
+    EXPECT_NE(meet(), nullptr) << "the identity is free again";
+
+    const DISPLAY_DEFN twice[] = {{"tester", &DDCL_tester}, {"tester", &DDCL_tester}};
+    DISPLAY_set_kinds(twice, 2);
+    leave("N11");
+    meet();
+    EXPECT_EQ(g_status_entrys.count, 1) << "a second display of that identity is refused";
+    EXPECT_NE(window("tester:N11"), nullptr) << "and the first is not harmed";
+}
+
+// ---- messages
+
+TEST_F(InstrumentDisplay, StartsWithEverythingMissing) {
+    meet();
+    EXPECT_EQ(pd()->avg.concentration, VESK_MISSING);
+    EXPECT_EQ(pd()->avg.start_time, VESK_NO_TIME);
+    EXPECT_FALSE(pd()->status.have_comms);
+    EXPECT_EQ(pd()->status.flags, 3) << "as its reset says";
+    EXPECT_TRUE(pd()->is_logging);
+}
+
+TEST_F(InstrumentDisplay, TakesOnlyItsOwnRecords) {
+    meet();
+    const NET_CPC_3010_Avg average{1, 2, 3};
+    set_time(START + 5);
+    const int seen = pd()->others;
+    receive("N12", MSG_CPC_3010_AVERAGE, average);
+    receive("", MSG_CPC_3010_AVERAGE, average);
+    receive(nullptr, MSG_CPC_3010_AVERAGE, average);
+    receive("N11", MSG_CPC_3010_AVERAGE);
+    receive("N11", MSG_CPC_3010_AVERAGE, NET_CPC_3022_Avg{7, 8, 9});
+    receive("N11", MSG_CPC_3022_AVERAGE, average);
+    EXPECT_EQ(pd()->avg.concentration, VESK_MISSING);
+    EXPECT_EQ(pd()->stored_at, 0);
+    EXPECT_EQ(pd()->others, seen + 6) << "a kind may look at everything";
+    receive("N11", MSG_CPC_3010_AVERAGE, average);
+    EXPECT_EQ(pd()->avg.concentration, 2);
+    EXPECT_EQ(pd()->avg.stddev_concentration, 3);
+    EXPECT_EQ(pd()->stored_at, START + 5);
+}
+
+TEST_F(InstrumentDisplay, FollowsTheLoggingStateOfItsOwnSource) {
+    meet();
+    const auto indicator = [] { return LL_data<STATUS_entry>(g_status_entrys.head)->is_logging; };
+    receive("N12", MSG_LOG_INFO, NET_LOG_Info{FALSE});
+    receive("N11", MSG_LOG_INFO);
+    receive("N11", MSG_LOG_INFO, NET_CPC_3703_Status{FALSE});
+    EXPECT_TRUE(pd()->is_logging && indicator());
+    receive("N11", MSG_LOG_INFO, NET_LOG_Info{FALSE});
+    EXPECT_FALSE(pd()->is_logging || indicator());
+    receive("N11", MSG_LOG_INFO, NET_LOG_Info{TRUE});
+    EXPECT_TRUE(pd()->is_logging && indicator());
+}
+
+// ---- the screen
+
+TEST_F(InstrumentDisplay, ClipsEverythingToItsInside) {
+    meet();
+    focus("tester:N11");
+    redraw();
+    WINDOW* win = window("tester:N11")->win;
+    EXPECT_EQ(TestScreen::dump(win),
+              "+----------A tester----------+\n"
+              "|Average: -----.- and more th|\n"
+              "+----------- title ----------+\n"
+              "|Row:     0.5   ---.-     2.5|\n"
+              "|#                          #|\n"
+              "|          NO COMMS          |\n"
+              "+----------------------------+\n");
+    EXPECT_EQ(color("tester:N11", 2, 3), -CP_YELLOW_BLUE) << "a rule belongs to the frame";
+    EXPECT_EQ(color("tester:N11", 3, 1), CP_WHITE_BLUE);
+    EXPECT_EQ(color("tester:N11", 4, 1), CP_WHITE_BLUE);
+    ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
+    EXPECT_EQ(row("tester:N11", 4), "#                          #")
+        << "a real block where the locale has one";
+    EXPECT_EQ(color("tester:N11", 4, 1), CP_WHITE_BLUE);
+    std::setlocale(LC_CTYPE, "C");
+}
+
+TEST(InstrumentDisplayTime, IsTheUtcTimeOfDayRoundedDown) {
+    const struct {
+        FTIME t;
+        const char* text;
+    } cases[] = {
+        {0, "00:00:00"},
+        {1700000000.999, "22:13:20"},
+        {86399.999, "23:59:59"},
+        {-1, "23:59:59"},
+        {-86400, "00:00:00"},
+        {4e9 + 0.5, "07:06:40"},
+        {VESK_MISSING, "00:00:00"},
+        {1e300, "--:--:--"},
+        {-1e300, "--:--:--"},
+        {std::numeric_limits<double>::quiet_NaN(), "--:--:--"},
+        {std::numeric_limits<double>::infinity(), "--:--:--"},
+    };
+    for (const auto& c : cases)
+        EXPECT_STREQ(INSTDISP_time(c.t).c_str(), c.text) << c.t;
+}
+
+// ---- keys and menu
+
+TEST_F(InstrumentDisplay, UsesKeysOnlyWhileItHasTheFocus) {
+    meet();
+    announce("N12", "tester");
+    DISPLAY_common_params cps{nullptr, START, uid_};
+    DISPLAY_keypress k{'k'};
+    WINS_focus_window(window("tester:N12"));
+    EXPECT_FALSE(TESTER_keypress(pd(), &cps, &k, nullptr));
+    const WINS_window* win = focus("tester:N11");
+    EXPECT_TRUE(TESTER_keypress(pd(), &cps, &k, nullptr));
+    EXPECT_EQ(pd()->mode, 1);
+    k.key = 'z';
+    EXPECT_FALSE(TESTER_keypress(pd(), &cps, &k, nullptr));
+    const int x = getbegx(win->win);
+    press(KEY_LEFT);
+    EXPECT_EQ(getbegx(win->win), x - 1);
+    focus("N11.extra");
+    press('k');
+    EXPECT_EQ(pd()->mode, 2) << "its second window counts as well";
+    press(CURSKEYS_ESCAPE);
+    EXPECT_FALSE(window("N11.extra")->visible);
+    EXPECT_TRUE(window("tester:N11")->visible);
+    press(CURSKEYS_CTRL_W);
+    EXPECT_FALSE(window("tester:N11")->visible);
+}
+
+TEST_F(InstrumentDisplay, MenuFollowsTheState) {
+    meet();
+    focus("tester:N11");
+    press('M');
+    EXPECT_THAT(screen_text(), HasSubstr("4 Displaying instantanous data"));
+    press('4');
+    press('m');
+    EXPECT_THAT(screen_text(), HasSubstr("4 Displaying running average"));
+    press('4');
+    pd()->mode = 9;
+    press('m');
+    EXPECT_THAT(screen_text(), Not(HasSubstr("Displaying")));
+    EXPECT_THAT(screen_text(), HasSubstr("5 Last"));
+    press('4');
+    EXPECT_EQ(pd()->mode, 9) << "what is not offered has no key either";
+    press('5');
+    EXPECT_EQ(pd()->mode, 0);
+    EXPECT_FALSE(CURSDIALOG_active());
+    TESTER_open_menu(nullptr, uid_);
+    EXPECT_FALSE(CURSDIALOG_active());
+}
+
+// ---- commands
+
+TEST_F(InstrumentDisplay, ACommandGoesToItsInstrumentAlone) {
+    meet();
+    choose('2');
+    ASSERT_EQ(sent.size(), 1U) << "no password is set";
+    EXPECT_EQ(sent[0].msg, MSG_LOG_SET_STATE);
+    EXPECT_EQ(sent[0].flags, 0U);
+    EXPECT_EQ(sent[0].dest, "N11");
+    EXPECT_TRUE(sent[0].as<NET_LOG_SetState>().enable);
+}
+
+TEST_F(InstrumentDisplay, ThePasswordGuardsACommand) {
+    UTIL_strcpynt(g_passwd, "secret");
+    meet();
+    choose('2');
+    EXPECT_THAT(screen_text(), HasSubstr("Enter password"));
+    answer("wrong");
+    EXPECT_TRUE(sent.empty());
+    choose('2');
+    press(CURSKEYS_ESCAPE);
+    EXPECT_TRUE(sent.empty());
+    choose('2');
+    answer("secret");
+    EXPECT_EQ(sent.size(), 1U);
+}
+
+TEST_F(InstrumentDisplay, ACommandFindsNoDisplayThatWentMeanwhile) {
+    UTIL_strcpynt(g_passwd, "secret");
+    meet();
+    choose('2');
+    leave("N11");
+    meet();
+    answer("secret");
+    EXPECT_TRUE(sent.empty()) << "one that came back under the same name is another display";
+    focus("tester:N11");
+    press('m');
+    leave("N11");
+    press('3');
+    EXPECT_FALSE(CURSDIALOG_active()) << "a menu that outlived its display asks nothing either";
+    EXPECT_TRUE(sent.empty());
+}
+
+TEST_F(InstrumentDisplay, AConfirmationSendsOnlyOnYes) {
+    meet();
+    choose('3');
+    EXPECT_THAT(screen_text(), HasSubstr("Really?"));
+    press('\r');
+    EXPECT_TRUE(sent.empty()) << "No has the focus";
+    EXPECT_FALSE(CURSDIALOG_active());
+    choose('3');
+    press(KEY_LEFT);
+    press('\r');
+    EXPECT_EQ(sent.size(), 1U);
+    choose('3');
+    leave("N11");
+    press(KEY_LEFT);
+    press('\r');
+    EXPECT_EQ(sent.size(), 1U) << "the display went while the question stood";
+}
+
+// ---- dialogs with values
+
+struct form_data {
+    CURSDIALOG_widget* value = nullptr;
+    static inline int alive = 0;
+    static inline double applied = 0;
+    form_data() { ++alive; }
+    ~form_data() { --alive; }
+};
+
+TEST_F(InstrumentDisplay, AFormLivesAsLongAsItsDialog) {
+    const auto open = [] {
+        const COMMAND_form<form_data> form = COMMAND_create_form<form_data>("Change setpoint");
+        const CURSDIALOG_DEFAULT_entry_numeric_param limits{1, 99, "%.2f", nullptr};
+        form.param->value = COMMAND_number_entry(form.dlg, 1, "Setpoint: ", "7.5", 10, &limits);
+        COMMAND_ending(
+            form.dlg, 2, 18, "Apply",
+            [](CURSDIALOG_type*, void* data, CURSDIALOG_widget*, void*, CURSDIALOG_button_action* act) {
+                act->close_dialog = TRUE;
+                form_data::applied = COMMAND_entry_value(COMMAND_param<form_data>(data)->value);
+            });
+    };
+    open();
+    EXPECT_EQ(form_data::alive, 1);
+    EXPECT_THAT(screen_text(), HasSubstr("Setpoint: 7.5"));
+    press('\r');
+    EXPECT_EQ(form_data::alive, 0) << "Cancel has the focus";
+    EXPECT_EQ(form_data::applied, 0);
+    open();
+    press(KEY_UP);
+    press(KEY_UP);
+    type("12");
+    press('\r');
+    EXPECT_THAT(screen_text(), HasSubstr("Setpoint: 12.00"));
+    press(KEY_DOWN);
+    press('\r');
+    EXPECT_EQ(form_data::applied, 12);
+    EXPECT_EQ(form_data::alive, 0);
+    EXPECT_EQ(COMMAND_check_label(TRUE, "Limit") + COMMAND_check_label(FALSE, "Limit"), "[*] Limit[ ] Limit");
+}
+
+}  // namespace

@@ -1,0 +1,337 @@
+// The main menu: order, hot keys, the dialog's columns, and what the built-in entries do.
+#include "cursclient/mainmenu.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "cursclient/cursclient.h"
+#include "cursclient/passwd.h"
+#include "libvesk/netmsg.h"
+#include "libvesk/util.h"
+#include "libveskcurs/cursdialog.h"
+#include "libveskcurs/curskeys.h"
+#include "support/console.h"
+#include "support/server_end.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+namespace {
+
+std::string g_chosen;  // by choosing entries of `add`
+
+class MainMenu : public ConsoleTest {
+  protected:
+    MainMenu() { g_chosen.clear(); }
+
+    // An entry that appends `mark` to g_chosen when it is chosen.
+    static MAINMENU_entry* add(char sc_char, const char* name, const char* mark = "") {
+        MAINMENU_entry* mme = MAINMENU_addentry(
+            sc_char, name, [](void* p) { g_chosen += static_cast<const char*>(p); }, const_cast<char*>(mark));
+        EXPECT_NE(mme, nullptr);
+        return mme;
+    }
+    static std::vector<std::string> names() {
+        std::vector<std::string> all;
+        for (const MAINMENU_entry& entry : LL_each<MAINMENU_entry>(g_mainmenu_entrys))
+            all.emplace_back(entry.name);
+        return all;
+    }
+    // The mark of what a key chooses.
+    static std::string chosen_by(int key) {
+        g_chosen.clear();
+        press(key);
+        return g_chosen;
+    }
+    // Opens the menu and presses the entry with that name.
+    static void choose(const std::string& name) {
+        press('\r');
+        for (const std::string& each : names()) {
+            if (each == "  " + name) break;
+            press(CURSKEYS_TAB);
+        }
+        press('\r');
+    }
+};
+
+TEST_F(MainMenu, Order) {
+    EXPECT_THAT(names(),
+                ElementsAre("  Client options", "  Disk operations", "  Save configuration", "  Quit"));
+    add('c', "third");
+    add('a', "older");
+    add('a', "newer");
+    add('#', "mark");
+    add('B', "upper");
+    add(static_cast<char>(0xC4), "high");  // negative as a signed character
+    MAINMENU_entry* last = add(MAINMENU_AT_TAIL, "after Quit");
+    add(MAINMENU_AT_HEAD, "no key");
+    EXPECT_THAT(names(), ElementsAre("  no key", "  Client options", "  Disk operations",
+                                     "  Save configuration", "  high", "  mark", "B upper", "a newer",
+                                     "a older", "c third", "  Quit", "  after Quit"));
+    MAINMENU_deleteentry(last);
+    MAINMENU_deleteentry(nullptr);
+    EXPECT_EQ(names().back(), "  Quit");
+}
+
+TEST_F(MainMenu, Names) {
+    EXPECT_STREQ(add('7', "digit")->name, "7 digit");
+    EXPECT_STREQ(add('x', nullptr)->name, "x ");
+    EXPECT_EQ(std::string(add('x', std::string(80, 'n').c_str())->name), "x " + std::string(61, 'n'));
+    const MAINMENU_entry* entry = add('y', "y");
+    EXPECT_EQ(MAINMENU_selectbyuid(entry->uid), entry);
+    EXPECT_EQ(MAINMENU_selectbyuid(entry->uid + 1), nullptr);
+    MAINMENU_show_entry(nullptr);
+    MAINMENU_show_entry(MAINMENU_addentry('z', "no callback", nullptr, nullptr));
+}
+
+TEST_F(MainMenu, AltChoosesByCharacter) {
+    add('A', "", "A");
+    add('b', "", "b");
+    add('b', "", "B2");
+    add('C', "", "C");
+    add('c', "", "c");
+    add('!', "", "!");
+    add(' ', "", "blank");
+    add(MAINMENU_AT_TAIL, "", "tail");
+    add(MAINMENU_AT_HEAD, "", "head");
+    struct Row {
+        int character;
+        const char* chosen;
+    };
+    for (const Row& row : {Row{'A', "A"}, Row{'a', "A"}, Row{'b', "B2b"}, Row{'B', "B2b"}, Row{'C', "C"},
+                           Row{'c', "c"}, Row{'!', "!"}, Row{'x', ""}, Row{' ', ""}, Row{0, ""}}) {
+        EXPECT_EQ(chosen_by(CURSKEYS_ALT + row.character), row.chosen) << row.character;
+        EXPECT_EQ(chosen_by(0x80 | row.character), row.chosen) << row.character;
+        EXPECT_EQ(MAINMENU_keypress(CURSKEYS_ALT + row.character), *row.chosen != '\0') << row.character;
+    }
+    for (const int key :
+         {0xFF, CURSKEYS_ALT + 0xFE, CURSKEYS_ALT + 0xFF, static_cast<int>('A'), KEY_F(1), -1})
+        EXPECT_EQ(chosen_by(key), "") << key;
+    EXPECT_FALSE(CURSDIALOG_active());
+}
+
+TEST_F(MainMenu, AltBringsUpEveryDisplayOfACharacter) {
+    WINS_window* first = WINS_create("first", 10, 5);
+    WINS_window* second = WINS_create("second", 10, 5);
+    for (WINS_window* w : {first, second})
+        ASSERT_NE(MAINMENU_addentry('n', w->ident, MAINMENU_default_focus_window, w), nullptr);
+    ASSERT_NE(MAINMENU_addentry('n', "none", MAINMENU_default_focus_window, nullptr), nullptr);
+    press(CURSKEYS_ALT + 'N');
+    EXPECT_TRUE(first->visible && second->visible);
+    EXPECT_TRUE(first->focused) << "the older one is called last";
+}
+
+TEST_F(MainMenu, AnEntryMayDeleteOthersWhenItIsChosen) {
+    static MAINMENU_entry* victim;
+    victim = add('k', "victim", "victim");
+    ASSERT_NE(MAINMENU_addentry(
+                  'k', "killer", [](void*) { MAINMENU_deleteentry(victim); }, nullptr),
+              nullptr);
+    EXPECT_EQ(chosen_by(CURSKEYS_ALT + 'k'), "");
+}
+
+TEST_F(MainMenu, OpensAndChooses) {
+    add('n', "Nephelometer", "n");
+    for (const int key : {10, 13, KEY_ENTER, CURSKEYS_ESCAPE}) {
+        press(key);
+        EXPECT_THAT(look(), HasSubstr("n Nephelometer")) << key;
+        EXPECT_EQ(chosen_by('n'), "n");
+        EXPECT_FALSE(CURSDIALOG_active());
+    }
+    press('\r');
+    MAINMENU_deleteentry(LL_data<MAINMENU_entry>(g_mainmenu_entrys.tail->prev));
+    EXPECT_EQ(chosen_by('n'), "") << "its display has gone while the menu was open";
+    EXPECT_FALSE(CURSDIALOG_active());
+    MAINMENU_cleanup();
+    press('\r');
+    EXPECT_FALSE(CURSDIALOG_active()) << "nothing to show";
+}
+
+TEST_F(MainMenu, Columns) {
+    struct Row {
+        int entries, lines, cols, width;
+        int rows_per_column, columns;  // expected
+    };
+    for (const Row& row : {
+             Row{60, 50, 80, 20, 30, 2}, Row{40, 50, 80, 20, 40, 1},  // exactly 0.8 of the lines
+             Row{41, 50, 80, 20, 21, 2},                              // halves are rounded up
+             Row{200, 24, 80, 30, 100, 2},  // joined again until narrow enough, then scrolled
+             Row{60, 24, 80, 18, 15, 4}, Row{10, 24, 20, 30, 10, 1},  // a name wider than the screen
+         }) {
+        start(row.lines, row.cols);
+        for (int i = 0; i < row.entries - 4; ++i) {
+            char name[64];
+            std::snprintf(name, sizeof name, "n%03d%s", i, std::string(row.width - 6, '.').c_str());
+            add('!', name);
+        }
+        ASSERT_EQ(g_mainmenu_entrys.count, row.entries);
+        press('\r');
+        const std::string screen = look();
+        const std::size_t first = screen.find("Client options");
+        ASSERT_NE(first, std::string::npos) << screen;
+        const std::string line = screen.substr(first, screen.find('\n', first) - first);
+        std::size_t at = 0;
+        for (int column = 1; column < row.columns; ++column) {
+            const std::string head = names()[column * row.rows_per_column].substr(2, 4);
+            if (column * (row.width + 1) + 8 > row.cols) break;  // scrolled out
+            const std::size_t found = line.find(head, at);
+            EXPECT_NE(found, std::string::npos) << head << " heads column " << column << "\n" << screen;
+            at = found;
+        }
+        EXPECT_EQ(std::count(line.begin(), line.end(), 'n') - 1,  // the n's of "Client options" but for one
+                  row.columns)
+            << screen;
+    }
+}
+
+// ---- built-in entries
+
+TEST_F(MainMenu, SaveConfigurationWritesEverything) {
+    char file[] = "/tmp/vesk-test-XXXXXX";
+    close(mkstemp(file));
+    g_conffile = file;
+    g_errordisp_show_time = 4.25;
+    g_conf_enable_color = FALSE;
+    UTIL_strcpynt(g_passwd, "abc");
+    ASSERT_NE(WINS_create("neph:N11", 10, 5), nullptr);
+    choose("Save configuration");
+    CONF_free(g_conf);
+    g_conf = nullptr;
+    ASSERT_TRUE(load_conf_file());
+    g_conffile = nullptr;
+    unlink(file);
+    EXPECT_STREQ(CONF_lookup(g_conf, "Settings;ErrorDisplayTime"), "4.2");
+    EXPECT_STREQ(CONF_lookup(g_conf, "Settings;EnableColor"), "FALSE");
+    EXPECT_STREQ(CONF_lookup(g_conf, "Settings;Password"), "abc");
+    EXPECT_STREQ(CONF_lookup(g_conf, "Windows;neph:N11;XPos"), "35");
+}
+
+TEST_F(MainMenu, SettingsAtStart) {
+    struct Row {
+        const char *seconds, *color;
+        double show_time;
+        BOOL enable;
+    };
+    EXPECT_EQ(g_errordisp_show_time, 2.0);
+    EXPECT_TRUE(g_conf_enable_color);
+    for (const Row& row : {
+             Row{"3.5", "TRUE", 3.5, TRUE},
+             Row{"0", "no", 0.0, FALSE},
+             Row{"1e300", "0", 2.0, FALSE},  // beyond what the options accept
+             Row{"-1", "1", 2.0, TRUE},
+             Row{"nan", "t", 2.0, TRUE},
+         }) {
+        CONF_set(g_conf, "Settings;ErrorDisplayTime", row.seconds);
+        CONF_set(g_conf, "Settings;EnableColor", row.color);
+        start(24, 80);
+        EXPECT_EQ(g_errordisp_show_time, row.show_time) << row.seconds;
+        EXPECT_EQ(g_conf_enable_color, row.enable) << row.color;
+    }
+}
+
+TEST_F(MainMenu, QuitRaisesTheInterruptSignal) {
+    static volatile std::sig_atomic_t interrupted;
+    interrupted = 0;
+    const auto old = std::signal(SIGINT, [](int) { interrupted = 1; });
+    choose("Quit");
+    std::signal(SIGINT, old);
+    EXPECT_EQ(interrupted, 1);
+}
+
+TEST_F(MainMenu, ClientOptions) {
+    choose("Client options");
+    std::string screen = look();
+    EXPECT_THAT(screen, HasSubstr("Client options"));
+    EXPECT_THAT(screen, HasSubstr("Error display time: 2.0"));
+    EXPECT_THAT(screen, HasSubstr("[*] Enable colors"));
+
+    type("5.5\r");
+    EXPECT_EQ(g_errordisp_show_time, 5.5);
+    EXPECT_THAT(look(), HasSubstr("Error display time: 5.5"));
+    for (const char* wrong : {"x\r", "-1\r", "1e17\r"}) {
+        type(wrong);
+        EXPECT_EQ(g_errordisp_show_time, 5.5) << wrong;
+    }
+
+    press({CURSKEYS_TAB, '\r'});
+    EXPECT_FALSE(g_conf_enable_color);
+    EXPECT_THAT(look(), HasSubstr("[ ] Enable colors"));
+    short foreground = -1;
+    short background = -1;
+    pair_content(CP_RED_BLUE, &foreground, &background);
+    EXPECT_EQ(background, COLOR_BLACK) << "at once";
+    press('\r');
+    EXPECT_TRUE(g_conf_enable_color);
+    pair_content(CP_RED_BLUE, &foreground, &background);
+    EXPECT_EQ(background, COLOR_BLUE);
+
+    press({CURSKEYS_TAB, CURSKEYS_TAB, '\r'});
+    EXPECT_FALSE(CURSDIALOG_active());
+}
+
+TEST_F(MainMenu, SettingThePasswordAsksForTheOldOne) {
+    UTIL_strcpynt(g_passwd, "abc");
+    choose("Client options");
+    press({CURSKEYS_TAB, CURSKEYS_TAB, '\r'});
+    type("wrong\r");
+    EXPECT_THAT(look(), Not(HasSubstr("Set password")));
+    EXPECT_THAT(look(), HasSubstr("Client options")) << "stays open";
+    press('\r');
+    type("abc\r");
+    EXPECT_THAT(look(), HasSubstr("Set password"));
+    type("new\t\r");
+    EXPECT_STREQ(g_passwd, "new");
+    EXPECT_THAT(look(), HasSubstr("Client options"));
+}
+
+TEST_F(MainMenu, DiskOperations) {
+    ServerEnd server;
+    UTIL_set_clock([] { return 1700000000.75; });
+    const ServerEnd::Sent flush{MSG_LOG_FLUSH, 1, "", "", {}};
+    const ServerEnd::Sent switch_files{
+        MSG_LOG_SWITCHFILES, 1, "", "NET_LOG_SwitchFiles", {0x00, 0xF1, 0x53, 0x65}};  // 1700000000
+    choose("Disk operations");
+    EXPECT_THAT(look(), HasSubstr("Disk operations"));
+    press('\r');
+    EXPECT_FALSE(CURSDIALOG_active());
+    EXPECT_THAT(server.received(), ElementsAre(flush));
+
+    const auto start_new_files = [] { press({CURSKEYS_CTRL_D, CURSKEYS_TAB, '\r'}); };
+    start_new_files();
+    EXPECT_THAT(server.received(), ElementsAre(switch_files)) << "no password, no question";
+
+    UTIL_strcpynt(g_passwd, "abc");
+    start_new_files();
+    type("ABC\r");
+    EXPECT_FALSE(CURSDIALOG_active());
+    start_new_files();
+    press(CURSKEYS_ESCAPE);
+    EXPECT_FALSE(CURSDIALOG_active());
+    EXPECT_THAT(server.received(), IsEmpty());
+    start_new_files();
+    type("abc\r");
+    EXPECT_THAT(server.received(), ElementsAre(switch_files));
+
+    press({CURSKEYS_CTRL_D, '\r'});
+    EXPECT_THAT(server.received(), ElementsAre(flush)) << "flushing is not guarded";
+    press({CURSKEYS_CTRL_D, CURSKEYS_TAB, CURSKEYS_TAB, '\r'});
+    EXPECT_FALSE(CURSDIALOG_active());
+    EXPECT_THAT(server.received(), IsEmpty());
+}
+
+TEST_F(MainMenu, OtherKeysAreLeftAlone) {
+    for (const int key : {static_cast<int>('m'), KEY_DOWN, 1, 0x20002, KEY_F(5)})
+        EXPECT_FALSE(MAINMENU_keypress(key)) << key;
+}
+
+}  // namespace

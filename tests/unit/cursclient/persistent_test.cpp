@@ -1,0 +1,250 @@
+// The displays that exist without an instrument: the error strip, the help page, messages between operators,
+// the log entry and the state that displays share.
+#include <gmock/gmock.h>
+
+#include <cstring>
+#include <string>
+
+#include "cursclient/displays/commonstate.h"
+#include "cursclient/mainmenu.h"
+#include "display_rig.h"
+#include "libvesk/records/log.h"
+#include "libvesk/records/messaging.h"
+#include "libvesk/util.h"
+
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+using ::testing::StartsWith;
+
+// Windows without a name of their own are numbered in the order in which the displays come up.
+constexpr const char* STRIP = "0";
+constexpr const char* HELP = "1";
+constexpr const char* LOG_ENTRY = "2";
+constexpr const char* MESSAGES = "MESSAGING";
+
+constexpr int CTRL_E = 5;
+constexpr int CTRL_H = 8;
+constexpr int ENTER = 13;
+constexpr int ESCAPE = 27;
+
+class Persistent : public DisplayRig {
+  protected:
+    static void log_line(const std::string& text, BYTE flags = NET_LOG_MONITOR_ERROR) {
+        NET_LOG_MonitorMessage line{};
+        line.flags = flags;
+        UTIL_strcpynt(line.msg, text.c_str());
+        receive("LOGGER", MSG_LOG_MONITOR, line);
+    }
+    static void message(const std::string& text, FTIME at = START) {
+        NETDS_MESSAGE_OneMessage m{};
+        m.time_sent = at;
+        UTIL_strcpynt(m.contents, text.c_str());
+        receive("CLIENT", MSG_MESSAGING_MESSAGE, m);
+    }
+    static BOOL shown(const char* ident) { return window(ident)->visible; }
+};
+
+TEST_F(Persistent, TheStripShowsTheLastFourErrorsForTheConfiguredTime) {
+    g_errordisp_show_time = 2.0;
+    focus(HELP);
+    EXPECT_FALSE(shown(STRIP));
+    for (const char* text : {"one", "two", "three", "four", "five"})
+        log_line(text);
+    EXPECT_TRUE(shown(STRIP));
+    EXPECT_TRUE(window(HELP)->focused) << "the strip does not take the focus";
+    EXPECT_EQ(inside(STRIP), "\ntwo\nthree\nfour\nfive\n");
+    EXPECT_EQ(getbegy(window(STRIP)->win), LINES - 7);
+    EXPECT_EQ(getmaxx(window(STRIP)->win), COLS);
+    EXPECT_EQ(color(STRIP, 1, 1), CP_WHITE_RED);
+
+    set_time(START + 1.0);
+    log_line("six");  // moves the deadline
+    set_time(START + 2.9);
+    redraw();
+    EXPECT_TRUE(shown(STRIP));
+    set_time(START + 3.0);
+    redraw();
+    EXPECT_FALSE(shown(STRIP));
+}
+
+TEST_F(Persistent, NotesAndOtherRecordsDoNotRaiseTheStrip) {
+    log_line("a note", NET_LOG_MONITOR_NOTE);
+    receive("LOGGER", MSG_LOG_MONITOR);
+    receive("LOGGER", MSG_LOG_MONITOR, NET_LOG_Info{TRUE});
+    EXPECT_FALSE(shown(STRIP));
+    g_errordisp_show_time = 0.0;
+    log_line("kept, not shown");
+    EXPECT_FALSE(shown(STRIP));
+    press(CTRL_E);
+    EXPECT_THAT(inside(STRIP), HasSubstr("kept, not shown"));
+}
+
+TEST_F(Persistent, OnceThePinWasUsedNoDeadlineHidesTheStripAgain) {
+    press(CTRL_E);
+    EXPECT_TRUE(shown(STRIP));
+    press(CTRL_E);
+    EXPECT_FALSE(shown(STRIP));
+    log_line("later");
+    set_time(START + 1000.0);
+    redraw();
+    EXPECT_TRUE(shown(STRIP));
+}
+
+TEST_F(Persistent, AClockThatIsSetBackDoesNotHoldTheStripUp) {
+    g_errordisp_show_time = 2.0;
+    log_line("before");
+    set_time(START - 3600.0);
+    redraw();
+    EXPECT_TRUE(shown(STRIP));
+    set_time(START - 3600.0 + 2.1);
+    redraw();
+    EXPECT_FALSE(shown(STRIP));
+}
+
+TEST_F(Persistent, LongAndUnprintableErrorsStayInsideTheStrip) {
+    log_line(std::string(300, 'x'));
+    log_line("bell\a escape\x1b[31m high\xff");
+    const std::string text = inside(STRIP);
+    EXPECT_THAT(text, HasSubstr("\n" + std::string(static_cast<std::size_t>(COLS - 2), 'x') + "\n"));
+    EXPECT_THAT(text, HasSubstr("bell  escape [31m high"));
+}
+
+TEST_F(Persistent, TheHelpPageScrollsAndKeepsItsArithmetic) {
+    focus(HELP);
+    EXPECT_EQ(inside(HELP), R"(
+                Use PGUP/PGDN to scroll
+                   General keystrokes
+
+CTRL-W        Close the focused window
+CTRL-M,       Show the root menu
+ESC, or
+ENTER
+ALT-X         Select root menu entry X,
+              outside of root menu
+CTRL-D        Display the disk operations menu
+)");
+    EXPECT_EQ(color(HELP, 1, 20), -CP_YELLOW_BLUE);
+    EXPECT_EQ(color(HELP, 2, 22), CP_WHITE_BLUE) << "the second title toggles the bold of the first off";
+    EXPECT_EQ(color(HELP, 4, 1), -CP_YELLOW_BLUE);
+    press(KEY_NPAGE);
+    EXPECT_THAT(row(HELP, 1), StartsWith("CTRL-W"));
+    press(KEY_NPAGE);
+    press(KEY_NPAGE);
+    EXPECT_THAT(row(HELP, 1), StartsWith("CTRL-M")) << "18 lines, the last first line is 4";
+    for (int i = 0; i < 3; ++i)
+        press(KEY_PPAGE);
+    EXPECT_THAT(row(HELP, 1), HasSubstr("Use PGUP"));
+}
+
+TEST_F(Persistent, F1AndCtrlHShowAndHideTheHelp) {
+    press(KEY_F(1));
+    EXPECT_TRUE(shown(HELP));
+    EXPECT_TRUE(window(HELP)->focused);
+    press(CTRL_H);
+    EXPECT_FALSE(shown(HELP));
+}
+
+TEST_F(Persistent, AMessageComesToTheFrontAndWrapsUnderItself) {
+    const std::string text = std::string(49, 'a') + std::string(49, 'b') + "cc";
+    message(text);
+    EXPECT_TRUE(window(MESSAGES)->focused);
+    EXPECT_EQ(row(MESSAGES, 1), "22:13:20 " + std::string(49, 'a'));
+    EXPECT_EQ(row(MESSAGES, 2), "         " + std::string(49, 'b'));
+    EXPECT_EQ(row(MESSAGES, 3), "         cc");
+    message("");
+    EXPECT_EQ(row(MESSAGES, 4), "22:13:20");
+}
+
+TEST_F(Persistent, TheThirteenthMessageScrollsTheOldestAway) {
+    for (int i = 1; i <= 13; ++i)
+        message("number " + std::to_string(i));
+    EXPECT_EQ(row(MESSAGES, 1), "22:13:20 number 2");
+    EXPECT_EQ(row(MESSAGES, 12), "22:13:20 number 13");
+}
+
+TEST_F(Persistent, AMessageIsSentOnceAndShownWhenItComesBack) {
+    focus(MESSAGES);
+    press(ENTER);
+    EXPECT_TRUE(sent.empty()) << "an empty entry sends nothing";
+    type("hallo");
+    press(KEY_BACKSPACE);
+    press(127);
+    type("lo there");
+    EXPECT_EQ(row(MESSAGES, 13), "hallo there");
+    press(ENTER);
+    ASSERT_EQ(sent.size(), 1u);
+    EXPECT_EQ(sent[0].msg, MSG_MESSAGING_MESSAGE);
+    EXPECT_EQ(sent[0].flags, 1u);
+    EXPECT_EQ(sent[0].dest, "");
+    EXPECT_STREQ(sent[0].as<NETDS_MESSAGE_OneMessage>().contents, "hallo there");
+    EXPECT_EQ(row(MESSAGES, 13), "");
+    EXPECT_EQ(row(MESSAGES, 1), "") << "shown only when the server sends it back";
+}
+
+TEST_F(Persistent, TheEntryHoldsAFullMessageAndNoMore) {
+    focus(MESSAGES);
+    type(std::string(2100, 'x') + "y");
+    EXPECT_EQ(row(MESSAGES, 13), std::string(58, 'x'));
+    press(ENTER);
+    EXPECT_EQ(std::strlen(sent.at(0).as<NETDS_MESSAGE_OneMessage>().contents), 2047u);
+}
+
+TEST_F(Persistent, ANoteGoesIntoTheLogWithoutRaisingTheStrip) {
+    press(KEY_F(12));
+    ASSERT_TRUE(window(LOG_ENTRY)->focused);
+    type("inlet cleaned");
+    press(ENTER);
+    EXPECT_FALSE(shown(LOG_ENTRY));
+    ASSERT_EQ(sent.size(), 1u);
+    EXPECT_EQ(sent[0].msg, MSG_LOG_MONITOR);
+    EXPECT_EQ(sent[0].flags, 1u);
+    const auto note = sent[0].as<NET_LOG_MonitorMessage>();
+    EXPECT_EQ(note.flags, 2);
+    EXPECT_STREQ(note.msg, "USER: inlet cleaned");
+    const double msgtime = note.msgtime;
+    EXPECT_EQ(msgtime, START);
+
+    press(KEY_F(12));
+    type("   ");
+    press(ENTER);
+    EXPECT_EQ(sent.size(), 1u) << "blanks are no note";
+    EXPECT_FALSE(shown(LOG_ENTRY));
+}
+
+TEST_F(Persistent, AnAbortedNoteIsForgottenAndAFocusedOneKept) {
+    press(KEY_F(12));
+    type("abandoned");
+    press(ESCAPE);
+    EXPECT_FALSE(shown(LOG_ENTRY));
+    press(KEY_F(12));
+    EXPECT_EQ(row(LOG_ENTRY, 1), "");
+    type("kept");
+    focus(MESSAGES);
+    press(KEY_F(12));
+    EXPECT_EQ(row(LOG_ENTRY, 1), "kept");
+}
+
+TEST_F(Persistent, ALongNoteShowsItsEnd) {
+    press(KEY_F(12));
+    type(std::string(58, 'a') + std::string(58, 'b'));
+    EXPECT_EQ(row(LOG_ENTRY, 2), std::string(58, 'b'));
+    type(std::string(58, 'c') + std::string(58, 'd') + "E");
+    EXPECT_EQ(row(LOG_ENTRY, 1), std::string(57, 'a') + "b");
+    EXPECT_EQ(row(LOG_ENTRY, 4), std::string(57, 'd') + "E");
+    press(KEY_DC);
+    EXPECT_EQ(row(LOG_ENTRY, 4), std::string(58, 'd'));
+}
+
+TEST_F(Persistent, SpanCheckDurationsStartWithDefaultsAndFollowTheStation) {
+    EXPECT_EQ(g_spancheck_duration.air_flush + 0, 180.0);
+    EXPECT_EQ(g_spancheck_duration.co2_sample + 0, 300.0);
+    receive("N11", MSG_COMMON_NEPH_SPANCHECK_DURATION);
+    EXPECT_EQ(g_spancheck_duration.air_flush + 0, 180.0);
+    receive("CLIENT", MSG_COMMON_NEPH_SPANCHECK_DURATION, NET_COMMON_Neph_SpancheckDuration{1, 2, 3, 4});
+    EXPECT_EQ(g_spancheck_duration.air_flush + 0, 1.0);
+    EXPECT_EQ(g_spancheck_duration.co2_sample + 0, 4.0);
+}
+
+}  // namespace

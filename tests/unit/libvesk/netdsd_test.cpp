@@ -1,0 +1,180 @@
+#include "libvesk/netdsd.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "libvesk/records/cpc.h"
+#include "libvesk/records/server.h"
+
+// Records that exist for these tests only: one field of every type, packed as wire records are.
+#pragma pack(push, 4)
+struct TEST_Inner {
+    char mark;
+    double value;
+    FTIME when;
+};
+
+struct TEST_All {
+    BOOL flag;
+    char mark;
+    BYTE byte;
+    std::int16_t i16;
+    std::uint16_t u16;
+    std::int32_t i32;
+    std::uint32_t u32;
+    std::int64_t i64;
+    std::uint64_t u64;
+    TIME32 time;
+    FTIME ftime;
+    double value;
+    float single;
+    STRING<5> text;
+    BOOL flags[3];
+    double values[2];
+    TIME32 times[2];
+    FTIME ftimes[2];
+    TEST_Inner one;
+    TEST_Inner two[2];
+};
+#pragma pack(pop)
+
+NETDSD_RECORD(TEST_Inner, 20, NETDSD_MEMBER(mark), NETDSD_MEMBER(value), NETDSD_TIME(when));
+NETDSD_RECORD(TEST_All, 164, NETDSD_MEMBER(flag), NETDSD_MEMBER(mark), NETDSD_MEMBER(byte),
+              NETDSD_MEMBER(i16), NETDSD_MEMBER(u16), NETDSD_MEMBER(i32), NETDSD_MEMBER(u32),
+              NETDSD_MEMBER(i64), NETDSD_MEMBER(u64), NETDSD_TIME(time), NETDSD_TIME(ftime),
+              NETDSD_MEMBER(value), NETDSD_MEMBER(single), NETDSD_MEMBER(text), NETDSD_MEMBER(flags),
+              NETDSD_MEMBER(values), NETDSD_TIME(times), NETDSD_TIME(ftimes), NETDSD_MEMBER(one),
+              NETDSD_MEMBER(two));
+
+namespace {
+
+// A member left out, one listed twice or in the wrong place does not compile as a record.
+using inner = NETDSD_traits<TEST_Inner>;
+static_assert(netdsd_detail::covers(inner::fields.data(), 3, 20));
+static_assert(!netdsd_detail::covers(inner::fields.data(), 2, 20));
+static_assert(!netdsd_detail::covers(inner::fields.data() + 1, 2, 20));
+static_assert(!netdsd_detail::covers(inner::fields.data(), 3, 24));
+
+struct expected_field {
+    const char* name;
+    NETDSD_field_type ft;
+    std::size_t offset;
+    std::size_t count;
+    std::size_t size;
+    const char* type_name;
+};
+
+TEST(Netdsd, DescribesEveryTypeOfField) {
+    const expected_field expected[] = {
+        {"flag", NETDSD_FT_BOOL, 0, 1, 1, "BOOL"},        {"mark", NETDSD_FT_CHAR, 1, 1, 1, "char"},
+        {"byte", NETDSD_FT_BYTE, 2, 1, 1, "BYTE"},        {"i16", NETDSD_FT_SHORT, 4, 1, 2, "int16"},
+        {"u16", NETDSD_FT_USHORT, 6, 1, 2, "uint16"},     {"i32", NETDSD_FT_INT, 8, 1, 4, "int32"},
+        {"u32", NETDSD_FT_UINT, 12, 1, 4, "uint32"},      {"i64", NETDSD_FT_LONG, 16, 1, 8, "int64"},
+        {"u64", NETDSD_FT_ULONG, 24, 1, 8, "uint64"},     {"time", NETDSD_FT_TIME, 32, 1, 4, "time32"},
+        {"ftime", NETDSD_FT_FTIME, 36, 1, 8, "FTIME"},    {"value", NETDSD_FT_DOUBLE, 44, 1, 8, "double"},
+        {"single", NETDSD_FT_FLOAT, 52, 1, 4, "float"},   {"text", NETDSD_FT_STRING, 56, 5, 5, "STRING"},
+        {"flags", NETDSD_FT_A_BOOL, 61, 3, 3, "BOOL"},    {"values", NETDSD_FT_A_DOUBLE, 64, 2, 16, "double"},
+        {"times", NETDSD_FT_A_TIME, 80, 2, 8, "time32"},  {"ftimes", NETDSD_FT_A_FTIME, 88, 2, 16, "FTIME"},
+        {"one", NETDSD_FT_BIN, 104, 1, 20, "TEST_Inner"}, {"two", NETDSD_FT_BIN, 124, 2, 40, "TEST_Inner"},
+    };
+    const auto fields = NETDSD_fields(NETDSD_of<TEST_All>());
+    ASSERT_EQ(fields.size(), std::size(expected));
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        SCOPED_TRACE(expected[i].name);
+        EXPECT_STREQ(fields[i].name, expected[i].name);
+        EXPECT_EQ(fields[i].ft, expected[i].ft);
+        EXPECT_EQ(fields[i].offset, expected[i].offset);
+        EXPECT_EQ(fields[i].count, expected[i].count);
+        EXPECT_EQ(fields[i].size, expected[i].size);
+        EXPECT_STREQ(fields[i].type_name, expected[i].type_name);
+        EXPECT_EQ(fields[i].nested, fields[i].ft == NETDSD_FT_BIN ? NETDSD_of<TEST_Inner>() : nullptr);
+        EXPECT_EQ(NETDSD_field_by_name(NETDSD_of<TEST_All>(), expected[i].name), &fields[i]);
+    }
+    EXPECT_EQ(NETDSD_field_by_name(NETDSD_of<TEST_All>(), "tex"), nullptr);
+}
+
+TEST(Netdsd, DefaultsSayThatNothingIsKnown) {
+    const auto record = NETDSD_default<TEST_All>();
+    EXPECT_FALSE(record.flag);
+    EXPECT_EQ(record.mark, 0);
+    EXPECT_EQ(+record.i32, 0);
+    EXPECT_EQ(+record.u64, 0u);
+    EXPECT_EQ(+record.time, -1);
+    EXPECT_EQ(+record.times[1], -1);
+    EXPECT_EQ(+record.ftime, VESK_NO_TIME);
+    EXPECT_EQ(+record.ftimes[1], VESK_NO_TIME);
+    EXPECT_EQ(+record.value, VESK_MISSING);
+    EXPECT_EQ(+record.values[1], VESK_MISSING);
+    EXPECT_EQ(+record.single, 0.0f);
+    EXPECT_EQ(record.text[0], 0);
+    EXPECT_EQ(+record.two[1].value, VESK_MISSING);
+    EXPECT_EQ(+record.two[1].when, VESK_NO_TIME);
+}
+
+TEST(Netdsd, LeavesComeOneByOneInOrder) {
+    std::string seen;
+    NETDSD_for_each_leaf(NETDSD_of<TEST_All>(), [&](const NETDSD_field& f, std::size_t at) {
+        if (at >= 56) seen += std::string(f.name) + "@" + std::to_string(at) + " ";
+    });
+    EXPECT_EQ(seen,
+              "text@56 flags@61 flags@62 flags@63 values@64 values@72 times@80 times@84 ftimes@88 ftimes@96 "
+              "mark@104 value@108 when@116 mark@124 value@128 when@136 mark@144 value@148 when@156 ");
+}
+
+TEST(Netdsd, TextsAreTerminatedCleanedAndZeroFilled) {
+    const struct {
+        std::string_view arrives;
+        std::string_view stays;
+    } rows[] = {
+        {{"abcde", 5}, {"abcd\0", 5}},           // no terminator
+        {{"ab\0cd", 5}, {"ab\0\0\0", 5}},        // nothing leaks from behind it
+        {{"\x1b[2\x7f\n", 5}, {" [2 \0", 5}},    // nothing that a terminal obeys
+        {{"\xc3\xa9\x9b~ ", 5}, {"   ~\0", 5}},  // only ASCII
+        {{"\0\x01\x02\x03\x04", 5}, {"\0\0\0\0\0", 5}},
+    };
+    for (const auto& row : rows) {
+        TEST_All record = NETDSD_default<TEST_All>();
+        std::memcpy(record.text, row.arrives.data(), 5);
+        NETDSD_sanitize(NETDSD_of<TEST_All>(), &record);
+        EXPECT_EQ(std::string_view(record.text, 5), row.stays) << row.arrives;
+    }
+}
+
+TEST(Netdsd, BoolsAndCharsAreCleanedAndNumbersAreNot) {
+    std::vector<char> bytes(sizeof(TEST_All) + 2, '\x93');  // on an odd address, between two guards
+    char* const record = bytes.data() + 1;
+    record[offsetof(TEST_All, flags) + 1] = 0;
+    record[offsetof(TEST_All, two[1].mark)] = 0;
+    NETDSD_sanitize(NETDSD_of<TEST_All>(), record);
+    EXPECT_EQ(record[offsetof(TEST_All, flag)], 1);
+    EXPECT_EQ(std::string_view(record + offsetof(TEST_All, flags), 3), std::string_view("\1\0\1", 3));
+    EXPECT_EQ(record[offsetof(TEST_All, mark)], ' ');
+    EXPECT_EQ(record[offsetof(TEST_All, two[0].mark)], ' ');
+    EXPECT_EQ(record[offsetof(TEST_All, two[1].mark)], 0);
+    EXPECT_EQ(record[offsetof(TEST_All, byte)], '\x93');
+    EXPECT_EQ(NETDSD_load<std::uint32_t>(record + offsetof(TEST_All, u32)), 0x93939393u);
+    EXPECT_EQ(NETDSD_load<std::uint64_t>(record + offsetof(TEST_All, two[1].value)), 0x9393939393939393u);
+    EXPECT_EQ(bytes.front(), '\x93');
+    EXPECT_EQ(bytes.back(), '\x93');
+}
+
+TEST(Netdsd, KnowsWhichRecordsNeedNoCleaning) {
+    EXPECT_TRUE(NETDSD_of<NET_CPC_3775_Instant>()->numbers_only);  // a nested average included
+    EXPECT_FALSE(NETDSD_of<NET_CPC_3775_Status>()->numbers_only);
+    EXPECT_FALSE(NETDSD_of<NET_SERVER_InstrumentInfo>()->numbers_only);
+    EXPECT_FALSE(NETDSD_of<TEST_Inner>()->numbers_only);
+}
+
+TEST(Netdsd, FindsTiedAndNestedRecordsByExactName) {
+    EXPECT_EQ(NETDSD_by_name("NET_SERVER_InstrumentTag"), NETDSD_of<NET_SERVER_InstrumentTag>());
+    EXPECT_EQ(NETDSD_by_name("NET_CPC_Pulse_Avg"), NETDSD_of<NET_CPC_Pulse_Avg>());
+    for (const char* name : {"", "NET_CPC_3010", "NET_CPC_3010_AVG", "TEST_All", "void"})
+        EXPECT_EQ(NETDSD_by_name(name), nullptr) << name;
+}
+
+}  // namespace

@@ -1,0 +1,71 @@
+#include "peer/options.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "peer/peer.h"
+
+namespace {
+
+using testing::ElementsAre;
+using arguments = std::vector<const char*>;
+
+BOOL parse(arguments args, PEER_options* options, int* status) {
+    args.insert(args.begin(), "vesk.peer");
+    return PEER_parse_options(static_cast<int>(args.size()), args.data(), options, status);
+}
+
+TEST(PeerOptions, AreReadInFull) {
+    PEER_options options;
+    int status = -1;
+    ASSERT_TRUE(parse({}, &options, &status));
+    EXPECT_TRUE(options.as.empty() && options.host.empty() && options.only.empty());
+    EXPECT_FALSE(options.monitor);
+    ASSERT_TRUE(parse({"--monitor", "--host", "[::1]:99", "--only", "MSG_CPC_*", "--only", "N1?", "--count",
+                       "3", "--timeout", "0.5"},
+                      &options, &status));
+    EXPECT_TRUE(options.monitor);
+    EXPECT_EQ(options.host, "[::1]:99");
+    EXPECT_THAT(options.only, ElementsAre("MSG_CPC_*", "N1?"));
+    EXPECT_EQ(options.count, 3u);
+    EXPECT_EQ(options.timeout, 0.5);
+    ASSERT_TRUE(parse({"--as", "Pd P01"}, &options, &status));
+    EXPECT_EQ(options.as, "Pd P01");
+}
+
+TEST(PeerOptions, WrongOnesEndTheProgramWithAReason) {
+    const arguments rows[] = {
+        {"--as"},
+        {"--as", ""},
+        {"--as", "CLIENT"},
+        {"--as", " N11"},
+        {"--count", "0"},
+        {"--count", "x"},
+        {"--count", "-1"},
+        {"--timeout", "0"},
+        {"--timeout", "x"},
+        {"--monitor", "yes"},
+        {"--as", "N11", "--monitor"},
+        {"--nonsense"},
+        {"file"},
+    };
+    for (const arguments& row : rows) {
+        PEER_options options;
+        int status = -1;
+        testing::internal::CaptureStderr();
+        EXPECT_FALSE(parse(row, &options, &status)) << row.back();
+        EXPECT_EQ(status, PEER_EXIT_NO_LINK) << row.back();
+        EXPECT_NE(testing::internal::GetCapturedStderr(), "") << row.back();
+    }
+}
+
+TEST(PeerOptions, HelpIsNoFailure) {
+    PEER_options options;
+    int status = -1;
+    testing::internal::CaptureStdout();
+    EXPECT_FALSE(parse({"--help"}, &options, &status));
+    EXPECT_EQ(status, PEER_EXIT_OK);
+    EXPECT_THAT(testing::internal::GetCapturedStdout(), testing::HasSubstr("--only PATTERN"));
+}
+
+}  // namespace

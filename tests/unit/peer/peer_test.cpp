@@ -1,0 +1,316 @@
+// The loop of vesk.peer against a server that is played here, frame by frame.
+#include "peer/peer.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <future>
+#include <string>
+#include <vector>
+
+#include "libvesk/frame.h"
+#include "libvesk/netmsg.h"
+#include "libvesk/records/log.h"
+#include "libvesk/util.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr int PATIENCE_MS = 10000;
+
+BOOL readable(int fd) {
+    pollfd p{fd, POLLIN, 0};
+    return poll(&p, 1, PATIENCE_MS) == 1;
+}
+
+// The far side of one link: takes the connection, reads frames, writes frames.
+class far_side {
+  public:
+    explicit far_side(const std::string& path) : m_listener(socket(AF_UNIX, SOCK_STREAM, 0)) {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        path.copy(address.sun_path, sizeof address.sun_path - 1);
+        if (bind(m_listener, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) std::abort();
+        if (listen(m_listener, 1) != 0) std::abort();
+    }
+    ~far_side() {
+        hang_up();
+        close(m_listener);
+    }
+
+    std::string take_hello() {
+        if (readable(m_listener)) m_fd = accept(m_listener, nullptr, nullptr);
+        FRAME frame;
+        if (!next(&frame)) return "nobody came";
+        const auto hello = FRAME_decode_hello(frame);
+        return hello ? std::to_string(hello->kind) + " " + std::string(hello->name) : "no hello";
+    }
+    void welcome() {
+        FRAME_bytes bytes;
+        FRAME_encode_welcome(&bytes);
+        write_bytes(bytes);
+    }
+    void refuse(BYTE reason) {
+        FRAME_bytes bytes;
+        FRAME_encode_refusal(&bytes, {reason, FRAME_VERSION, ""});
+        write_bytes(bytes);
+    }
+    void say(NETMSG_type type, std::string_view source) {
+        FRAME_bytes bytes;
+        ASSERT_TRUE(FRAME_encode_message(&bytes, {type, 1, source, "", "", {}}));
+        write_bytes(bytes);
+    }
+    // "MSG_X 1 dest NET_X 4": the next message, or "end".
+    std::string hear() {
+        FRAME frame;
+        while (next(&frame)) {
+            if (frame.kind != FRAME_MESSAGE) continue;
+            const auto m = FRAME_decode_message(frame);
+            return std::string(NETMSG_by_type(m->type)->name) + " " + std::to_string(m->flags) + " " +
+                   std::string(m->dest) + " " + std::string(m->record) + " " +
+                   std::to_string(m->payload.size());
+        }
+        return "end";
+    }
+    void hang_up() {
+        if (m_fd >= 0) close(m_fd);
+        m_fd = -1;
+    }
+
+  private:
+    BOOL next(FRAME* frame) {
+        for (;;) {
+            const FRAME_status status = m_reader.next(frame);
+            if (status != FRAME_MORE) return status == FRAME_READY;
+            if (m_fd < 0 || !readable(m_fd)) return FALSE;
+            const auto space = m_reader.space();
+            const ssize_t n = read(m_fd, space.data(), space.size());
+            if (n <= 0) return FALSE;
+            m_reader.commit(static_cast<std::size_t>(n));
+        }
+    }
+    void write_bytes(const FRAME_bytes& bytes) {
+        ASSERT_EQ(send(m_fd, bytes.data(), bytes.size(), MSG_NOSIGNAL), std::ssize(bytes));
+    }
+
+    int m_listener;
+    int m_fd = -1;
+    FRAME_reader m_reader;
+};
+
+// A peer that runs on a thread of its own, between two pipes.
+class PeerLoop : public testing::Test {
+  protected:
+    PeerLoop() {
+        std::string pattern = testing::TempDir() + "peerXXXXXX";
+        m_folder = mkdtemp(pattern.data());
+        options.host = m_folder + "/socket";
+        if (pipe(m_in) != 0 || pipe(m_out) != 0 || !LIBVESK_init("PEER")) std::abort();
+    }
+    ~PeerLoop() override {
+        for (const int fd : {m_in[0], m_in[1], m_out[0], m_out[1]})
+            if (fd >= 0) close(fd);
+        std::filesystem::remove_all(m_folder);
+    }
+
+    void start() {
+        m_status = std::async(std::launch::async, [this] { return PEER_run(options, m_in[0], m_out[1]); });
+    }
+    void start_welcomed(far_side* server) {
+        start();
+        server->take_hello();
+        server->welcome();
+    }
+    void type(std::string_view text) {
+        ASSERT_EQ(write(m_in[1], text.data(), text.size()), std::ssize(text));
+    }
+    void end_input() {
+        close(m_in[1]);
+        m_in[1] = -1;
+    }
+    void stop_reading() {
+        close(m_out[0]);
+        m_out[0] = -1;
+    }
+    int status() {
+        if (m_status.wait_for(std::chrono::milliseconds(PATIENCE_MS)) != std::future_status::ready) {
+            UTIL_request_exit();
+            ADD_FAILURE() << "the peer goes on";
+        }
+        return m_status.get();
+    }
+    std::string output_line() {
+        std::string line;
+        char c = 0;
+        while (readable(m_out[0]) && read(m_out[0], &c, 1) == 1 && c != '\n')
+            line += c;
+        return line;
+    }
+    std::string rest_of_output() {
+        close(m_out[1]);
+        m_out[1] = -1;
+        std::string text(65536, '\0');
+        const ssize_t n = read(m_out[0], text.data(), text.size());
+        text.resize(n > 0 ? static_cast<std::size_t>(n) : 0);
+        return text;
+    }
+    std::string folder() const { return m_folder; }
+
+    PEER_options options;
+
+  private:
+    std::string m_folder;
+    int m_in[2] = {-1, -1};
+    int m_out[2] = {-1, -1};
+    std::future<int> m_status;
+};
+
+TEST_F(PeerLoop, WithoutAServerSaysWhereItLooked) {
+    testing::internal::CaptureStderr();
+    start();
+    EXPECT_EQ(status(), PEER_EXIT_NO_LINK);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "PEER: cannot connect to " + options.host + ": No such file or directory\n");
+}
+
+TEST_F(PeerLoop, ARefusalEndsItWithTheReason) {
+    far_side server(options.host);
+    options.as = "N11";
+    testing::internal::CaptureStderr();
+    start();
+    EXPECT_EQ(server.take_hello(), std::to_string(FRAME_PEER_INSTRUMENT) + " N11");
+    server.refuse(FRAME_NAME_TAKEN);
+    EXPECT_EQ(status(), PEER_EXIT_NO_LINK);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "PEER: the server refused: name taken\n");
+}
+
+TEST_F(PeerLoop, WatchesWithoutInputUntilTheServerGoes) {
+    far_side server(options.host);
+    options.monitor = TRUE;
+    testing::internal::CaptureStderr();
+    start();
+    EXPECT_EQ(server.take_hello(), std::to_string(FRAME_PEER_MONITOR) + " CLIENT");
+    server.welcome();
+    end_input();
+    for (const char* source : {"N11", "N12"}) {  // each line comes before the next message
+        server.say(MSG_LOG_FLUSH, source);
+        EXPECT_THAT(output_line(), HasSubstr(std::string("\"src\":\"") + source + '"'));
+    }
+    server.hang_up();
+    EXPECT_EQ(status(), PEER_EXIT_LOST);
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("PEER: "));
+}
+
+TEST_F(PeerLoop, PrintsOnlyWhatMatchesAndCountsThat) {
+    far_side server(options.host);
+    options.only = {"MSG_NEPH_*", "N1?"};
+    options.count = 2;
+    start_welcomed(&server);
+    server.say(MSG_LOG_FLUSH, "X");
+    server.say(MSG_NEPH_STATUS, "X");
+    server.say(MSG_TEST_ONE, "N1");
+    server.say(MSG_TEST_TWO, "N12");
+    server.say(MSG_NEPH_ZERO, "X");
+    EXPECT_EQ(status(), PEER_EXIT_OK);
+    EXPECT_THAT(output_line(), HasSubstr("MSG_NEPH_STATUS"));
+    EXPECT_THAT(output_line(), HasSubstr("MSG_TEST_TWO"));
+    EXPECT_EQ(rest_of_output(), "");
+}
+
+TEST_F(PeerLoop, SendsWhatIsRightRefusesWhatIsNotAndEndsWithItsInput) {
+    far_side server(options.host);
+    testing::internal::CaptureStderr();
+    start_welcomed(&server);
+    type(
+        "{\"msg\":\"MSG_LOG_FLUSH\"}\n"
+        "\n"
+        "{\"msg\":\"MSG_LOG_INFO\",\"payload\":{\"foo\":1}}\n"
+        "{\"msg\":\"MSG_NOTIFY_CLIENT_TERMINATE\"}\n"
+        "{\"msg\":\"MSG_LOG_FLUSH\",\"flags\":4}\n");
+    type(std::string(5000, ' ') + "{\"msg\":\"MSG_LOG_SET_STATE\",\"dest\":\"N11\",\"payload\":{}}");
+    end_input();
+    EXPECT_EQ(server.hear(), "MSG_LOG_FLUSH 1   0");
+    EXPECT_EQ(server.hear(), "MSG_LOG_SET_STATE 0 N11 NET_LOG_SetState 1");
+    EXPECT_EQ(server.hear(), "end");
+    EXPECT_EQ(status(), PEER_EXIT_REFUSED_LINES);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "PEER: line 3: unknown field \"foo\" in NET_LOG_Info\n"
+              "PEER: line 4: MSG_NOTIFY_CLIENT_TERMINATE: a type that only the server may send\n"
+              "PEER: line 5: MSG_LOG_FLUSH: no destination\n");
+}
+
+TEST_F(PeerLoop, AskedToWatchItStaysAfterItsInput) {
+    far_side server(options.host);
+    options.count = 1;
+    start_welcomed(&server);
+    type("{\"msg\":\"MSG_LOG_FLUSH\"}\n");
+    end_input();
+    EXPECT_EQ(server.hear(), "MSG_LOG_FLUSH 1   0");
+    server.say(MSG_TEST_ONE, "N11");
+    EXPECT_EQ(status(), PEER_EXIT_OK);
+}
+
+TEST_F(PeerLoop, AnInstrumentEndsWithItsInputEvenWhenThatIsEmpty) {
+    far_side server(options.host);
+    options.as = "N11";
+    start_welcomed(&server);
+    end_input();
+    EXPECT_EQ(server.hear(), "end");
+    EXPECT_EQ(status(), PEER_EXIT_OK);
+}
+
+TEST_F(PeerLoop, InputMayBeAFile) {
+    far_side server(options.host);
+    const std::string path = folder() + "/lines";
+    const int file = open(path.c_str(), O_RDWR | O_CREAT, 0600);
+    const std::string_view line = "{\"msg\":\"MSG_LOG_FLUSH\"}\n";
+    for (int i = 0; i < 2000; ++i)
+        ASSERT_EQ(write(file, line.data(), line.size()), std::ssize(line));
+    lseek(file, 0, SEEK_SET);
+    auto ended = std::async(std::launch::async, [&] { return PEER_run(options, file, STDERR_FILENO); });
+    server.take_hello();
+    server.welcome();
+    int heard = 0;
+    while (server.hear() != "end")
+        ++heard;
+    EXPECT_EQ(heard, 2000);
+    EXPECT_EQ(ended.get(), PEER_EXIT_OK);
+    close(file);
+}
+
+TEST_F(PeerLoop, TimeoutHasItsOwnStatus) {
+    far_side server(options.host);
+    options.timeout = 0.05;
+    start_welcomed(&server);
+    EXPECT_EQ(status(), PEER_EXIT_TIMEOUT);
+}
+
+TEST_F(PeerLoop, EndsQuietlyWhenNobodyReadsItsOutput) {
+    far_side server(options.host);
+    testing::internal::CaptureStderr();
+    start_welcomed(&server);
+    server.say(MSG_TEST_ONE, "N11");
+    output_line();
+    stop_reading();
+    EXPECT_EQ(status(), PEER_EXIT_OK);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST_F(PeerLoop, AnExitSignalEndsIt) {
+    far_side server(options.host);
+    start_welcomed(&server);
+    UTIL_request_exit();
+    EXPECT_EQ(status(), PEER_EXIT_OK);
+    UTIL_request_exit(FALSE);
+}
+
+}  // namespace

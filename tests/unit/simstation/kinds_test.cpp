@@ -1,0 +1,135 @@
+// What holds for every kind in the table, whoever wrote it: these cases run over all rows.
+#include "simstation/kinds.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <set>
+
+#include "libvesk/records/server.h"
+#include "libvesk/util.h"
+#include "support/sim_probe.h"
+
+namespace {
+
+class EveryKind : public testing::TestWithParam<SIM_kind> {
+  protected:
+    [[nodiscard]] const char* type() const { return GetParam().type; }
+    static constexpr int MINUTES_10 = 600;
+};
+
+std::string name_of_case(const testing::TestParamInfo<SIM_kind>& info) {
+    return info.param.type;
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, EveryKind, testing::ValuesIn(SIM_kinds().begin(), SIM_kinds().end()),
+                         name_of_case);
+
+TEST(KindTable, NamesAndIdentifiersAreUniqueAndFitTheirFields) {
+    std::set<std::string> types;
+    std::set<std::string> names;
+    std::set<char> ids;
+    for (const SIM_kind& kind : SIM_kinds()) {
+        SCOPED_TRACE(kind.type);
+        EXPECT_TRUE(types.insert(kind.type).second);
+        EXPECT_TRUE(names.insert(kind.name).second);
+        EXPECT_TRUE(ids.insert(kind.id_ch).second) << kind.id_ch;
+        EXPECT_TRUE(UTIL_valid_source_name(kind.name));
+        EXPECT_LT(std::strlen(kind.type), 32u);
+        EXPECT_LT(std::strlen(kind.display_name), 30u);  // " 2" still fits
+        EXPECT_TRUE(std::isalnum(static_cast<unsigned char>(kind.id_ch)));
+        EXPECT_EQ(SIM_kind_by_type(kind.type)->dcl, kind.dcl);
+    }
+    EXPECT_EQ(SIM_kind_by_type("no_such_kind"), nullptr);
+}
+
+TEST_P(EveryKind, AnnouncesItselfAndItsLoggingBeforeAnythingElse) {
+    const SimProbe probe(type());
+    ASSERT_GE(probe.sink.sent.size(), 2u);
+    EXPECT_EQ(probe.sink.sent[0].msg, MSG_SERVER_INSTRUMENTINFO);
+    EXPECT_EQ(probe.sink.sent[1].msg, MSG_LOG_INFO);
+    const auto info = probe.last<NET_SERVER_InstrumentInfo>(MSG_SERVER_INSTRUMENTINFO);
+    EXPECT_STREQ(info.type, type());
+    EXPECT_EQ(info.id_ch, GetParam().id_ch);
+}
+
+TEST_P(EveryKind, TheSameSeedSendsTheSameBytes) {
+    SimProbe one(type());
+    SimProbe two(type());
+    one.run(MINUTES_10);
+    two.run(MINUTES_10);
+    EXPECT_EQ(one.sink.sent, two.sink.sent);
+    EXPECT_EQ(one.sink.lines, two.sink.lines);
+}
+
+TEST_P(EveryKind, AnotherSeedSendsOtherValues) {
+    SimProbe::Options other;
+    other.settings.seed = 2;
+    SimProbe one(type());
+    SimProbe two(type(), other);
+    const std::size_t announced = one.sink.sent.size();
+    one.run(MINUTES_10);
+    two.run(MINUTES_10);
+    if (one.sink.sent.size() == announced) GTEST_SKIP() << "this kind measures nothing";
+    EXPECT_NE(one.sink.sent, two.sink.sent);
+}
+
+TEST_P(EveryKind, SendsOnlyFiniteValuesInTheRecordsOfTheirMessages) {
+    SimProbe probe(type());
+    probe.run(MINUTES_10);
+    for (const SentMessage& m : probe.sink.sent) {
+        const NETMSG_entry* const entry = NETMSG_by_type(m.msg);
+        ASSERT_TRUE(NETMSG_accepts(entry, m.dsd)) << entry->name << " with " << m.dsd->name;
+        if (m.dsd == nullptr) continue;
+        NETDSD_for_each_leaf(m.dsd, [&](const NETDSD_field& f, std::size_t at) {
+            if (NETDSD_element_type(f.ft) != NETDSD_FT_DOUBLE) return;
+            const auto value = NETDSD_load<double>(m.payload.data() + at);
+            ASSERT_TRUE(std::isfinite(value)) << entry->name << " " << f.name;
+        });
+    }
+}
+
+TEST_P(EveryKind, LostCommunicationsStopItAndRestoredOnesBringItBack) {
+    SimProbe probe(type());
+    probe.run(MINUTES_10);
+    const BOOL measures = probe.sink.sent.size() > 2;
+    probe.forget();
+    probe.instrument.set_comms(FALSE);
+    const std::size_t said = probe.sink.sent.size();
+    if (measures) {
+        EXPECT_GE(said, 1u) << "nobody was told";
+    }
+    probe.run(MINUTES_10);
+    EXPECT_EQ(probe.sink.sent.size(), said) << "it went on without communications";
+
+    probe.instrument.set_comms(TRUE);
+    probe.run(MINUTES_10);
+    EXPECT_EQ(probe.sink.sent.size() > said, measures);
+}
+
+TEST_P(EveryKind, LeavesAndComesBackAsNew) {
+    SimProbe probe(type());
+    probe.run(100);
+    probe.instrument.leave();
+    EXPECT_FALSE(probe.instrument.present());
+    probe.forget();
+    probe.run(100);
+    EXPECT_TRUE(probe.sink.sent.empty());
+
+    SimProbe fresh(type());
+    probe.instrument.join();
+    ASSERT_EQ(probe.sink.sent.size(), fresh.sink.sent.size());
+    for (std::size_t i = 0; i < probe.sink.sent.size(); ++i)
+        EXPECT_EQ(probe.sink.sent[i].msg, fresh.sink.sent[i].msg);
+}
+
+TEST_P(EveryKind, RefusesWhatIsNoCommandOfItsOwn) {
+    SimProbe probe(type());
+    EXPECT_FALSE(probe.command(MSG_TEST_ONE));
+    EXPECT_NE(probe.sink.lines.back().find("not understood"), std::string::npos);
+    const std::size_t lines = probe.sink.lines.size();
+    EXPECT_FALSE(probe.broadcast(MSG_TEST_ONE));
+    EXPECT_EQ(probe.sink.lines.size(), lines) << "broadcasts that are not for it are no news";
+}
+
+}  // namespace
