@@ -6,8 +6,11 @@
 #include "libvesk/records/cpc.h"
 #include "libvesk/records/io.h"
 #include "libvesk/records/log.h"
+#include "libvesk/records/loopctl.h"
 #include "libvesk/records/messaging.h"
+#include "libvesk/records/neph.h"
 #include "libvesk/records/server.h"
+#include "libvesk/records/verticalprofile.h"
 
 // Records that no message is tied to and no other record nests, yet that may travel with an untied message:
 // one X(NET_...) each.
