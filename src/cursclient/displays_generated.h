@@ -38,7 +38,7 @@
     NONE(hygrometer)              \
     NONE(lasair)                  \
     KIND(PERSISTENT_LOGENTRY)     \
-    NONE(lovepid)                 \
+    KIND(lovepid)                 \
     NONE(maap)                    \
     KIND(PERSISTENT_MESSAGE)      \
     NONE(neph)                    \
@@ -57,8 +57,8 @@
     KIND(inst_skel)               \
     NONE(tsitmf)                  \
     NONE(umac)                    \
-    NONE(verticalprofile)         \
-    NONE(watlow)                  \
+    KIND(verticalprofile)         \
+    KIND(watlow)                  \
     NONE(zeno)
 
 #define DISPLAYS_DECLARE(kind) extern const DISPLAY_DECL DDCL_##kind;

@@ -17,6 +17,9 @@
     X(cpc_3783,    "N66", "TSI 3783 WCPC",  '6', "cpc", FALSE) \
     X(cpc_bmi1710, "N67", "BMI 1710 MCPC",  '7', "cpc", FALSE) \
     X(cpc_pulse,   "N68", "Pulse counter",  '8', "cpc", FALSE) \
+    X(lovepid,     "C11", "Love heaters",   'L', "control", FALSE) \
+    X(verticalprofile, "V11", "Vertical profile", 'V', "flight", FALSE) \
+    X(watlow,      "C12", "Watlow oven",    'W', "control", FALSE) \
     X(inst_skel,   "X11", "Skeleton",       'K', "",    TRUE)
 // clang-format on
 

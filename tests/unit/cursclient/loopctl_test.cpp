@@ -1,0 +1,193 @@
+// The loop controllers: their screens, and the dialogs that change set points.
+#include <gmock/gmock.h>
+
+#include <cstring>
+
+#include "cursclient/displays/watlow.h"
+#include "cursclient/passwd.h"
+#include "display_rig.h"
+#include "libvesk/records/loopctl.h"
+#include "libvesk/util.h"
+#include "libveskcurs/cursdialog.h"
+
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+constexpr int ENTER = 13;
+
+class LovePid : public DisplayRig {
+  protected:
+    static constexpr const char* WINDOW = "lovepid:C11";
+
+    LovePid() { announce("C11", "lovepid", "Heaters"); }
+
+    static void status(const WORD (&addrs)[4], const BOOL (&comms)[4], const char* error = "") {
+        NET_LOVEPID_Status s{};
+        std::memcpy(s.addrs, addrs, sizeof s.addrs);
+        std::memcpy(s.have_comms, comms, sizeof s.have_comms);
+        UTIL_strcpynt(s.error[2].error, error);
+        receive("C11", MSG_LOVEPID_STATUS, s);
+    }
+    static void open_setpoint_dialog() {
+        focus(WINDOW);
+        type("m2");
+    }
+};
+
+TEST_F(LovePid, OneRowForEachAddressAndNoneForEmptySlots) {
+    EXPECT_EQ(inside(WINDOW), "\nAddr      SP       PV      Avg  Last Avg\n") << "before any status";
+    receive("C11", MSG_LOVEPID_SETPOINTS, NET_LOVEPID_Setpoints{{40.0, 0, -5.25, 0}});
+    receive("C11", MSG_LOVEPID_INSTANT, NET_LOVEPID_Instant{START, {40.12, 0, -5.5, 0}, {39.9, 0, -5.4, 0}});
+    status({0x10, 0, 0x2A, 0}, {TRUE, TRUE, FALSE, TRUE});
+    EXPECT_EQ(inside(WINDOW), R"(
+Addr      SP       PV      Avg  Last Avg
+  10   40.00    40.12    39.90  ----.--
+  2a NO COMMS
+)");
+    status({0x10, 0, 0x2A, 0}, {TRUE, TRUE, FALSE, TRUE}, "checksum, and much more than the row can hold");
+    EXPECT_EQ(row(WINDOW, 3), "  2a NO COMMS: checksum, and much more th");
+    EXPECT_EQ(color(WINDOW, 3, 6), -CP_RED_BLUE);
+    EXPECT_EQ(color(WINDOW, 3, 2), CP_WHITE_BLUE);
+}
+
+TEST_F(LovePid, TheSetPointGoesToTheChosenAddress) {
+    receive("C11", MSG_LOVEPID_SETPOINTS, NET_LOVEPID_Setpoints{{40.0, 0, -5.25, 0}});
+    status({0x10, 0, 0x2A, 0}, {TRUE, TRUE, TRUE, TRUE});
+    open_setpoint_dialog();
+    EXPECT_THAT(screen_text(), HasSubstr("Setpoint: 40.00"));
+    EXPECT_THAT(screen_text(), HasSubstr("Address:  10"));
+    press(KEY_UP);
+    press(KEY_UP);
+    press(ENTER);  // the list of addresses, on the present one
+    press(KEY_DOWN);
+    press(ENTER);
+    EXPECT_THAT(screen_text(), HasSubstr("Address:  2A"));
+    press(KEY_UP);
+    type("12.5");
+    press(KEY_DOWN);
+    press(KEY_DOWN);
+    press(ENTER);
+    ASSERT_EQ(sent.size(), 1u);
+    EXPECT_EQ(sent[0].msg, MSG_LOVEPID_SET);
+    EXPECT_EQ(sent[0].flags, 0u);
+    EXPECT_EQ(sent[0].dest, "C11");
+    const auto set = sent[0].as<NET_LOVEPID_Setpoint>();
+    EXPECT_EQ(+set.sp, 12.5);
+    EXPECT_EQ(+set.addr, 0x2A);
+    EXPECT_FALSE(CURSDIALOG_active());
+
+    open_setpoint_dialog();
+    EXPECT_THAT(screen_text(), HasSubstr("Setpoint: -5.25")) << "the address set last is preferred";
+    press(27);
+    status({0x10, 0, 0, 0}, {TRUE, TRUE, TRUE, TRUE});
+    open_setpoint_dialog();
+    EXPECT_THAT(screen_text(), HasSubstr("Address:  10")) << "unless its controller is gone";
+}
+
+TEST_F(LovePid, CancelIsFocusedAndADisplayThatWentSendsNothing) {
+    open_setpoint_dialog();
+    EXPECT_FALSE(CURSDIALOG_active()) << "without an address there is nothing to set";
+    status({0x10, 0, 0, 0}, {TRUE, TRUE, TRUE, TRUE});
+    open_setpoint_dialog();
+    press(ENTER);
+    EXPECT_FALSE(CURSDIALOG_active());
+    open_setpoint_dialog();
+    press(KEY_LEFT);
+    leave("C11");
+    press(ENTER);
+    EXPECT_FALSE(CURSDIALOG_active());
+    EXPECT_TRUE(sent.empty());
+}
+
+TEST_F(LovePid, ClosingTheSetPointDialogClosesItsListOfAddresses) {
+    status({0x10, 0x11, 0, 0}, {TRUE, TRUE, TRUE, TRUE});
+    open_setpoint_dialog();
+    press(KEY_UP);
+    press(KEY_UP);
+    press(ENTER);
+    EXPECT_THAT(screen_text(), HasSubstr("+ Address +"));
+    press(27);
+    EXPECT_THAT(screen_text(), HasSubstr("Change setpoint"));
+    press(27);
+    EXPECT_FALSE(CURSDIALOG_active());
+}
+
+TEST_F(LovePid, ThePasswordGuardsTheSetPoint) {
+    status({0x10, 0, 0, 0}, {TRUE, TRUE, TRUE, TRUE});
+    UTIL_strcpynt(g_passwd, "abc");
+    open_setpoint_dialog();
+    type("wrong");
+    press(ENTER);
+    EXPECT_FALSE(CURSDIALOG_active());
+    open_setpoint_dialog();
+    type("abc");
+    press(ENTER);
+    EXPECT_THAT(screen_text(), HasSubstr("Change setpoint"));
+}
+
+class Watlow : public DisplayRig {
+  protected:
+    static constexpr const char* WINDOW = "watlow:C12";
+
+    Watlow() : uid_(announce("C12", "watlow", "Oven")) {}
+    DWORD uid_;
+};
+
+TEST_F(Watlow, ShowsItsTwoChannelsAndItsErrors) {
+    EXPECT_EQ(row(WINDOW, 2), "A:   --.-      --.-     -") << "clipped at the border";
+    receive("C12", MSG_WATLOW_SETPOINTS, NET_WATLOW_Channels{25.0, -3.5});
+    receive("C12", MSG_WATLOW_INSTANT, NET_WATLOW_Channels{25.31, -3.44});
+    receive("C12", MSG_WATLOW_AVERAGE, NET_WATLOW_Avg{START, 25.2, -3.4});
+    EXPECT_EQ(row(WINDOW, 1), "     Setpoint  Instant  A");
+    EXPECT_EQ(row(WINDOW, 2), "A:   25.0      25.3     2");
+    EXPECT_EQ(row(WINDOW, 3), "B:   -3.5      -3.4     -");
+    struct case_row {
+        NET_WATLOW_Status status;
+        const char* text;
+        int color;
+    };
+    for (const case_row& c : {case_row{{0, FALSE}, "NO COMMS", -CP_RED_BLUE},
+                              case_row{{17, FALSE}, "NO COMMS: ERROR 17", -CP_RED_BLUE},
+                              case_row{{17, TRUE}, "ERROR 17", CP_WHITE_BLUE}}) {
+        receive("C12", MSG_WATLOW_STATUS, c.status);
+        EXPECT_THAT(row(WINDOW, 4), HasSubstr(c.text));
+        EXPECT_EQ(color(WINDOW, 4, 13), c.color) << c.text;
+    }
+    receive("C12", MSG_WATLOW_STATUS, NET_WATLOW_Status{0, TRUE});
+    EXPECT_EQ(row(WINDOW, 4), "");
+}
+
+TEST_F(Watlow, OnlyTheChangedChannelIsSent) {
+    receive("C12", MSG_WATLOW_SETPOINTS, NET_WATLOW_Channels{25.0, -3.5});
+    WATLOW_change_setpoint(uid_);
+    EXPECT_THAT(screen_text(), HasSubstr("Setpoint A: 25.0"));
+    press(KEY_UP);
+    press(KEY_UP);
+    type("7");
+    press(9);  // on to "Apply"
+    press(ENTER);
+    ASSERT_EQ(sent.size(), 1u);
+    EXPECT_EQ(sent[0].msg, MSG_WATLOW_SET);
+    EXPECT_EQ(sent[0].dest, "C12");
+    EXPECT_EQ(sent[0].as<NET_WATLOW_OneChannel>().chan, 'B');
+    const auto value = sent[0].as<NET_WATLOW_OneChannel>();
+    EXPECT_EQ(+value.val, 7.0);
+
+    WATLOW_change_setpoint(uid_);
+    press(KEY_LEFT);
+    press(ENTER);
+    EXPECT_EQ(sent.size(), 1u) << "unchanged channels are not sent";
+}
+
+TEST_F(Watlow, TheMenuHasOneEntry) {
+    focus(WINDOW);
+    type("m");
+    EXPECT_THAT(screen_text(), HasSubstr("1 Hide window"));
+    EXPECT_THAT(screen_text(), Not(HasSubstr("2 ")));
+    type("1");
+    EXPECT_FALSE(window(WINDOW)->visible);
+}
+
+}  // namespace
