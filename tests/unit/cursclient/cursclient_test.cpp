@@ -62,12 +62,16 @@ class Settings : public DisplayRig {
         dir_ = mkdtemp(name);
         file_ = dir_ + "/conf";
         g_conffile = file_.c_str();
+        forget();
     }
     ~Settings() override {
         g_conffile = nullptr;
+        forget();
+        std::filesystem::remove_all(dir_);
+    }
+    static void forget() {
         CONF_free(g_conf);
         g_conf = nullptr;
-        std::filesystem::remove_all(dir_);
     }
     std::string content() const {
         std::ifstream in(file_);

@@ -1,16 +1,11 @@
+// What displays send goes no further than a list here; time stands still until a test moves it.
 #include "display_rig.h"
-
-#include <cstring>
 
 #include "cursclient/cursclient.h"
 #include "cursclient/display.h"
 #include "cursclient/displays/command.h"
-#include "cursclient/mainmenu.h"
-#include "cursclient/passwd.h"
-#include "cursclient/status.h"
 #include "libvesk/records/server.h"
 #include "libvesk/util.h"
-#include "libveskcurs/cursdialog.h"
 
 std::vector<DisplayRig::Sent> DisplayRig::sent;
 
@@ -28,7 +23,8 @@ void cut_blanks(std::string* line) {
 
 }  // namespace
 
-DisplayRig::DisplayRig(int lines, int cols) : screen_(lines, cols) {
+DisplayRig::DisplayRig(int lines, int cols) {
+    start(lines, cols);
     set_time(START);
     UTIL_set_clock([] { return g_now; });
     sent.clear();
@@ -38,25 +34,13 @@ DisplayRig::DisplayRig(int lines, int cols) : screen_(lines, cols) {
         sent.push_back({msg, flags, text(dest), text(record), std::string(bytes, bytes + size)});
         return TRUE;
     });
-    g_tick = 0;
-    WINS_setup_screen();
-    EXPECT_TRUE(CURSDIALOG_init());
-    EXPECT_TRUE(STATUS_init());
-    EXPECT_TRUE(PASSWD_init());
-    EXPECT_TRUE(MAINMENU_init());
     EXPECT_TRUE(DISPLAY_init());
 }
 
 DisplayRig::~DisplayRig() {
     DISPLAY_cleanup();
     DISPLAY_set_kinds(nullptr, 0);
-    MAINMENU_cleanup();
-    PASSWD_cleanup();
-    STATUS_cleanup();
-    CURSDIALOG_cleanup();
-    WINS_cleanup();
     COMMAND_set_sender(nullptr);
-    UTIL_set_clock(nullptr);
 }
 
 void DisplayRig::set_time(FTIME now) {
@@ -95,14 +79,8 @@ WINS_window* DisplayRig::focus(const char* ident) {
 }
 
 void DisplayRig::redraw() {
-    werase(stdscr);
-    STATUS_update();
-    WINS_update();
-    MAINMENU_update();
-    CURSDIALOG_update();
     DISPLAY_update();
-    update_panels();
-    doupdate();
+    look();
 }
 
 std::string DisplayRig::inside(const char* ident) {
@@ -124,7 +102,9 @@ std::string DisplayRig::inside(const char* ident) {
 
 std::string DisplayRig::row(const char* ident, int y) {
     redraw();
-    std::string line = TestScreen::row(window(ident)->win, y).substr(1);
+    const WINS_window* win = window(ident);
+    if (win == nullptr) return "(no window)";
+    std::string line = TestScreen::row(win->win, y).substr(1);
     line.pop_back();
     cut_blanks(&line);
     return line;
@@ -132,21 +112,13 @@ std::string DisplayRig::row(const char* ident, int y) {
 
 int DisplayRig::color(const char* ident, int y, int x) {
     redraw();
-    WINDOW* win = window(ident)->win;
-    const int pair = TestScreen::color_pair(win, y, x);
-    return (TestScreen::attributes(win, y, x) & A_BOLD) != 0 ? -pair : pair;
+    const WINS_window* win = window(ident);
+    if (win == nullptr) return 0;
+    const int pair = TestScreen::color_pair(win->win, y, x);
+    return (TestScreen::attributes(win->win, y, x) & A_BOLD) != 0 ? -pair : pair;
 }
 
 std::string DisplayRig::screen_text() {
-    redraw();
-    return TestScreen::screen_dump();
-}
-
-void DisplayRig::press(int key) {
-    distribute_key(key);
-}
-
-void DisplayRig::type(std::string_view keys) {
-    for (const char c : keys)
-        press(c);
+    DISPLAY_update();
+    return look();
 }

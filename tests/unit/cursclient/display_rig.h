@@ -1,19 +1,19 @@
-// The console's layers up in memory, for tests of displays: instruments announce themselves and send records,
-// keys arrive as in the program, screens are read back as text, and what displays send is caught.
+// The console with its displays, for tests of displays: instruments announce themselves and send records,
+// windows are read back as text, and what displays send to instruments is caught.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "cursclient/wins.h"
 #include "libvesk/netmsg.h"
 #include "libvesk/veskmsg.h"
-#include "support/screen.h"
+#include "support/console.h"
 
-class DisplayRig : public ::testing::Test {
+class DisplayRig : public ConsoleTest {
   protected:
     // One message that a display queued.
     struct Sent {
@@ -64,12 +64,5 @@ class DisplayRig : public ::testing::Test {
     // The whole screen, dialogs included.
     static std::string screen_text();
 
-    // A key, offered to the layers in the program's order.
-    static void press(int key);
-    static void type(std::string_view keys);
-
     static std::vector<Sent> sent;
-
-  private:
-    TestScreen screen_;
 };

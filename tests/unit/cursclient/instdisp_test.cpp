@@ -170,7 +170,6 @@ TEST_F(Skeleton, ComesAndGoesWithItsInstrument) {
 TEST_F(Skeleton, ComesBackAtTheSavedPlace) {
     announce("N11", "inst_skel");
     WINS_absolute_move(focus("inst_skel:N11"), 7, 3);
-    g_conf = CONF_alloc();
     WINS_save_window_setup();
     leave("N11");
     announce("N11", "inst_skel");
@@ -178,7 +177,6 @@ TEST_F(Skeleton, ComesBackAtTheSavedPlace) {
     EXPECT_EQ(getbegx(win->win), 7);
     EXPECT_EQ(getbegy(win->win), 3);
     EXPECT_TRUE(win->visible);
-    CONF_free(std::exchange(g_conf, nullptr));
 }
 
 TEST_F(Skeleton, LongestNamesMakeAnIdentityOf63Characters) {

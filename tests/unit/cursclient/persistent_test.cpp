@@ -114,15 +114,15 @@ TEST_F(Persistent, LongAndUnprintableErrorsStayInsideTheStrip) {
 TEST_F(Persistent, TheHelpPageScrollsAndKeepsItsArithmetic) {
     focus(HELP);
     EXPECT_EQ(inside(HELP), R"(
-                Use PGUP/PGDN to scroll
-                   General keystrokes
+                  Use PGUP/PGDN to scroll
+                    General keystrokes
 
 CTRL-W        Close the focused window
 CTRL-M,       Show the root menu
 ESC, or
 ENTER
 ALT-X         Select root menu entry X,
-              outside of root menu
+                outside of root menu
 CTRL-D        Display the disk operations menu
 )");
     EXPECT_EQ(color(HELP, 1, 20), -CP_YELLOW_BLUE);
