@@ -140,6 +140,7 @@ contestant hub(const char* name, const place& where) {
     const auto serve = [where] {
         const std::string listen = "127.0.0.1:" + std::to_string(where.port);
         const std::string socket = g_folder + "/hub.sock";
+        if (std::freopen("/dev/null", "w", stderr) == nullptr) die("/dev/null");  // its log
         execl(SERVER_PROGRAM, "vesk.server", "--socket", socket.c_str(),
               where.port != 0 ? "--listen" : nullptr, listen.c_str(), nullptr);
         die(SERVER_PROGRAM);

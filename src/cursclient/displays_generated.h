@@ -7,15 +7,15 @@
 // KIND: the unit exists and defines DDCL_<match type>. NONE: no unit yet, all callbacks are null. A new unit
 // changes its one word here.
 #define DISPLAYS_LIST(KIND, NONE) \
-    NONE(aethalometer)            \
+    KIND(aethalometer)            \
     NONE(AGGREGATE)               \
     NONE(AINALL)                  \
     NONE(ain_simple)              \
     NONE(AVGSTATUS)               \
     NONE(bestups)                 \
-    NONE(caps)                    \
-    NONE(ccn)                     \
-    NONE(clap3w)                  \
+    KIND(caps)                    \
+    KIND(ccn)                     \
+    KIND(clap3w)                  \
     KIND(PERSISTENT_COMMONSTATE)  \
     KIND(cpc_3010)                \
     KIND(cpc_3022)                \
@@ -30,30 +30,30 @@
     KIND(PERSISTENT_ERRORDISP)    \
     NONE(filter)                  \
     NONE(flask)                   \
-    NONE(genericpid)              \
+    KIND(genericpid)              \
     NONE(gps)                     \
-    NONE(grimm)                   \
+    KIND(grimm)                   \
     KIND(PERSISTENT_HELP)         \
     NONE(HUMIDOGRAPH)             \
     NONE(hygrometer)              \
-    NONE(lasair)                  \
+    KIND(lasair)                  \
     KIND(PERSISTENT_LOGENTRY)     \
     KIND(lovepid)                 \
-    NONE(maap)                    \
+    KIND(maap)                    \
     KIND(PERSISTENT_MESSAGE)      \
-    NONE(neph)                    \
-    NONE(neph_passive)            \
-    NONE(nephM903)                \
-    NONE(neph_aurora3000)         \
+    KIND(neph)                    \
+    KIND(neph_passive)            \
+    KIND(nephM903)                \
+    KIND(neph_aurora3000)         \
     NONE(ozonemon)                \
-    NONE(pax)                     \
+    KIND(pax)                     \
     NONE(pils)                    \
-    NONE(psap)                    \
-    NONE(psap3)                   \
+    KIND(psap)                    \
+    KIND(psap3)                   \
     NONE(pwd22)                   \
     NONE(rawdatarec)              \
-    NONE(PERSISTENT_SCRESULTS)    \
-    NONE(sems)                    \
+    KIND(PERSISTENT_SCRESULTS)    \
+    KIND(sems)                    \
     KIND(inst_skel)               \
     NONE(tsitmf)                  \
     NONE(umac)                    \

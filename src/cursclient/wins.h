@@ -67,6 +67,7 @@ const WINS_UID* WINS_uid_of_window(const WINS_window* win, WINS_UID* dst);
 [[nodiscard]] WINS_window* WINS_window_by_uid(const WINS_UID* uid);
 [[nodiscard]] LL_NODE* WINS_node_by_window(const WINS_window* win);
 
+// Once per pass, before the panels are drawn: stacks them.
 void WINS_update();
 [[nodiscard]] BOOL WINS_keypress(int key);
 [[nodiscard]] BOOL WINS_default_keyhandler(WINS_window* win, int key);

@@ -4,6 +4,7 @@
 #include <curses.h>
 
 #include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 
@@ -12,6 +13,21 @@
 namespace {
 
 SCREEN* g_screen = nullptr;
+volatile std::sig_atomic_t g_size_signalled = 0;
+struct sigaction g_curses_action;  // what curses itself does on a new size
+
+void on_new_size(int signal) {
+    g_size_signalled = 1;
+    if (g_curses_action.sa_handler != SIG_DFL && g_curses_action.sa_handler != SIG_IGN)
+        g_curses_action.sa_handler(signal);
+}
+
+void watch_size() {
+    sigaction(SIGWINCH, nullptr, &g_curses_action);
+    struct sigaction action = g_curses_action;
+    action.sa_handler = on_new_size;
+    sigaction(SIGWINCH, &action, nullptr);
+}
 
 void complain_about_terminal() {
     const char* term = std::getenv("TERM");
@@ -22,6 +38,13 @@ void complain_about_terminal() {
                       term);
 }
 
+void end_curses() {
+    if (g_screen == nullptr) return;
+    endwin();
+    delscreen(g_screen);
+    g_screen = nullptr;
+}
+
 }  // namespace
 
 BOOL WINSCREEN_start() {
@@ -29,7 +52,7 @@ BOOL WINSCREEN_start() {
     std::setlocale(LC_CTYPE, "");
     g_screen = newterm(nullptr, stdout, stdin);
     if (g_screen == nullptr || tigetstr("cup") == nullptr) {
-        WINSCREEN_end();
+        end_curses();
         complain_about_terminal();
         return FALSE;
     }
@@ -37,12 +60,18 @@ BOOL WINSCREEN_start() {
     noecho();
     nonl();
     def_prog_mode();
+    watch_size();
     return TRUE;
+}
+
+BOOL WINSCREEN_size_signalled() {
+    const BOOL signalled = g_size_signalled != 0;
+    g_size_signalled = 0;
+    return signalled;
 }
 
 void WINSCREEN_end() {
     if (g_screen == nullptr) return;
-    endwin();
-    delscreen(g_screen);
-    g_screen = nullptr;
+    sigaction(SIGWINCH, &g_curses_action, nullptr);
+    end_curses();
 }

@@ -141,17 +141,16 @@ constexpr std::size_t alignment(const NETDSD_field& f) {
     return one < 4 ? one : 4;
 }
 
-// Every byte of the record belongs to a listed member or is padding that the layout itself makes.
-constexpr bool covers(const NETDSD_field* fields, std::size_t n, std::size_t total) {
+// Every byte of the record belongs to a listed member or is padding that the layout itself makes: a record
+// that is aligned more than its members are is padded at its end.
+constexpr bool covers(const NETDSD_field* fields, std::size_t n, std::size_t total, std::size_t aligned) {
     std::size_t end = 0;
-    std::size_t most = 1;
     for (std::size_t i = 0; i < n; ++i) {
         const std::size_t a = alignment(fields[i]);
-        most = a > most ? a : most;
         if (fields[i].offset != (end + a - 1) / a * a) return false;
         end = fields[i].offset + fields[i].size;
     }
-    return (end + most - 1) / most * most == total;
+    return (end + aligned - 1) / aligned * aligned == total;
 }
 
 constexpr BOOL numbers_only(const NETDSD_field* fields, std::size_t n) {
@@ -170,19 +169,20 @@ constexpr BOOL numbers_only(const NETDSD_field* fields, std::size_t n) {
 #define NETDSD_MEMBER(m) netdsd_detail::member<decltype(R::m)>(#m, offsetof(R, m), false)
 #define NETDSD_TIME(m) netdsd_detail::member<decltype(R::m)>(#m, offsetof(R, m), true)
 
-#define NETDSD_RECORD(record, size_in_bytes, ...)                                                       \
-    template <>                                                                                         \
-    struct NETDSD_traits<record> {                                                                      \
-        using R = record;                                                                               \
-        static constexpr auto fields = std::to_array<NETDSD_field>({__VA_ARGS__});                      \
-        static constexpr NETDSD_entry entry{fields.data(), fields.size(), #record, sizeof(record),      \
-                                            netdsd_detail::numbers_only(fields.data(), fields.size())}; \
-    };                                                                                                  \
-    static_assert(sizeof(record) == (size_in_bytes), #record ": size");                                 \
-    static_assert(std::is_trivially_copyable_v<record>, #record ": trivially copyable");                \
-    static_assert(netdsd_detail::covers(NETDSD_traits<record>::fields.data(),                           \
-                                        NETDSD_traits<record>::fields.size(), sizeof(record)),          \
-                  #record ": the member list covers the record")
+#define NETDSD_RECORD(record, size_in_bytes, ...)                                                         \
+    template <>                                                                                           \
+    struct NETDSD_traits<record> {                                                                        \
+        using R = record;                                                                                 \
+        static constexpr auto fields = std::to_array<NETDSD_field>({__VA_ARGS__});                        \
+        static constexpr NETDSD_entry entry{fields.data(), fields.size(), #record, sizeof(record),        \
+                                            netdsd_detail::numbers_only(fields.data(), fields.size())};   \
+    };                                                                                                    \
+    static_assert(sizeof(record) == (size_in_bytes), #record ": size");                                   \
+    static_assert(std::is_trivially_copyable_v<record>, #record ": trivially copyable");                  \
+    static_assert(                                                                                        \
+        netdsd_detail::covers(NETDSD_traits<record>::fields.data(), NETDSD_traits<record>::fields.size(), \
+                              sizeof(record), alignof(record)),                                           \
+        #record ": the member list covers the record")
 
 // For layouts that are stated byte by byte.
 #define NETDSD_OFFSET(record, member, bytes) \

@@ -2,10 +2,9 @@
 //
 // Formats are checked against their arguments when the program is compiled: a wrong one is a compile error.
 // `%` conversions are those of printf (flags, width, precision, length; d i u x X o c s p f e g E G, %%)
-// except
-// "*" for a width; any integer type suits any integer conversion, a null text prints as empty, a NUL
-// character as a blank. The extended calls (alt) also take number conversions of one double, after "*~" or
-// "*":
+// except "*" for a width; any integer type suits any integer conversion, a null text prints as empty, a NUL
+// character as a blank. The extended calls (alt) also take number conversions of one double, introduced by
+// "*~" or "*":
 //
 //   *~[flags]W.Df      W integer places, the point, D decimals: W + 1 + D columns, W when D is 0
 //   *~[flags]I.D.Ee    I integer digits, D decimals, the letter as written (e or E), the exponent's sign and

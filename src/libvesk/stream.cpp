@@ -1,7 +1,9 @@
 // Reading and writing of one socket. Handlers keep the stream alive; a closed one has no owner any more.
 #include "libvesk/stream.h"
 
+#include <linux/sockios.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 
 #include <asio/ip/tcp.hpp>
 
@@ -85,6 +87,13 @@ void STREAM::close() {
     owner_ = nullptr;
     asio::error_code ignored;
     socket_.close(ignored);
+}
+
+std::size_t STREAM::on_the_way() {
+    int bytes = 0;
+    return ioctl(socket_.native_handle(), SIOCOUTQ, &bytes) == 0 && bytes > 0
+               ? static_cast<std::size_t>(bytes)
+               : 0;
 }
 
 bool STREAM::hung_up() {

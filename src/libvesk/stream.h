@@ -2,6 +2,8 @@
 // queue, one read and one write under way at most. Both ends of every link are built on it.
 #pragma once
 
+#include "libvesk/asio_config.h"  // first
+
 #include <asio/generic/stream_protocol.hpp>
 #include <memory>
 #include <string>
@@ -31,6 +33,8 @@ class STREAM : public std::enable_shared_from_this<STREAM> {
     void append(FRAME_span bytes);
     // Starts writing what was appended, unless a write is under way, which then goes on with it.
     void flush();
+    // Bytes that have left the queue but not reached the other side's hands yet; 0 where that cannot be told.
+    [[nodiscard]] std::size_t on_the_way();
     [[nodiscard]] std::size_t queued() const { return queue_.size(); }
 
     // Tells the other side that nothing more comes; what is queued leaves first.

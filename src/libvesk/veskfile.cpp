@@ -20,14 +20,12 @@ struct open_file {
     std::string pending;  // arrived and not yet given to the reader
 };
 
-std::vector<std::unique_ptr<open_file>>& files() {
-    static std::vector<std::unique_ptr<open_file>> table;
-    return table;
-}
+// At namespace scope: exit handlers that main() registered still read, so it must outlive them.
+std::vector<std::unique_ptr<open_file>> g_files;
 
 open_file* find_file(int handle) {
-    const bool known = handle >= 0 && static_cast<std::size_t>(handle) < files().size();
-    open_file* file = known ? files()[static_cast<std::size_t>(handle)].get() : nullptr;
+    const bool known = handle >= 0 && static_cast<std::size_t>(handle) < g_files.size();
+    open_file* file = known ? g_files[static_cast<std::size_t>(handle)].get() : nullptr;
     if (file == nullptr) errno = EBADF;
     return file;
 }
@@ -64,10 +62,10 @@ int VESKFILE_associate_fh(int fd, int flags) {
     }
     const int status = fcntl(fd, F_GETFL);
     if (status < 0 || fcntl(fd, F_SETFL, status | O_NONBLOCK) < 0) return -1;
-    auto slot = std::find(files().begin(), files().end(), nullptr);
-    if (slot == files().end()) slot = files().insert(slot, nullptr);
+    auto slot = std::find(g_files.begin(), g_files.end(), nullptr);
+    if (slot == g_files.end()) slot = g_files.insert(slot, nullptr);
     *slot = std::make_unique<open_file>(open_file{fd, {}});
-    return static_cast<int>(slot - files().begin());
+    return static_cast<int>(slot - g_files.begin());
 }
 
 int VESKFILE_readuntil_int(int handle, char* dst, std::size_t size, const char* stops, std::size_t n_stops) {
@@ -103,5 +101,5 @@ void VESKFILE_close(int handle) {
     open_file* file = find_file(handle);
     if (file == nullptr) return;
     close(file->fd);
-    files()[static_cast<std::size_t>(handle)].reset();
+    g_files[static_cast<std::size_t>(handle)].reset();
 }

@@ -2,6 +2,8 @@
 // is known of the instruments. Private to the VESKMSG_ functions, which are thin over it.
 #pragma once
 
+#include "libvesk/asio_config.h"  // first
+
 #include <asio/io_context.hpp>
 #include <deque>
 #include <map>

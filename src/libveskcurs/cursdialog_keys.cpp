@@ -84,9 +84,10 @@ void editing_key(CURSDIALOG_type& dlg, int key) {
 
 // By rows without moving the focus: there is text to read beyond the last widget.
 void scroll_by(CURSDIALOG_type& dlg, int rows) {
-    dlg.follow_focus = false;
     const Layout layout = layout_of(dlg);
-    dlg.top = std::clamp(dlg.top + rows, 0, std::max(layout.content_rows - layout.view.rows, 0));
+    const int top = std::clamp(dlg.top + rows, 0, std::max(layout.content_rows - layout.view.rows, 0));
+    if (top != dlg.top) dlg.follow_focus = false;
+    dlg.top = top;
 }
 
 void step(CURSDIALOG_type& dlg, int direction) {

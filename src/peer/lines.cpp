@@ -1,3 +1,4 @@
+// A line over the limit is dropped as it comes, so that its length does not matter.
 #include "peer/lines.h"
 
 void LINES_reader::keep(std::string_view piece) {

@@ -1,3 +1,5 @@
+// One pass after another: wait, deliver what came, write it, read what is to be sent. The two sides brake
+// each other: nothing is received while the output is not read, and no input is read while the link is full.
 #include "peer/peer.h"
 
 #include <poll.h>

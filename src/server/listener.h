@@ -2,6 +2,8 @@
 // one, and TCP addresses when asked.
 #pragma once
 
+#include "libvesk/asio_config.h"  // first
+
 #include <asio/basic_socket_acceptor.hpp>
 #include <functional>
 #include <memory>

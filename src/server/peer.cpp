@@ -75,10 +75,13 @@ void PEER::go_on() {
     asio::post(stream_->executor(), [self = shared_from_this()] { self->take_frames(); });
 }
 
-std::string PEER::stalled() const {
+// A socket takes more only when much of what it holds has been read, so what it holds is looked at too.
+std::string PEER::stalled() {
     const double now = hub_->now();
     const double stall = hub_->params().stall_seconds;
     if (!over_) return "";
+    const std::size_t held_before = std::exchange(on_the_way_, stream_->on_the_way());
+    if (on_the_way_ < held_before) took_ = now;
     if (now - took_ >= stall) return "it does not read: " + megabytes(queued()) + " wait for it";
     if (now - over_since_ >= PATIENCE * stall)
         return "it reads too slowly: " + megabytes(queued()) + " wait for it";

@@ -38,8 +38,8 @@ class PEER final : public std::enable_shared_from_this<PEER>, public STREAM::own
     // Over the bound: `sender`, who has just sent to it, is not read until this one has drained or is gone.
     [[nodiscard]] bool is_over() const { return over_; }
     void hold_up(PEER& sender);
-    // Why it should be dropped now for not reading, or "".
-    [[nodiscard]] std::string stalled() const;
+    // Why it should be dropped now for not reading, or ""; asked at every tick.
+    [[nodiscard]] std::string stalled();
     // Takes up frames again, soon, after a wait for a name or for others.
     void go_on();
 
@@ -67,6 +67,7 @@ class PEER final : public std::enable_shared_from_this<PEER>, public STREAM::own
     bool over_ = false;
     double over_since_ = 0;
     double took_ = 0;  // when it last took bytes
+    std::size_t on_the_way_ = 0;
     std::size_t held_by_ = 0;
     std::vector<std::weak_ptr<PEER>> held_up_;
     DWORD complained_ = 0;

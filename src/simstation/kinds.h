@@ -20,6 +20,14 @@
     X(lovepid,     "C11", "Love heaters",   'L', "control", FALSE) \
     X(verticalprofile, "V11", "Vertical profile", 'V', "flight", FALSE) \
     X(watlow,      "C12", "Watlow oven",    'W', "control", FALSE) \
+    X(aethalometer, "A81", "Aethalometer",  'E', "absorption", FALSE) \
+    X(maap,        "A82", "MAAP",           'M', "absorption", FALSE) \
+    X(caps,        "E71", "CAPS extinction", 'C', "extinction", FALSE) \
+    X(pax,         "E72", "PAX",            'P', "extinction", FALSE) \
+    X(neph,            "N11", "Nephelometer",     'N', "neph", FALSE) \
+    X(nephM903,        "N31", "M903 neph",        'G', "neph", FALSE) \
+    X(neph_aurora3000, "N41", "Aurora 3000 neph", 'A', "neph", FALSE) \
+    X(neph_passive,    "N21", "Watched neph",     'n', "neph", TRUE) \
     X(inst_skel,   "X11", "Skeleton",       'K', "",    TRUE)
 // clang-format on
 

@@ -40,6 +40,7 @@ void SIM_peer::pump(const receiver& receive) {
 }
 
 void SIM_peer::send(const SIM_message& message) {
+    if (state() != VESKMSG_S_OPEN) return;  // the station sees it and ends
     if (message.instant) return hold(message);
     send_readings();  // nothing overtakes what was said before
     const BOOL has_payload = message.dsd != nullptr;
@@ -55,6 +56,7 @@ void SIM_peer::hold(const SIM_message& message) {
 }
 
 void SIM_peer::send_readings() {
+    if (state() != VESKMSG_S_OPEN) return;
     for (const reading& r : m_readings)
         VESKMSG_queue_message(&m_link, r.msg, r.flags, "", r.payload.data(), r.payload.size(), r.dsd->name);
     m_readings.clear();

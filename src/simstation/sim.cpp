@@ -79,6 +79,11 @@ BOOL SIM_instrument::receive(const VESKMSG_proc_msg* pm) {
     if (!dest.empty() && dest != name()) return FALSE;
     if (pm->msg->msg == MSG_LOG_SET_STATE) return change_logging(pm);
     if (!dest.empty()) log("%s from %s", pm->msg->name, pm->src_name);
+    const auto hear = m_member.kind->dcl->hear;
+    if (hear != nullptr && hear(m_state.get(), *this, pm)) {
+        say_status();
+        return TRUE;
+    }
     if (!m_comms) {
         if (!dest.empty()) log("no communications with the instrument");
         return FALSE;

@@ -9,6 +9,7 @@
 //       void tick(SIM_instrument& sim) { ... }              // required: one second of measuring
 //       void status(SIM_instrument& sim) { ... }            // optional: send_changed(MSG_..._STATUS, ...)
 //       BOOL command(SIM_instrument& sim, const VESKMSG_proc_msg* pm) { ... }            // optional
+//       BOOL hear(SIM_instrument& sim, const VESKMSG_proc_msg* pm) { ... }               // optional
 //       BOOL set(SIM_instrument& sim, std::string_view name, const SIM_value& v) { ... }  // with settings
 //       void leave(SIM_instrument& sim) { ... }             // optional: parting words
 //   };
@@ -48,8 +49,12 @@ struct SIM_decl {
     // Says what state the instrument is in, have_comms() and alarm_flags() included. Called after the start
     // and after everything that can have changed it (every tick and command too), hence send_changed.
     void (*status)(void* state, SIM_instrument&) = nullptr;
-    // A message for this instrument or for all (not from itself). TRUE when it was understood.
+    // A message for this instrument or for all, whoever sent it, other instruments included (but not its own
+    // words coming back). Not while comms are lost. TRUE when it was understood.
     BOOL (*command)(void* state, SIM_instrument&, const VESKMSG_proc_msg*) = nullptr;
+    // The same, asked before `command` and even while comms are lost: for what the station's side of the
+    // instrument acts upon by itself.
+    BOOL (*hear)(void* state, SIM_instrument&, const VESKMSG_proc_msg*) = nullptr;
     // A setting of the list below; FALSE when the value is no good.
     BOOL (*set)(void* state, SIM_instrument&, std::string_view name, const SIM_value&) = nullptr;
     void (*leave)(void* state, SIM_instrument&) = nullptr;  // before the link closes
@@ -134,6 +139,10 @@ constexpr SIM_decl SIM_decl_of() {
     if constexpr (requires { &S::command; })
         d.command = [](void* s, SIM_instrument& sim, const VESKMSG_proc_msg* pm) -> BOOL {
             return static_cast<S*>(s)->command(sim, pm);
+        };
+    if constexpr (requires { &S::hear; })
+        d.hear = [](void* s, SIM_instrument& sim, const VESKMSG_proc_msg* pm) -> BOOL {
+            return static_cast<S*>(s)->hear(sim, pm);
         };
     if constexpr (requires { S::settings; }) {
         d.settings = S::settings;

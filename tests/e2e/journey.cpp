@@ -1,29 +1,47 @@
 // Steps that journeys share. Each waits for what it caused, so that the next one finds it done.
 #include "journey.h"
 
-#include <cmath>
+#include <algorithm>
+#include <set>
+#include <tuple>
 
 namespace {
 
 constexpr int MENU_STEPS = 40;  // more than any menu has entries
 
+// Bold yellow, or in reverse video where there are no colours.
 bool is_highlighted(const TerminalCell& cell) {
-    return cell.bold || cell.reverse;
+    return (cell.bold && cell.fg == TERMINAL_YELLOW) || cell.reverse;
 }
 
-// Which cells above the status bar are highlighted: changes when the highlight moves.
-std::string highlights(const Terminal& console) {
-    std::string result;
+using Cells = std::set<std::tuple<int, int, std::string>>;
+
+// The highlighted cells above the status bar: row, column, text.
+Cells highlights(const Terminal& console) {
+    Cells result;
     for (int row = 0; row < console.size().rows - 1; ++row) {
-        for (int col = 0; col < console.size().cols; ++col)
-            result += is_highlighted(console.cell(row, col)) ? '1' : '0';
+        for (int col = 0; col < console.size().cols; ++col) {
+            const TerminalCell cell = console.cell(row, col);
+            if (is_highlighted(cell)) result.emplace(row, col, cell.text);
+        }
     }
     return result;
 }
 
+// Some cell is highlighted that was not before. (That others are no longer may be half of a drawing.)
+bool has_moved(const Terminal& console, const Cells& before) {
+    const Cells now = highlights(console);
+    return std::any_of(now.begin(), now.end(), [&](const auto& cell) { return !before.contains(cell); });
+}
+
+// All of the label: hot keys are highlighted in every button.
 bool is_highlighted(const Terminal& console, std::string_view label) {
     const auto place = console.find(label);
-    return place && is_highlighted(console.cell(place->row, place->col));
+    if (!place) return false;
+    for (int i = 0; i < static_cast<int>(label.size()); ++i) {
+        if (!is_highlighted(console.cell(place->row, place->col + i))) return false;
+    }
+    return true;
 }
 
 }  // namespace
@@ -86,9 +104,9 @@ testing::AssertionResult open_counter(Terminal& console) {
 testing::AssertionResult highlight(Terminal& console, std::string_view label) {
     if (auto result = console.shows(label); !result) return result;
     for (int step = 0; step < MENU_STEPS && !is_highlighted(console, label); ++step) {
-        const std::string before = highlights(console);
+        const Cells before = highlights(console);
         console.press(Key::down);
-        auto moved = console.wait_for([&] { return highlights(console) != before; }, "the highlight to move");
+        auto moved = console.wait_for([&] { return has_moved(console, before); }, "the highlight to move");
         if (!moved) return moved;
     }
     return console.wait_for([&] { return is_highlighted(console, label); },
@@ -137,11 +155,10 @@ testing::AssertionResult stands_at(Terminal& console, std::string_view title, in
                                        ", column " + std::to_string(col));
 }
 
-testing::AssertionResult left_restored(Terminal& console, const termios& before, int code) {
+testing::AssertionResult left_restored(Terminal& console, int code) {
     if (auto result = console.exits_with(code); !result) return result;
     if (console.alternate_screen()) return testing::AssertionFailure() << "on the alternate screen";
     if (!console.cursor_visible()) return testing::AssertionFailure() << "the cursor is hidden";
-    if (!Terminal::same_settings(before, console.settings()))
-        return testing::AssertionFailure() << "the line settings changed";
+    if (console.settings_changed()) return testing::AssertionFailure() << "the line settings changed";
     return testing::AssertionSuccess();
 }

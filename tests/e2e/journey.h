@@ -38,4 +38,4 @@ void report_reading(Process& counter, double concentration);
 [[nodiscard]] std::optional<Terminal::Place> corner(const Terminal& console, std::string_view title);
 [[nodiscard]] testing::AssertionResult stands_at(Terminal& console, std::string_view title, int row, int col);
 // The program has ended with `code` and left its terminal as it found it.
-[[nodiscard]] testing::AssertionResult left_restored(Terminal& console, const termios& before, int code = 0);
+[[nodiscard]] testing::AssertionResult left_restored(Terminal& console, int code = 0);

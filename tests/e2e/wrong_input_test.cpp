@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <random>
+#include <sstream>
 
 #include "journey.h"
 #include "libvesk/frame.h"
@@ -52,8 +53,7 @@ TEST(WrongArguments, NoServerOrWrongHostFailsWithTheTextAndStatusOne) {
 
 TEST(WrongArguments, TheTerminalIsNotTouchedWithoutAServer) {
     Terminal console(console_command({}));
-    const termios before = console.settings();
-    EXPECT_TRUE(left_restored(console, before, 1));
+    EXPECT_TRUE(left_restored(console, 1));
     EXPECT_TRUE(console.find("*** Failed to connect to server"));
 }
 
@@ -61,8 +61,7 @@ TEST(WrongArguments, UnknownTerminalSaysSoAndExitsWithTwo) {
     Station station;
     for (const char* term : {"no-such-terminal", ""}) {
         auto console = station.console({.arguments = {}, .size = {}, .term = term});
-        const termios before = console->settings();
-        EXPECT_TRUE(left_restored(*console, before, 2));
+        EXPECT_TRUE(left_restored(*console, 2));
         EXPECT_NE(console->text().find("erminal"), std::string::npos) << console->text();
     }
 }
@@ -91,7 +90,10 @@ TEST(WrongSettings, BrokenLineIsReportedAndKeptAndTheRestIsRead) {
     ASSERT_TRUE(console->hides("line 3"));
     ASSERT_TRUE(choose_from_menu(*console, "Save configuration"));
     ASSERT_TRUE(console->hides("Quit"));
-    EXPECT_EQ(read_file(station.settings_file()).find(HALF_BROKEN), 0) << read_file(station.settings_file());
+    const std::string saved = read_file(station.settings_file());
+    std::istringstream lines(HALF_BROKEN);
+    for (std::string line; std::getline(lines, line);)
+        EXPECT_NE(("\n" + saved).find("\n" + line + "\n"), std::string::npos) << line << "\nin\n" << saved;
 }
 
 // A folder in the file's place can be neither read nor written, not even by root.

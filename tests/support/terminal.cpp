@@ -6,6 +6,7 @@
 #include <pty.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 #include <utmp.h>
 #include <vterm.h>
@@ -81,7 +82,8 @@ void use_palette(VTermState* state) {
 struct Terminal::Impl {
     pid_t pid = -1;
     int master = -1;
-    int line = -1;  // the terminal's other side, held so that its settings outlive the program
+    int line = -1;    // the terminal's other side, held so that its settings outlive the program
+    termios found{};  // its settings before the program ran
     TerminalSize size;
     VTerm* vt = nullptr;
     VTermScreen* screen = nullptr;
@@ -91,6 +93,7 @@ struct Terminal::Impl {
 
     void start(const Command& command);
     void pump(int milliseconds);
+    void take_the_rest();
     void write(std::string_view bytes) const;
     std::string row(int y) const;
     static int on_property(VTermProp prop, VTermValue* value, void* self);
@@ -102,6 +105,7 @@ void Terminal::Impl::start(const Command& command) {
     if (openpty(&master, &line, nullptr, nullptr, &w) != 0) throw std::runtime_error("openpty failed");
     fcntl(master, F_SETFD, FD_CLOEXEC);
     fcntl(line, F_SETFD, FD_CLOEXEC);
+    tcgetattr(line, &found);
     pid = fork();
     if (pid < 0) throw std::runtime_error("fork failed");
     if (pid == 0) {
@@ -118,6 +122,22 @@ void Terminal::Impl::pump(int milliseconds) {
     std::array<char, 65536> bytes{};
     const ssize_t n = read(master, bytes.data(), bytes.size());
     if (n > 0) vterm_input_write(vt, bytes.data(), static_cast<std::size_t>(n));
+}
+
+// After the program's end: takes what is still on its way. What the test itself writes to the line comes out
+// behind all of it.
+void Terminal::Impl::take_the_rest() {
+    static constexpr std::string_view MARK = "<the test has seen it end>";
+    if (line < 0 || ::write(line, MARK.data(), MARK.size()) != static_cast<ssize_t>(MARK.size())) return;
+    std::string rest;
+    std::array<char, 4096> bytes{};
+    for (const Deadline deadline(PATIENCE); !rest.ends_with(MARK) && !deadline.passed();) {
+        pollfd fd{master, POLLIN, 0};
+        const ssize_t n = poll(&fd, 1, deadline.left()) > 0 ? read(master, bytes.data(), bytes.size()) : 0;
+        if (n > 0) rest.append(bytes.data(), static_cast<std::size_t>(n));
+    }
+    if (rest.ends_with(MARK)) rest.resize(rest.size() - MARK.size());
+    vterm_input_write(vt, rest.data(), rest.size());
 }
 
 void Terminal::Impl::write(std::string_view bytes) const {
@@ -258,11 +278,8 @@ testing::AssertionResult Terminal::never_shows(std::string_view text) {
 
 std::optional<int> Terminal::wait_exit(std::chrono::milliseconds wait) {
     if (impl_->exit) return impl_->exit;
-    const bool connected = impl_->master >= 0;
     impl_->exit = reap(impl_->pid, Deadline(wait), [&] { impl_->pump(5); });
-    // What it wrote last is still on the line.
-    for (int left = 0; connected && ioctl(impl_->master, FIONREAD, &left) == 0 && left > 0;)
-        impl_->pump(0);
+    if (impl_->exit) impl_->take_the_rest();
     return impl_->exit;
 }
 
@@ -324,13 +341,10 @@ bool Terminal::cursor_visible() const {
     return impl_->cursor;
 }
 
-termios Terminal::settings() const {
-    termios result{};
-    tcgetattr(impl_->line, &result);
-    return result;
-}
-
-bool Terminal::same_settings(const termios& a, const termios& b) {
-    return a.c_iflag == b.c_iflag && a.c_oflag == b.c_oflag && a.c_cflag == b.c_cflag &&
-           a.c_lflag == b.c_lflag && std::memcmp(a.c_cc, b.c_cc, sizeof a.c_cc) == 0;
+bool Terminal::settings_changed() const {
+    const termios& a = impl_->found;
+    termios b{};
+    tcgetattr(impl_->line, &b);
+    return a.c_iflag != b.c_iflag || a.c_oflag != b.c_oflag || a.c_cflag != b.c_cflag ||
+           a.c_lflag != b.c_lflag || std::memcmp(a.c_cc, b.c_cc, sizeof a.c_cc) != 0;
 }

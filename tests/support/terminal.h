@@ -4,7 +4,6 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <termios.h>
 
 #include <chrono>
 #include <cstdint>
@@ -85,11 +84,11 @@ class Terminal {
     // Where the text first stands, in columns.
     [[nodiscard]] std::optional<Place> find(std::string_view text) const;
 
-    // How the terminal was left: on the alternate screen, the cursor visible, and the line settings.
+    // How the terminal is: on the alternate screen, the cursor visible, and its line settings others than the
+    // program found.
     [[nodiscard]] bool alternate_screen() const;
     [[nodiscard]] bool cursor_visible() const;
-    [[nodiscard]] termios settings() const;
-    [[nodiscard]] static bool same_settings(const termios& a, const termios& b);
+    [[nodiscard]] bool settings_changed() const;
 
     // The screen as an SVG picture with `title` in a window bar.
     [[nodiscard]] std::string svg(std::string_view title) const;

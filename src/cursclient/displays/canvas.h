@@ -49,6 +49,14 @@ class CANVAS {
             put(row, col, format, static_cast<double>(value(i++)));
     }
 
+    // The text that put would write, for a place that depends on its length; lives until the next of these.
+    template <class... Args>
+    [[nodiscard]] std::string_view formatted(SFMT_altformat<std::type_identity_t<Args>...> format,
+                                             Args... args) const {
+        SFMT_altprintf(sbfr_, format, args...);
+        return SFMT_get_buffer(sbfr_);
+    }
+
     // Text as it stands; the buffer keeps what it holds.
     void text(int row, int col, std::string_view text) const;
     void text_centered(int row, std::string_view text) const;

@@ -93,6 +93,11 @@ struct INSTDISP_clock {
 };
 [[nodiscard]] INSTDISP_clock INSTDISP_time(FTIME t);
 
+// Coefficients travel in 1/m and are read in 1/Mm; the missing value stays missing.
+[[nodiscard]] constexpr double INSTDISP_per_Mm(double per_m) {
+    return VESK_scaled(per_m, 1e6);
+}
+
 // Display modes of kinds with instantaneous data (0), running average (1) and last average (2).
 [[nodiscard]] int INSTDISP_next_mode(int mode);  // 0, 1, 2, 0; any other number becomes 0
 // "D Displaying instantanous data" and so on, for the key 'D'.

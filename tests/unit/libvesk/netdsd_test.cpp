@@ -55,10 +55,10 @@ namespace {
 
 // A member left out, one listed twice or in the wrong place does not compile as a record.
 using inner = NETDSD_traits<TEST_Inner>;
-static_assert(netdsd_detail::covers(inner::fields.data(), 3, 20));
-static_assert(!netdsd_detail::covers(inner::fields.data(), 2, 20));
-static_assert(!netdsd_detail::covers(inner::fields.data() + 1, 2, 20));
-static_assert(!netdsd_detail::covers(inner::fields.data(), 3, 24));
+static_assert(netdsd_detail::covers(inner::fields.data(), 3, 20, 4));
+static_assert(!netdsd_detail::covers(inner::fields.data(), 2, 20, 4));
+static_assert(!netdsd_detail::covers(inner::fields.data() + 1, 2, 20, 4));
+static_assert(!netdsd_detail::covers(inner::fields.data(), 3, 24, 4));
 
 struct expected_field {
     const char* name;

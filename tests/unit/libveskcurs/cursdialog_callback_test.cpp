@@ -21,7 +21,7 @@ void log_cleanup(void* tag) {
     log_tag("cleanup", tag);
 }
 
-class Callbacks : public DialogTest {
+class DialogCallbacks : public DialogTest {
   protected:
     static CURSDIALOG_type* open_logging(const char* tag, CURSDIALOG_closed_cb closed = log_closed) {
         return open(tag, 0, tag, closed, log_cleanup);
@@ -32,7 +32,7 @@ class Callbacks : public DialogTest {
     }
 };
 
-TEST_F(Callbacks, UserDataIsACopy) {
+TEST_F(DialogCallbacks, UserDataIsACopy) {
     struct Record {
         double number;
         char text[8];
@@ -66,7 +66,7 @@ TEST_F(Callbacks, UserDataIsACopy) {
     EXPECT_THAT(g_log, ElementsAre("pressed", "bare"));
 }
 
-TEST_F(Callbacks, ClosedAndCleanupRunOnceForEveryWayToClose) {
+TEST_F(DialogCallbacks, ClosedAndCleanupRunOnceForEveryWayToClose) {
     struct Way {
         const char* what;
         void (*close)(CURSDIALOG_type*);
@@ -95,7 +95,7 @@ TEST_F(Callbacks, ClosedAndCleanupRunOnceForEveryWayToClose) {
     }
 }
 
-TEST_F(Callbacks, ButtonThatClosesItsOwnDialogTwiceAndOpensAnother) {
+TEST_F(DialogCallbacks, ButtonThatClosesItsOwnDialogTwiceAndOpensAnother) {
     add(open_logging("own"),
         [](CURSDIALOG_type* dlg, void* data, CURSDIALOG_widget* wd, void*, CURSDIALOG_button_action* act) {
             CURSDIALOG_close(dlg);
@@ -114,7 +114,7 @@ TEST_F(Callbacks, ButtonThatClosesItsOwnDialogTwiceAndOpensAnother) {
     EXPECT_FALSE(CURSDIALOG_active());
 }
 
-TEST_F(Callbacks, ButtonThatOpensADialogLeavesItsOwnBelow) {
+TEST_F(DialogCallbacks, ButtonThatOpensADialogLeavesItsOwnBelow) {
     add(open_logging("lower"),
         [](CURSDIALOG_type*, void*, CURSDIALOG_widget*, void*, CURSDIALOG_button_action*) {
             for (int i = 0; i < 20; ++i)
@@ -128,7 +128,7 @@ TEST_F(Callbacks, ButtonThatOpensADialogLeavesItsOwnBelow) {
 }
 
 // As a dialog does that closes the one it opened, whose closed callback writes to the first one's record.
-TEST_F(Callbacks, ClosedCallbackMayCloseAnother) {
+TEST_F(DialogCallbacks, ClosedCallbackMayCloseAnother) {
     g_other = open(
         "child", 0, "child",
         [](CURSDIALOG_type*, void* tag) {
@@ -146,7 +146,7 @@ TEST_F(Callbacks, ClosedCallbackMayCloseAnother) {
     EXPECT_FALSE(CURSDIALOG_active());
 }
 
-TEST_F(Callbacks, ButtonOfAChildMayCloseItsParent) {
+TEST_F(DialogCallbacks, ButtonOfAChildMayCloseItsParent) {
     g_other = open_logging("parent");
     add(open_logging("child"),
         [](CURSDIALOG_type*, void* tag, CURSDIALOG_widget*, void*, CURSDIALOG_button_action* act) {
@@ -159,7 +159,7 @@ TEST_F(Callbacks, ButtonOfAChildMayCloseItsParent) {
                                    "cleanup parent"));
 }
 
-TEST_F(Callbacks, ClosedCallbackMayOpenANewDialog) {
+TEST_F(DialogCallbacks, ClosedCallbackMayOpenANewDialog) {
     const auto reopen = [](CURSDIALOG_type* dlg, void* tag) {
         log_tag("closed", tag);
         EXPECT_FALSE(CURSDIALOG_active());
@@ -171,7 +171,7 @@ TEST_F(Callbacks, ClosedCallbackMayOpenANewDialog) {
     EXPECT_TRUE(focused("fresh"));
 }
 
-TEST_F(Callbacks, CleanupCallbackMayCloseAndOpen) {
+TEST_F(DialogCallbacks, CleanupCallbackMayCloseAndOpen) {
     g_other = open_logging("other");
     CURSDIALOG_close(open("first", 0, "first", log_closed, [](void* tag) {
         log_tag("cleanup", tag);
@@ -182,7 +182,7 @@ TEST_F(Callbacks, CleanupCallbackMayCloseAndOpen) {
     EXPECT_TRUE(CURSDIALOG_active());
 }
 
-TEST_F(Callbacks, VerifierMayCloseItsDialogInEveryWay) {
+TEST_F(DialogCallbacks, VerifierMayCloseItsDialogInEveryWay) {
     const CURSDIALOG_entry_verify_cb ways[] = {
         [](CURSDIALOG_type*, void*, CURSDIALOG_widget*, void*, char* str, CURSDIALOG_entry_action* act) {
             g_log.emplace_back(str);
@@ -211,7 +211,7 @@ TEST_F(Callbacks, VerifierMayCloseItsDialogInEveryWay) {
 }
 
 // What a verifier does to the focus holds: the key that committed does not move on from there.
-TEST_F(Callbacks, VerifierMayMoveTheFocusOrEditAgain) {
+TEST_F(DialogCallbacks, VerifierMayMoveTheFocusOrEditAgain) {
     static CURSDIALOG_widget* target;
     CURSDIALOG_type* dlg = open();
     entry(dlg, 1, "first ", "", 8,
@@ -228,7 +228,7 @@ TEST_F(Callbacks, VerifierMayMoveTheFocusOrEditAgain) {
     EXPECT_THAT(shown(), HasSubstr("first ex"));
 }
 
-TEST_F(Callbacks, EndOfTheToolkitClosesFromTheTopAndOpensNothing) {
+TEST_F(DialogCallbacks, EndOfTheToolkitClosesFromTheTopAndOpensNothing) {
     open_logging("lower");
     open_logging("middle", [](CURSDIALOG_type*, void* tag) {
         log_tag("closed", tag);

@@ -14,7 +14,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-using Dialog = DialogTest;
+using DialogView = DialogTest;
 
 // The rows of the screen between the dialog's borders, and the borders themselves.
 std::vector<std::string> rows_of_dialog(const std::string& screen) {
@@ -27,7 +27,7 @@ std::vector<std::string> rows_of_dialog(const std::string& screen) {
     return rows;
 }
 
-TEST_F(Dialog, IsFramedCentredAndDrawnInItsAttributes) {
+TEST_F(DialogView, IsFramedCentredAndDrawnInItsAttributes) {
     CURSDIALOG_type* dlg = open("Disk operations");
     button(dlg, 1, 1, "Flush buffers");
     button(dlg, 1, 2, "Start new files");
@@ -50,7 +50,7 @@ TEST_F(Dialog, IsFramedCentredAndDrawnInItsAttributes) {
     EXPECT_FALSE(focused("Cancel"));
 }
 
-TEST_F(Dialog, GivenWidthCountsInteriorColumns) {
+TEST_F(DialogView, GivenWidthCountsInteriorColumns) {
     CURSDIALOG_type* dlg = open("A title that is far too long for this", 20);
     button(dlg, 1, 1, "OK", 0, CURSDIALOG_STYLE_ROW, 10);
     button(dlg, 11, 1, "Cancel", 0, CURSDIALOG_STYLE_ROW, 10);
@@ -59,7 +59,7 @@ TEST_F(Dialog, GivenWidthCountsInteriorColumns) {
                                                      "+--------------------+"));
 }
 
-TEST_F(Dialog, WidgetsAreCutToTheirWidth) {
+TEST_F(DialogView, WidgetsAreCutToTheirWidth) {
     CURSDIALOG_type* dlg = open("");
     button(dlg, 1, 1, "a long label", 0, CURSDIALOG_STYLE_MENU, 6);
     button(dlg, 8, 1, "b", 0, CURSDIALOG_STYLE_MENU, 6);
@@ -73,13 +73,13 @@ TEST_F(Dialog, WidgetsAreCutToTheirWidth) {
                                                      "+-------------+"));
 }
 
-TEST_F(Dialog, TextFromOutsideCannotReachTheTerminalRaw) {
+TEST_F(DialogView, TextFromOutsideCannotReachTheTerminalRaw) {
     CURSDIALOG_type* dlg = open("t\x1b[2J");
     button(dlg, 1, 1, "\x9b\nx\xC3\xA9y");
     EXPECT_THAT(rows_of_dialog(shown()), ElementsAre("+ t [2J +", "|  x  y |", "+-------+"));
 }
 
-TEST_F(Dialog, HotKeysShowInTheirLabels) {
+TEST_F(DialogView, HotKeysShowInTheirLabels) {
     CURSDIALOG_type* dlg = open();
     button(dlg, 1, 1, "first");
     button(dlg, 1, 2, "1 Hide window", '1');
@@ -96,7 +96,7 @@ TEST_F(Dialog, HotKeysShowInTheirLabels) {
     EXPECT_FALSE(is_hot(find("no such")));
 }
 
-TEST_F(Dialog, FocusShowsWithoutColors) {
+TEST_F(DialogView, FocusShowsWithoutColors) {
     CURSDIALOG_cleanup();
     for (const char* term : {"vt100", "xterm-256color"}) {
         TestScreen plain(24, 80, term);
@@ -113,7 +113,7 @@ TEST_F(Dialog, FocusShowsWithoutColors) {
     }
 }
 
-TEST_F(Dialog, NewLabelsMakeItGrow) {
+TEST_F(DialogView, NewLabelsMakeItGrow) {
     CURSDIALOG_type* dlg = open("");
     CURSDIALOG_widget* wd = button(dlg, 1, 1, "Method: A");
     shown();
@@ -126,7 +126,7 @@ TEST_F(Dialog, NewLabelsMakeItGrow) {
     EXPECT_STREQ(cut, "Method");
 }
 
-TEST_F(Dialog, StaysAboveWindowsThatAreRaised) {
+TEST_F(DialogView, StaysAboveWindowsThatAreRaised) {
     WINDOW* win = newwin(24, 80, 0, 0);
     PANEL* pan = new_panel(win);
     button(open(), 1, 1, "below");
@@ -147,9 +147,9 @@ TEST_F(Dialog, StaysAboveWindowsThatAreRaised) {
 }
 
 // 200 menu entries in two columns of 100 rows on 24 lines.
-class LargeMenu : public DialogTest {
+class DialogMenu : public DialogTest {
   protected:
-    LargeMenu() {
+    DialogMenu() {
         dlg = open("");
         for (int i = 0; i < 200; ++i) {
             names.push_back("entry number " + std::to_string(i) + ".");
@@ -168,7 +168,7 @@ class LargeMenu : public DialogTest {
     CURSDIALOG_type* dlg;
 };
 
-TEST_F(LargeMenu, ScrollsSoThatTheFocusShows) {
+TEST_F(DialogMenu, ScrollsSoThatTheFocusShows) {
     EXPECT_EQ(focus(), 0);
     EXPECT_THAT(shown(), Not(HasSubstr("^")));
     EXPECT_THAT(TestScreen::screen_row(23), HasSubstr("v+"));
@@ -185,7 +185,7 @@ TEST_F(LargeMenu, ScrollsSoThatTheFocusShows) {
     EXPECT_EQ(focus(), 0);
 }
 
-TEST_F(LargeMenu, PagesWithinItsColumnAndCrossesColumns) {
+TEST_F(DialogMenu, PagesWithinItsColumnAndCrossesColumns) {
     press({KEY_NPAGE});
     EXPECT_EQ(focus(), 22);
     press({KEY_NPAGE, KEY_NPAGE, KEY_NPAGE, KEY_NPAGE});
@@ -200,7 +200,7 @@ TEST_F(LargeMenu, PagesWithinItsColumnAndCrossesColumns) {
     EXPECT_EQ(focus(), 77);
 }
 
-TEST_F(LargeMenu, ShowsWhatItCanOnAnyScreen) {
+TEST_F(DialogMenu, ShowsWhatItCanOnAnyScreen) {
     for (int i = 0; i < 150; ++i)
         press({CURSKEYS_TAB});
     for (const auto& [lines, cols] :
@@ -218,7 +218,7 @@ TEST_F(LargeMenu, ShowsWhatItCanOnAnyScreen) {
     }
 }
 
-TEST_F(Dialog, ResizedScreenKeepsItCentred) {
+TEST_F(DialogView, ResizedScreenKeepsItCentred) {
     CURSDIALOG_type* dlg = open("", 10);
     button(dlg, 1, 1, "OK");
     for (const auto& [lines, cols] : {std::pair(24, 80), {20, 30}, {50, 132}, {9, 15}}) {
@@ -230,7 +230,7 @@ TEST_F(Dialog, ResizedScreenKeepsItCentred) {
     }
 }
 
-TEST_F(Dialog, ContentsWiderThanTheScreenScrollSideways) {
+TEST_F(DialogView, ContentsWiderThanTheScreenScrollSideways) {
     screen.resize(10, 20);
     CURSDIALOG_type* dlg = open("");
     button(dlg, 1, 1, "left", 0, CURSDIALOG_STYLE_ROW, 15);
@@ -243,7 +243,7 @@ TEST_F(Dialog, ContentsWiderThanTheScreenScrollSideways) {
     EXPECT_THAT(rows_of_dialog(shown())[1], EndsWith("<    right    >|"));
 }
 
-TEST_F(Dialog, TextAboveAndBelowTheWidgetsCanBeRead) {
+TEST_F(DialogView, TextAboveAndBelowTheWidgetsCanBeRead) {
     screen.resize(8, 40);
     CURSDIALOG_type* dlg = open("");
     CURSDIALOG_add_label(dlg, 1, 1, 0, 0, "the heading");
@@ -260,7 +260,7 @@ TEST_F(Dialog, TextAboveAndBelowTheWidgetsCanBeRead) {
     EXPECT_THAT(shown(), HasSubstr("the heading"));
 }
 
-TEST_F(Dialog, WithoutWidgetsItScrollsAndCloses) {
+TEST_F(DialogView, WithoutWidgetsItScrollsAndCloses) {
     screen.resize(6, 40);
     CURSDIALOG_type* dlg = open("");
     for (int i = 1; i <= 9; ++i)
@@ -274,7 +274,7 @@ TEST_F(Dialog, WithoutWidgetsItScrollsAndCloses) {
     EXPECT_FALSE(CURSDIALOG_active());
 }
 
-TEST_F(Dialog, FocusMovesInOrderAndAlongRows) {
+TEST_F(DialogView, FocusMovesInOrderAndAlongRows) {
     CURSDIALOG_type* dlg = open();
     button(dlg, 1, 1, "alpha");
     CURSDIALOG_add_label(dlg, 1, 2, 0, 0, "a text");
@@ -301,7 +301,7 @@ TEST_F(Dialog, FocusMovesInOrderAndAlongRows) {
     expect({KEY_PPAGE}, "alpha");
 }
 
-TEST_F(Dialog, EnterAndSpacePressTheFocusedButton) {
+TEST_F(DialogView, EnterAndSpacePressTheFocusedButton) {
     CURSDIALOG_type* dlg = open();
     button(dlg, 1, 1, "one");
     CURSDIALOG_widget* two = button(dlg, 1, 2, "two");
@@ -311,7 +311,7 @@ TEST_F(Dialog, EnterAndSpacePressTheFocusedButton) {
     EXPECT_THAT(g_log, ElementsAre("one", "two", "two", "two"));
 }
 
-TEST_F(Dialog, HotKeysPressTheExactCharacterFirst) {
+TEST_F(DialogView, HotKeysPressTheExactCharacterFirst) {
     CURSDIALOG_type* dlg = open();
     button(dlg, 1, 1, "big A", 'A');
     button(dlg, 1, 2, "small a", 'a');
@@ -324,7 +324,7 @@ TEST_F(Dialog, HotKeysPressTheExactCharacterFirst) {
     EXPECT_TRUE(focused("accented")) << "the button that was pressed has the focus";
 }
 
-TEST_F(Dialog, ConsumesEveryKeyButAResize) {
+TEST_F(DialogView, ConsumesEveryKeyButAResize) {
     EXPECT_FALSE(CURSDIALOG_keypress('x'));
     button(open(), 1, 1, "mine", 'm');
     press({'x', CURSKEYS_ALT + 'm', 0xED, KEY_F(1), 0, CURSKEYS_CTRL_D, KEY_MOUSE});
@@ -334,7 +334,7 @@ TEST_F(Dialog, ConsumesEveryKeyButAResize) {
     EXPECT_FALSE(CURSDIALOG_keypress(CURSKEYS_ESCAPE));
 }
 
-TEST_F(Dialog, NullAndForeignArgumentsAreIgnored) {
+TEST_F(DialogView, NullAndForeignArgumentsAreIgnored) {
     CURSDIALOG_type* dlg = open(nullptr);
     CURSDIALOG_type* other = open();
     CURSDIALOG_widget* wd = CURSDIALOG_add_button(dlg, -5, 0, -1, 77, 0, nullptr, nullptr, nullptr, 0);

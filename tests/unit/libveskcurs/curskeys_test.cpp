@@ -128,6 +128,26 @@ TEST_F(KeyReader, EscapeAndCharacterInTwoPassesAreTwoKeys) {
     EXPECT_THAT(read_keys(), ElementsAre('m'));
 }
 
+// On a slow line the rest of a sequence comes while the reader is waiting for it.
+TEST_F(KeyReader, SequencesArriveInPieces) {
+    static TestScreen* line;
+    static std::string rest;
+    line = &screen;
+    for (const std::string sequence : {"\x1b[1;5~", "\x1b[99~", "\x1bO5P", "\x1b[Z", "\xE2\x82\xAC"}) {
+        rest = sequence.substr(2);
+        g_keys.clear();
+        screen.type(sequence.substr(0, 2));
+        EXPECT_TRUE(CURSKEYS_handle_keys(
+            [](int) {
+                line->type(rest.substr(0, 1));
+                rest.erase(0, 1);
+            },
+            [](int key) { g_keys.push_back(key); }));
+        EXPECT_EQ(g_keys, sequence == "\x1b[Z" ? std::vector<int>{CURSKEYS_BTAB} : std::vector<int>{})
+            << sequence;
+    }
+}
+
 TEST_F(KeyReader, ResizeIsPassedToBoth) {
     EXPECT_THAT(read_keys(), IsEmpty());
     screen.resize(20, 60);

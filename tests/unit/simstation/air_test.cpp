@@ -72,8 +72,6 @@ TEST(Curves, HandComputed) {
 
 TEST(Air, StaysInRangeAndVariesOverADay) {
     SIM_air air(5);
-    SIM_stats number;
-    SIM_stats log_number;
     double most = 0;
     double least = 1e9;
     for (int t = 0; t < 86400; ++t) {

@@ -67,6 +67,17 @@ TEST(Cpc, AveragesAreThoseOfTheReadingsSent) {
     expect_averages_of_readings(NAMES(Pulse, PULSE, "cpc_pulse"));
 }
 
+TEST(Cpc, AnotherSeedIsAnotherDay) {
+    SimProbe::Options options;
+    options.settings.seed = 2;
+    SimProbe one("cpc_3703");
+    SimProbe two("cpc_3703", options);
+    one.run(60);
+    two.run(60);
+    EXPECT_NE(+one.last<NET_CPC_3703_Instant>(MSG_CPC_3703_INSTANT).running.concentration,
+              +two.last<NET_CPC_3703_Instant>(MSG_CPC_3703_INSTANT).running.concentration);
+}
+
 TEST(Cpc, BlocksHaveTheLengthAskedFor) {
     SimProbe::Options options;
     options.settings.average_seconds = 10;

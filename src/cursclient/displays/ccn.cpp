@@ -1,0 +1,213 @@
+// The DMT cloud condensation nuclei counter: 21 sizes of activated droplets, the state of its column, and the
+// commands that set the temperature difference along it and calibrate.
+#include <cstdlib>
+
+#include "cursclient/displays/sizer.h"
+#include "libvesk/records/ccn.h"
+#include "libvesk/util.h"
+
+namespace {
+
+constexpr SIZER_graph GRAPHS[] = {{"cum N(D)", "*~5.1f"}, {"dN", "*~5.1f"}};
+constexpr SIZER_column COLUMNS[] = {
+    {1, "     D", "  (nm)", "*~4.1f"},
+    {9, "     dN", "(cm^-3)", "*~5.1f"},
+    {20, "cum N(D)", " (cm^-3)", " *~5.1f"},
+};
+
+struct CCN_prv_data : SIZER_optical<NET_CCN_BINS, NET_CCN_Avg, NET_CCN_Instant, NET_CCN_Status> {
+    NET_CCN_Scanning scanning;
+    NET_CCN_DMTModelResults dmtmodel;
+    double sp_set;  // set point and cycles being edited
+    int cal_cycles;
+
+    static constexpr SIZER_row ROW{.cols = 41,
+                                   .rows = 23,
+                                   .bar_col = 8,
+                                   .bar_width = 1,
+                                   .label_row = 21,
+                                   .labels = 5,
+                                   .x_format = "*~.0f",
+                                   .graphs = GRAPHS,
+                                   .graph_keys = "N",
+                                   .table_row = 2,
+                                   .bins_per_page = 16,
+                                   .last_page = 1,
+                                   .columns = COLUMNS};
+
+    void housekeeping(const CANVAS& d) const;
+};
+
+// The diameter axis is fixed: nothing announces it.
+void reset(CCN_prv_data* pd) {
+    pd->clear();
+    pd->D.fill([](std::size_t i) { return static_cast<double>(i) / NET_CCN_BINS * 10 + 0.5; });
+    pd->sp_set = VESK_MISSING;
+    pd->cal_cycles = 1;
+}
+
+// ---- housekeeping
+
+// Time of day, or nothing for a time that is none.
+std::string CCN_nexttime(FTIME t) {
+    return t == VESK_NO_TIME || VESK_is_missing(t) ? "" : INSTDISP_time(t).c_str();
+}
+
+void draw_calibration(const CCN_prv_data* pd, const CANVAS& d) {
+    static constexpr int ROW = 21;
+    const NET_CCN_Scanning& scanning = pd->scanning;
+    if (pd->status.in_calibration)
+        d.put(ROW, 1, "RUNNING CALIBRATION");
+    else if (scanning.enabled && !VESK_is_missing(scanning.time_next))
+        d.put(ROW, 1, "Next dT SP:           *~2.2f @ %s", scanning.next,
+              CCN_nexttime(scanning.time_next).c_str());
+    else
+        d.put(ROW, 1, "Next dT SP:         NONE");
+}
+
+// `r` is an average or the instantaneous data: they name their values alike.
+template <class Values>
+void draw_values(const CCN_prv_data* pd, const CANVAS& d, const Values& r, double stddev) {
+    d.put(2, 1, "N ccn (1/cc):      *~5.1f", r.cnc);
+    d.put(3, 1, "SS Set/Calc (%%):      *~2.3f/*~-2.3f", r.ss_setting, pd->dmtmodel.ss_calc);
+    d.put(4, 1, "dT Set/Calc (C):       *~2.2f/*~-2.2f", pd->scanning.last, VESK_difference(r.T3, r.T1));
+    d.put(5, 1, "T stable CALC/rep:     %s,%s", r.stable_flag & NET_CCN_UNSTABLE_CALC ? "N" : "Y",
+          r.stable_flag & NET_CCN_UNSTABLE_REPORTED ? "n" : "y");
+    d.put(6, 1, "StdDev T3-T1(C):      *~2.3f", stddev);
+    d.put(7, 1, "Bin # (N ccn):        %2d", r.bin_number);
+    d.put(8, 1, "T Sample (C):        *~3.1f", r.T_sample);
+    d.put(9, 1, "T Inlet (C):         *~3.1f", r.T_inlet);
+    d.put(10, 1, "T TEC1 (C):          *~3.1f", r.T1);
+    d.put(11, 1, "T TEC2 (C):          *~3.1f", r.T2);
+    d.put(12, 1, "T TEC3 (C):          *~3.1f", r.T3);
+    d.put(13, 1, "T OPC (C):           *~3.1f", r.T_OPC);
+    d.put(14, 1, "T Nafion (C):        *~3.1f", r.T_nafion);
+    d.put(15, 1, "Q Sample (ccm):      *~3.1f", r.Q_sample);
+    d.put(16, 1, "Q Sheath (ccm):      *~3.1f", r.Q_sheath);
+    d.put(17, 1, "P Sample (hPa):     *~4.1f", r.P_sample);
+    d.put(18, 1, "Laser current (mA): *~4.1f", r.I_laser);
+    d.put(19, 1, "First stage monitor:  *~2.2f", r.V_fsm);
+    d.put(20, 1, "dT OPC/Nafion (C): *~ 4.1f/*~- 4.1f", VESK_difference(r.T_OPC, r.T3),
+          VESK_difference(r.T_nafion, r.T_inlet));
+}
+
+void CCN_prv_data::housekeeping(const CANVAS& d) const {
+    d.center(1, "Housekeeping - %s", data_set());
+    if (am == SIZER_AM_AVG)
+        draw_values(this, d, avg, avg.dT_T3_T1_stddev);
+    else if (am == SIZER_AM_RUNNING)
+        draw_values(this, d, instant.running, instant.running.dT_T3_T1_stddev);
+    else
+        draw_values(this, d, instant, instant.running.dT_T3_T1_stddev);
+    draw_calibration(this, d);
+}
+
+// ---- commands
+
+constexpr int MAX_ENTRY = 10;
+constexpr int BUTTON_ROW = 3;
+constexpr int BUTTON_WIDTH = 18;
+
+// One entry of a dialog: the numeric limits, and whose value it is.
+struct entry_param {
+    CURSDIALOG_DEFAULT_entry_numeric_param limits;
+    DWORD uid;
+};
+
+CCN_prv_data* display_of_entry(void* wd_user_data) {
+    return COMMAND_display<CCN_prv_data>(static_cast<const entry_param*>(wd_user_data)->uid);
+}
+CCN_prv_data* display_of_dialog(void* dlg_user_data) {
+    return COMMAND_display<CCN_prv_data>(*static_cast<DWORD*>(dlg_user_data));
+}
+
+std::string scanning_label(const CCN_prv_data* pd) {
+    return pd->scanning.enabled ? "2 Disable setpoint scanning" : "2 Enable setpoint scanning";
+}
+
+void toggle_scanning(CCN_prv_data* pd, DWORD /*uid*/) {
+    COMMAND_send(
+        pd, MSG_CCN_SET_SCANNING,
+        NET_CCN_ScanningControl{.sp = VESK_MISSING, .enable = !pd->scanning.enabled, .set_enable = TRUE});
+}
+
+void setpoint_accepted(CURSDIALOG_type*, void*, CURSDIALOG_widget*, void* wd_user_data, char* str,
+                       CURSDIALOG_entry_action*) {
+    if (CCN_prv_data* pd = display_of_entry(wd_user_data)) pd->sp_set = UTIL_atofv(str);
+}
+
+void apply_setpoint(CURSDIALOG_type*, void* dlg_user_data, CURSDIALOG_widget*, void*,
+                    CURSDIALOG_button_action* act) {
+    act->close_dialog = TRUE;
+    const CCN_prv_data* pd = display_of_dialog(dlg_user_data);
+    if (pd == nullptr || VESK_is_missing(pd->sp_set) || pd->sp_set == pd->scanning.last) return;
+    COMMAND_send(pd, MSG_CCN_SET_SCANNING,
+                 NET_CCN_ScanningControl{.sp = pd->sp_set, .enable = TRUE, .set_enable = FALSE});
+}
+
+void change_setpoint(CCN_prv_data* pd, DWORD uid) {
+    pd->sp_set = pd->scanning.last;
+    CURSDIALOG_type* dlg = COMMAND_dialog("Change setpoint", uid);
+    if (dlg == nullptr) return;
+    SFMT_printf(&pd->sbfr, "%.2f", pd->sp_set);
+    const entry_param entry{{0.0, 99.99, "%.2f", setpoint_accepted}, uid};
+    COMMAND_number_entry(dlg, 1, "Setpoint: ", SFMT_get_buffer(&pd->sbfr), MAX_ENTRY, &entry.limits,
+                         sizeof entry);
+    COMMAND_ending(dlg, BUTTON_ROW, BUTTON_WIDTH, "Apply", apply_setpoint);
+}
+
+std::string calibration_label(const CCN_prv_data* pd) {
+    return pd->status.in_calibration ? "4 Stop calibration scans" : "4 Start calibration scans";
+}
+
+void cycles_accepted(CURSDIALOG_type*, void*, CURSDIALOG_widget*, void* wd_user_data, char* str,
+                     CURSDIALOG_entry_action*) {
+    if (CCN_prv_data* pd = display_of_entry(wd_user_data)) pd->cal_cycles = std::atoi(str);
+}
+
+void start_calibration(CURSDIALOG_type*, void* dlg_user_data, CURSDIALOG_widget*, void*,
+                       CURSDIALOG_button_action* act) {
+    act->close_dialog = TRUE;
+    const CCN_prv_data* pd = display_of_dialog(dlg_user_data);
+    if (pd == nullptr || pd->cal_cycles <= 0) return;
+    COMMAND_send(pd, MSG_CCN_START_CALIBRATION, NET_CCN_StartCalibration{pd->cal_cycles});
+}
+
+void change_calibration(CCN_prv_data* pd, DWORD uid) {
+    if (pd->status.in_calibration) {
+        COMMAND_send(pd, MSG_CCN_STOP_CALIBRATION);
+        return;
+    }
+    pd->cal_cycles = 1;
+    CURSDIALOG_type* dlg = COMMAND_dialog("Start Calibration", uid);
+    if (dlg == nullptr) return;
+    SFMT_printf(&pd->sbfr, "%d", pd->cal_cycles);
+    const entry_param entry{{0, 999, "%.0f", cycles_accepted}, uid};
+    COMMAND_number_entry(dlg, 1, "Cycles: ", SFMT_get_buffer(&pd->sbfr), MAX_ENTRY, &entry.limits,
+                         sizeof entry);
+    COMMAND_ending(dlg, BUTTON_ROW, BUTTON_WIDTH, "Start", start_calibration);
+}
+
+using store = INSTDISP_store<CCN_prv_data>;
+constexpr store STORES[] = {
+    store::into<&CCN_prv_data::instant>(MSG_CCN_INSTANT, SIZER_instant_stored),
+    store::into<&CCN_prv_data::avg>(MSG_CCN_AVERAGE, SIZER_average_stored),
+    store::into<&CCN_prv_data::status>(MSG_CCN_STATUS),
+    store::into<&CCN_prv_data::scanning>(MSG_CCN_SCANNING),
+    store::into<&CCN_prv_data::dmtmodel>(MSG_CCN_DMTMODELRESULTS),
+};
+constexpr auto& MODES = SIZER_OPTICAL_MENU<CCN_prv_data>;
+constexpr INSTDISP_menu_row<CCN_prv_data> MENU[] = {
+    {'2', nullptr, toggle_scanning, COMMAND_PASSWORD, scanning_label},
+    {'3', "3 Change dT setpoint", change_setpoint, COMMAND_PASSWORD},
+    {'4', nullptr, change_calibration, COMMAND_PASSWORD, calibration_label},
+    MODES[0],
+    MODES[1],
+    MODES[2],
+    MODES[3],
+};
+constexpr auto KIND = SIZER_kind(STORES, reset, SIZER_optical_key<CCN_prv_data>, MENU);
+
+}  // namespace
+
+INSTDISP_BINDINGS(CCN, ccn, KIND)

@@ -1,0 +1,336 @@
+// The three-wavelength photometer with eight sample spots: its seven views, what state it is in, and the
+// commands that change the filter, check it against a white one, advance the spot and switch the flow.
+#include "libvesk/records/clap3w.h"
+
+#include <iterator>
+
+#include "cursclient/displays/instdisp.h"
+
+namespace {
+
+enum CLAP3W_DISPLAY_MODE {
+    CLAP3W_DM_DEFAULT,
+    CLAP3W_DM_I,
+    CLAP3W_DM_Ig,
+    CLAP3W_DM_In,
+    CLAP3W_DM_Ing,
+    CLAP3W_DM_Irw,
+    CLAP3W_DM_Irz,
+    CLAP3W_DM_COUNT,
+};
+
+struct CLAP3W_prv_data : INSTDISP_head {
+    NET_CLAP3W_Avg avg;
+    NET_CLAP3W_Instant instant;
+    NET_CLAP3W_FilterStatus filter_status;
+    NET_CLAP3W_Status status;
+    CLAP3W_DISPLAY_MODE display_mode;
+    BOOL override_locks;       // the box in the flow dialog
+    std::int32_t seen_status;  // of the filter status before the present one
+};
+
+// ---- the status line
+
+// What may take a while, by state.
+constexpr const char* BUSY[] = {nullptr,
+                                "Waiting for spot stability...",
+                                "Changing filter...",
+                                "White filter check...",
+                                "Waiting for filter stability...",
+                                "Waiting for white filter stability..."};
+static_assert(std::size(BUSY) == NET_CLAP3W_WAIT_WHITE + 1);
+
+void draw_halted(const NET_CLAP3W_FilterStatus& filter, const CANVAS& d, int row) {
+    switch (filter.status) {
+        case NET_CLAP3W_FLOW_OFF:
+            return d.put(row, 1, "FLOW DISABLED ON SPOT %d", filter.active_spot);
+        case NET_CLAP3W_FLOW_OFF_PENDING:
+            return d.put(row, 1, "FLOW DISABLED WITH PENDING SPOT %d", filter.active_spot);
+        case NET_CLAP3W_CHANGE_REQUIRED:
+            return d.alarm().text(row, 1, "FILTER CHANGE REQUIRED");
+        case NET_CLAP3W_WHITE_REQUIRED:
+            return d.alarm().text(row, 1, "WHITE FILTER CHECK REQUIRED");
+        default:
+            return;
+    }
+}
+
+// FALSE when there is nothing to say, so that the row is free.
+BOOL CLAP3W_draw_status(const CLAP3W_prv_data* pd, const CANVAS& d, int row) {
+    const std::int32_t state = pd->filter_status.status;
+    if (d.no_comms(row, pd->status.have_comms)) return TRUE;
+    if (state == NET_CLAP3W_NORMAL) return FALSE;
+    if (state > NET_CLAP3W_NORMAL && state <= NET_CLAP3W_WAIT_WHITE)
+        d.text(row, 1, BUSY[state]);
+    else if (pd->instant.flags & NET_CLAP3W_FILTER_OR_LED)
+        d.fault().text_centered(row, "FILTER OR LED ERROR");
+    else
+        draw_halted(pd->filter_status, d, row);
+    return TRUE;
+}
+
+// ---- the views
+
+struct view {
+    CLAP3W_DISPLAY_MODE mode;
+    void (*draw)(const CLAP3W_prv_data* pd, const CANVAS& d, const view& v);
+    const char* menu_label;  // of the button that goes on to this view
+    const char* title = "";
+    const char* row_name = "";
+    SFMT_altformat<double> format = "*~2.7f";
+    std::size_t arrays[4] = {};  // where blue, green, red and dark begin in the instantaneous record
+};
+
+void draw_headings(const CANVAS& d, int row, std::span<const int> cols, const char* const* headings) {
+    for (const int col : cols)
+        d.text(row, col, *headings++);
+}
+
+void CLAP3W_display_default(const CLAP3W_prv_data* pd, const CANVAS& d, const view& /*v*/) {
+    static constexpr int COLS[] = {15, 27, 39};
+    static constexpr const char* HEADINGS[] = {"   Blue", "  Green", "    Red"};
+    const NET_CLAP3W_Instant& in = pd->instant;
+    draw_headings(d, 1, COLS, HEADINGS);
+    d.across(2, "Bap (1/Mm,1Hz):", COLS, "*~4.2f", [&](int i) { return INSTDISP_per_Mm(in.bap[i]); });
+    d.across(3, "Bap (1/Mm,avg):", COLS, "*~4.2f", [&](int i) { return INSTDISP_per_Mm(pd->avg.bap[i]); });
+    d.across(4, "Transmittance:", COLS, "*~4.7f", [&](int i) { return in.tr[i]; });
+    d.across(5, "I reference:", COLS, "   *~-9.0f", [&](int i) { return in.Iref[i]; });
+    d.across(6, "I sample:", COLS, "   *~-9.0f", [&](int i) { return in.Isam[i]; });
+    d.across(7, "I norm RSD:", COLS, "*~4.7f", [&](int i) { return in.Inormrsd[i]; });
+    d.field(8, 1, "Flow (slpm):", COLS[0], "*~4.2f", in.Q);
+    d.field(8, COLS[1], "   Volts:", COLS[2], "*~4.4f", in.VQ);
+    d.field(9, 1, "T (C):", COLS[0], "*~4.2f", in.T);
+    d.field(10, 1, "Tcase (C):", COLS[0], "*~4.2f", in.T_case);
+    d.field(11, 1, "Spot:", COLS[0], "%4d", in.spot_index);
+    d.field(12, 1, "Flags:", COLS[0], "%04X", in.flags);
+    CLAP3W_draw_status(pd, d, 13);
+}
+
+// One row of a view by spots: element `i` of each array.
+void draw_elements(const CLAP3W_prv_data* pd, const CANVAS& d, int row, std::string_view label,
+                   std::span<const int> cols, const view& v, int i) {
+    const char* const record = reinterpret_cast<const char*>(&pd->instant);
+    d.across(row, label, cols, v.format, [&](int color) {
+        return NETDSD_load<double>(record + v.arrays[color] + static_cast<std::size_t>(i) * sizeof(double));
+    });
+}
+
+// The rows of the sample spots from row `y` on, whose elements begin at `first`, and the last line below.
+void draw_spots(const CLAP3W_prv_data* pd, const CANVAS& d, int y, std::span<const int> cols, const view& v,
+                int first) {
+    for (int spot = 0; spot < NET_CLAP3W_SPOTS; ++spot) {
+        const std::string label = std::string(v.row_name) + " spot " + std::to_string(spot + 1) + ":";
+        draw_elements(pd, d, y + spot, label, cols, v, first + spot);
+    }
+    const int last = y + NET_CLAP3W_SPOTS;
+    if (!CLAP3W_draw_status(pd, d, last)) d.put(last, 1, "Spot: %1d", pd->instant.spot_index);
+}
+
+// All ten detectors, the two of the references first. The dark column shows as far as the window goes.
+void CLAP3W_display_I10(const CLAP3W_prv_data* pd, const CANVAS& d, const view& v) {
+    static constexpr int COLS[] = {13, 25, 37, 49};
+    static constexpr const char* HEADINGS[] = {"      Blue", "     Green", "       Red", "      Dark"};
+    d.rule(1, v.title);
+    draw_headings(d, 2, COLS, HEADINGS);
+    draw_elements(pd, d, 3, std::string(v.row_name) + " odd ref:", COLS, v, 0);
+    draw_elements(pd, d, 4, std::string(v.row_name) + " even ref:", COLS, v, 1);
+    draw_spots(pd, d, 5, COLS, v, 2);
+}
+
+void CLAP3W_display_In8(const CLAP3W_prv_data* pd, const CANVAS& d, const view& v) {
+    static constexpr int COLS[] = {15, 28, 41};
+    static constexpr const char* HEADINGS[] = {" Blue", " Green", " Red"};
+    d.rule(1, v.title);
+    draw_headings(d, 2, COLS, HEADINGS);
+    draw_spots(pd, d, 3, COLS, v, 0);
+}
+
+#define AT(member) offsetof(NET_CLAP3W_Instant, member)
+constexpr view VIEWS[] = {
+    {CLAP3W_DM_DEFAULT, CLAP3W_display_default, "D Standard display"},
+    {CLAP3W_DM_I,
+     CLAP3W_display_I10,
+     "D Display intensities",
+     "Raw Intensities",
+     "I",
+     "*~10.0f",
+     {AT(in.IB), AT(in.IG), AT(in.IR), AT(in.ID)}},
+    {CLAP3W_DM_Ig,
+     CLAP3W_display_I10,
+     "D Display intensity RSD",
+     "Raw Intensity RSD",
+     "Ig",
+     "*~2.7f",
+     {AT(IgB), AT(IgG), AT(IgR), AT(IgD)}},
+    {CLAP3W_DM_In,
+     CLAP3W_display_In8,
+     "D Display normalized intensities",
+     "Normalized Intensities",
+     "In",
+     "*~2.7f",
+     {AT(in.InB), AT(in.InG), AT(in.InR)}},
+    {CLAP3W_DM_Ing,
+     CLAP3W_display_In8,
+     "D Display normalized intensity RSD",
+     "Normalized Intensity RSD",
+     "Ing",
+     "*~2.7f",
+     {AT(IngB), AT(IngG), AT(IngR)}},
+    {CLAP3W_DM_Irw,
+     CLAP3W_display_In8,
+     "D Display white filter ratio",
+     "Intensity White Filter Ratio",
+     "Irw",
+     "*~2.7f",
+     {AT(IrwB), AT(IrwG), AT(IrwR)}},
+    {CLAP3W_DM_Irz,
+     CLAP3W_display_In8,
+     "D Display filter start ratio",
+     "Intensity Filter Start Ratio",
+     "Irz",
+     "*~2.7f",
+     {AT(IrzB), AT(IrzG), AT(IrzR)}},
+};
+#undef AT
+static_assert(std::size(VIEWS) == CLAP3W_DM_COUNT);
+static_assert([] {
+    for (std::size_t i = 0; i < std::size(VIEWS); ++i)
+        if (VIEWS[i].mode != static_cast<int>(i)) return false;
+    return true;
+}());
+
+CLAP3W_DISPLAY_MODE mode_after(CLAP3W_DISPLAY_MODE mode) {
+    return static_cast<CLAP3W_DISPLAY_MODE>((mode + 1) % CLAP3W_DM_COUNT);
+}
+
+void draw(CLAP3W_prv_data* pd, const CANVAS& d) {
+    const view& v = VIEWS[pd->display_mode];
+    v.draw(pd, d, v);
+}
+
+// ---- the commands
+
+// The filter is out of the instrument's hands: being changed, or replaced by a white one.
+BOOL filter_is_out(const CLAP3W_prv_data* pd) {
+    const std::int32_t state = pd->filter_status.status;
+    return state == NET_CLAP3W_CHANGING_FILTER || state == NET_CLAP3W_WHITE_CHECK;
+}
+
+// One message starts and ends a change, of whichever filter: the server keeps the state.
+void send_filter_change(CLAP3W_prv_data* pd, DWORD /*uid*/) {
+    COMMAND_send(pd, MSG_CLAP3W_FILTERCHANGE);
+}
+
+void confirm_end(DWORD uid) {
+    COMMAND_confirm("Have you finished changing the filter?", uid, send_filter_change);
+}
+
+void change_filter(CLAP3W_prv_data* pd, DWORD uid) {
+    if (filter_is_out(pd)) return confirm_end(uid);
+    send_filter_change(pd, uid);
+}
+
+// A check that began while the operator typed the password can only be ended.
+void check_white_filter(CLAP3W_prv_data* pd, DWORD uid) {
+    if (pd->filter_status.status == NET_CLAP3W_WHITE_CHECK) return confirm_end(uid);
+    COMMAND_send(pd, MSG_CLAP3W_WHITECHANGE);
+}
+
+void advance_spot(CLAP3W_prv_data* pd, DWORD /*uid*/) {
+    COMMAND_send(pd, MSG_CLAP3W_SPOTADVANCE);
+}
+
+void enable_flow(CLAP3W_prv_data* pd, DWORD /*uid*/) {
+    COMMAND_send(pd, pd->override_locks ? MSG_CLAP3W_FLOWOVERRIDE : MSG_CLAP3W_FLOW);
+}
+
+void disable_flow(CLAP3W_prv_data* pd, DWORD /*uid*/) {
+    COMMAND_send(pd, pd->override_locks ? MSG_CLAP3W_NOFLOWOVERRIDE : MSG_CLAP3W_NOFLOW);
+}
+
+constexpr const char* OVERRIDE_LOCKS = "Override locks";
+
+void toggle_override(CURSDIALOG_type* /*dlg*/, void* dlg_user_data, CURSDIALOG_widget* wd,
+                     void* /*wd_user_data*/, CURSDIALOG_button_action* /*act*/) {
+    auto* pd = COMMAND_display<CLAP3W_prv_data>(*static_cast<DWORD*>(dlg_user_data));
+    if (pd == nullptr) return;
+    pd->override_locks = !pd->override_locks;
+    CURSDIALOG_setlabel(wd, COMMAND_check_label(pd->override_locks, OVERRIDE_LOCKS).c_str());
+}
+
+void set_flow(CLAP3W_prv_data* pd, DWORD uid) {
+    static constexpr int LEFT = 1, RIGHT = 19, WIDTH = 18;
+    pd->override_locks = FALSE;
+    CURSDIALOG_type* dlg = COMMAND_dialog("Set Flow Status", uid);
+    CURSDIALOG_add_button(dlg, LEFT, 1, 0, CURSDIALOG_STYLE_LIST, 0,
+                          COMMAND_check_label(FALSE, OVERRIDE_LOCKS).c_str(), toggle_override, nullptr, 0);
+    COMMAND_button(dlg, {LEFT, 2, WIDTH, CURSDIALOG_STYLE_ROW}, 0, "Enable Flow", uid, enable_flow,
+                   COMMAND_FREE);
+    COMMAND_button(dlg, {RIGHT, 2, WIDTH, CURSDIALOG_STYLE_ROW}, 0, "Disable Flow", uid, disable_flow,
+                   COMMAND_FREE);
+    CURSDIALOG_widget* cancel = CURSDIALOG_add_button(dlg, RIGHT, 3, WIDTH, CURSDIALOG_STYLE_ROW, 0, "Cancel",
+                                                      CURSDIALOG_DEFAULT_button_close, nullptr, 0);
+    CURSDIALOG_force_widget_focus(dlg, cancel);
+}
+
+void next_mode(CLAP3W_prv_data* pd, DWORD /*uid*/) {
+    pd->display_mode = mode_after(pd->display_mode);
+}
+
+BOOL key_pressed(CLAP3W_prv_data* pd, DWORD uid, int key) {
+    if (key != 'D' && key != 'd') return FALSE;
+    next_mode(pd, uid);
+    return TRUE;
+}
+
+// ---- the menu
+
+std::string filter_label(const CLAP3W_prv_data* pd) {
+    if (pd->filter_status.status == NET_CLAP3W_CHANGING_FILTER) return "2 Stop filter change";
+    return filter_is_out(pd) ? "2 Stop white filter change" : "2 Start filter change";
+}
+
+std::string white_label(const CLAP3W_prv_data* pd) {
+    if (pd->filter_status.status == NET_CLAP3W_CHANGING_FILTER) return "3 Switch to white filter check";
+    return filter_is_out(pd) ? "" : "3 Start white filter check";
+}
+
+std::string advance_label(const CLAP3W_prv_data* pd) {
+    return filter_is_out(pd) ? "" : "4 Advance Spot";
+}
+
+std::string mode_label(const CLAP3W_prv_data* pd) {
+    return VIEWS[mode_after(pd->display_mode)].menu_label;
+}
+
+constexpr INSTDISP_menu_row<CLAP3W_prv_data> MENU[] = {
+    {'2', nullptr, change_filter, COMMAND_PASSWORD, filter_label},
+    {'3', nullptr, check_white_filter, COMMAND_PASSWORD, white_label},
+    {'4', nullptr, advance_spot, COMMAND_PASSWORD, advance_label},
+    {'5', "5 Set flow override", set_flow, COMMAND_PASSWORD},
+    {'D', nullptr, next_mode, COMMAND_FREE, mode_label},
+};
+
+// ---- the messages
+
+// What the instrument demands comes to the operator's eyes, once.
+void filter_status_stored(CLAP3W_prv_data* pd, FTIME /*curtime*/) {
+    const std::int32_t state = pd->filter_status.status;
+    const BOOL demands = state == NET_CLAP3W_CHANGE_REQUIRED || state == NET_CLAP3W_WHITE_REQUIRED;
+    if (demands && state != pd->seen_status) WINS_focus_window(pd->win);
+    pd->seen_status = state;
+}
+
+using store = INSTDISP_store<CLAP3W_prv_data>;
+constexpr store STORES[] = {
+    store::into<&CLAP3W_prv_data::avg>(MSG_CLAP3W_AVERAGE),
+    store::into<&CLAP3W_prv_data::instant>(MSG_CLAP3W_INSTANT),
+    store::into<&CLAP3W_prv_data::filter_status>(MSG_CLAP3W_FILTERSTATUS, filter_status_stored),
+    store::into<&CLAP3W_prv_data::status>(MSG_CLAP3W_STATUS),
+};
+constexpr INSTDISP_kind<CLAP3W_prv_data> KIND{
+    .cols = 52, .rows = 15, .stores = STORES, .draw = draw, .key = key_pressed, .menu = MENU};
+
+}  // namespace
+
+INSTDISP_BINDINGS(CLAP3W, clap3w, KIND)

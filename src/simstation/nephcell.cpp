@@ -1,0 +1,159 @@
+// What happens in the cell, second by second.
+#include "simstation/nephcell.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double PER_MM = 1e-6;  // 1/Mm in 1/m
+
+// Air at 550 nm: 12.26 /Mm (Bucholtz 1995, Appl. Opt. 34). The exponent holds within 0.5 % from 450 to 700
+// nm; it is more than 4 because the refractive index of air depends on the wavelength too.
+constexpr double RAYLEIGH_550 = 12.26 * PER_MM;
+constexpr double RAYLEIGH_EXPONENT = 4.08;
+
+// The pump renews the cell's air within seconds; a bottle's few litres per minute push it out more slowly.
+constexpr double PUMP_LAG = 9;     // seconds, at normal flow
+constexpr double BOTTLE_LAG = 30;  // seconds
+constexpr double LEAST_FLOW = 0.01;
+
+// How far a channel's calibration is off. A span check compares CO2 as a whole, whose larger part is above
+// what the zero takes away, so that it finds 0.6 of this.
+constexpr double GAIN_LOW = 0.012;
+constexpr double GAIN_HIGH = 0.044;
+
+struct channel_row {
+    double wall;         // light from the walls, 1/Mm
+    double noise;        // of one second, 1/Mm
+    double sensitivity;  // counts per second for 1/Mm
+    double calibrator;   // counts per second
+    double dark;         // counts per second
+};
+
+constexpr channel_row g_channels[SIM_NEPH_SIX] = {
+    {6.5, 0.25, 420, 21000, 12}, {8.0, 0.20, 400, 24000, 8}, {10.5, 0.25, 190, 11000, 55},
+    {4.0, 0.09, 400, 20000, 12}, {4.5, 0.07, 380, 23000, 8}, {6.0, 0.09, 180, 10500, 55},
+};
+constexpr double WALL_DRIFT = 0.25;  // 1/Mm
+constexpr double WALL_MEMORY = 4 * 3600;
+
+// Saturation pressure over water, hPa (Magnus, with the constants of Sonntag 1990).
+double saturation(double celsius) {
+    return 6.112 * std::exp(17.62 * celsius / (243.12 + celsius));
+}
+
+// The same air at another temperature.
+double humidity_at(double humidity, double from, double to) {
+    return std::clamp(humidity * saturation(from) / saturation(to), 0.0, 100.0);
+}
+
+}  // namespace
+
+double SIM_rayleigh(double nm) {
+    return RAYLEIGH_550 * std::pow(550 / nm, RAYLEIGH_EXPONENT);
+}
+
+SIM_neph_six SIM_neph_nothing() {
+    SIM_neph_six six;
+    six.fill(VESK_MISSING);
+    return six;
+}
+
+SIM_nephcell::SIM_nephcell(const SIM_neph_model& model) : backscatter(model.backscatter), m_model(model) {}
+
+SIM_nephcell::wall_drift::wall_drift() : SIM_drift(WALL_DRIFT, WALL_MEMORY) {}
+
+BOOL SIM_nephcell::has(std::size_t i) const {
+    return m_model.nm[i % 3] > 0 && (i < 3 || backscatter);
+}
+
+SIM_neph_six SIM_nephcell::rayleigh() const {
+    SIM_neph_six six = SIM_neph_nothing();
+    for (std::size_t i = 0; i < SIM_NEPH_SIX; ++i) {
+        // Gas scatters as much backward as forward.
+        if (has(i)) six[i] = SIM_rayleigh(m_model.nm[i % 3]) / (i < 3 ? 1 : 2);
+    }
+    return six;
+}
+
+void SIM_nephcell::start(SIM_instrument& sim) {
+    acclimatise(sim);
+    for (std::size_t i = 0; i < SIM_NEPH_SIX; ++i) {
+        const double off = sim.noise().uniform(GAIN_LOW, GAIN_HIGH);
+        m_gain[i] = sim.noise().chance(0.5) ? 1 + off : 1 - off;
+        const double wall = g_channels[i].wall + m_walls[i].step(sim.noise(), sim.dt());
+        const double aged = sim.noise().normal(0, g_channels[i].noise);
+        if (has(i)) m_background[i] = gas(i) + (wall + aged) * PER_MM;
+    }
+}
+
+void SIM_nephcell::exchange(SIM_neph_inlet inlet, double dt) {
+    const BOOL bottle = inlet == SIM_NEPH_CO2;
+    if (bottle && !bottle_open) return;  // pump off, bottle closed: nothing moves
+    const double lag = bottle ? BOTTLE_LAG : PUMP_LAG / std::max(flow, LEAST_FLOW);
+    m_particles = SIM_approach(m_particles, inlet == SIM_NEPH_AMBIENT ? 1 : 0, lag, dt);
+    m_co2 = SIM_approach(m_co2, bottle ? 1 : 0, lag, dt);
+}
+
+// The lamp warms the cell by some degrees; CO2 from a bottle is dry.
+void SIM_nephcell::acclimatise(SIM_instrument& sim) {
+    const SIM_air& air = sim.air();
+    const double warm = 1 - std::exp(-sim.age() / 900);
+    m_climate.T_inlet = air.room_temperature() + 0.4 + sim.noise().normal(0, 0.02);
+    m_climate.T_neph = air.room_temperature() + 5.5 * light * warm + sim.noise().normal(0, 0.02);
+    m_climate.RH_inlet = humidity_at(air.humidity(), air.temperature(), m_climate.T_inlet);
+    m_climate.RH_neph = humidity_at(air.humidity(), air.temperature(), m_climate.T_neph) * (1 - m_co2);
+    m_climate.P = air.pressure() - 5 * flow + sim.noise().normal(0, 0.1);
+}
+
+double SIM_nephcell::density() const {
+    return m_climate.P / 1013.25 * 273.15 / (273.15 + m_climate.T_neph);
+}
+
+// What the gas in the cell scatters, as the channel sees it.
+double SIM_nephcell::gas(std::size_t i) const {
+    const double air = SIM_rayleigh(m_model.nm[i % 3]) / (i < 3 ? 1 : 2);
+    return m_gain[i] * air * density() * (1 + (SIM_CO2_TO_AIR - 1) * m_co2);
+}
+
+void SIM_nephcell::step(SIM_instrument& sim, SIM_neph_inlet inlet) {
+    exchange(inlet, sim.dt());
+    acclimatise(sim);
+    for (std::size_t i = 0; i < SIM_NEPH_SIX; ++i) {
+        const double wall = g_channels[i].wall + m_walls[i].step(sim.noise(), sim.dt());
+        const double noise = sim.noise().normal(0, g_channels[i].noise);
+        if (!has(i)) {
+            m_scattering[i] = m_sample[i] = m_calibrator[i] = m_dark[i] = VESK_MISSING;
+            continue;
+        }
+        const double share = i < 3 ? 1 : sim.air().backscatter_fraction();
+        const double particles =
+            m_gain[i] * m_particles * share * sim.air().scattering(m_model.nm[i % 3]) * PER_MM;
+        const double scattered = particles + gas(i) + wall * PER_MM;
+        if (VESK_is_missing(m_background[i])) m_background[i] = gas(i) + wall * PER_MM;
+        m_scattering[i] = light > 0 ? scattered - m_background[i] + noise * PER_MM : VESK_MISSING;
+        count(sim, i, scattered);
+    }
+}
+
+void SIM_nephcell::count(SIM_instrument& sim, std::size_t i, double scattered) {
+    const channel_row& row = g_channels[i];
+    const double amplified = amplification[i % 3];
+    m_dark[i] = amplified * sim.noise().poisson(row.dark);
+    m_calibrator[i] = amplified * sim.noise().poisson(row.calibrator * light) + m_dark[i];
+    m_sample[i] = amplified * sim.noise().poisson(row.sensitivity * scattered / PER_MM * light) + m_dark[i];
+}
+
+SIM_neph_six SIM_nephcell::raw() const {
+    SIM_neph_six six = SIM_neph_nothing();
+    for (std::size_t i = 0; i < SIM_NEPH_SIX; ++i) {
+        if (!VESK_is_missing(m_scattering[i])) six[i] = m_scattering[i] + m_background[i];
+    }
+    return six;
+}
+
+double SIM_nephcell::angstrom(double green, double red) const {
+    if (VESK_is_missing(green) || VESK_is_missing(red) || green <= 0 || red <= 0) return VESK_MISSING;
+    return std::log(green / red) / std::log(m_model.nm[2] / m_model.nm[1]);
+}

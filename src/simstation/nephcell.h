@@ -1,0 +1,96 @@
+// The measuring cell of a nephelometer: the air or gas that fills it, what that and the walls scatter, and
+// the counts of the photomultipliers. It knows no commands and no messages; what is drawn into it is decided
+// by the instrument (neph.h).
+#pragma once
+
+#include <array>
+
+#include "simstation/sim.h"
+
+// Scattering of CO2 relative to that of air at equal density (Anderson et al. 1996, J. Atmos. Oceanic
+// Technol.).
+inline constexpr double SIM_CO2_TO_AIR = 2.61;
+// Total Rayleigh scattering of air at 0 degrees Celsius and 1013.25 hPa, 1/m.
+[[nodiscard]] double SIM_rayleigh(double nm);
+
+// Blue, green, red of total scatter, then of backscatter. Missing for what an instrument does not have.
+inline constexpr std::size_t SIM_NEPH_SIX = 6;
+using SIM_neph_six = std::array<double, SIM_NEPH_SIX>;
+[[nodiscard]] SIM_neph_six SIM_neph_nothing();
+
+// Writes them into a record's fields bsp and bbsp.
+template <class R>
+void SIM_neph_put(R& record, const SIM_neph_six& six) {
+    for (std::size_t i = 0; i < 3; ++i) {
+        record.bsp[i] = six[i];
+        record.bbsp[i] = six[i + 3];
+    }
+}
+
+struct SIM_neph_model {
+    std::array<double, 3> nm;  // wavelengths; 0: the instrument does not have this colour
+    BOOL backscatter;
+    NETMSG_type forbids_spancheck;  // the message whose first byte says that no span check may begin
+};
+
+enum SIM_neph_inlet { SIM_NEPH_AMBIENT, SIM_NEPH_FILTERED, SIM_NEPH_CO2 };
+
+struct SIM_neph_climate {
+    double T_inlet, T_neph;    // Celsius
+    double RH_inlet, RH_neph;  // percent
+    double P;                  // hPa
+};
+
+class SIM_nephcell {
+  public:
+    explicit SIM_nephcell(const SIM_neph_model& model);
+    // The instrument is switched on, with a background that an earlier zero found.
+    void start(SIM_instrument& sim);
+    // One second of measuring, with that at the inlet.
+    void step(SIM_instrument& sim, SIM_neph_inlet inlet);
+
+    double flow = 1;                                  // of the blower, share of its normal one
+    double light = 1;                                 // of the lamp, likewise; 0 is dark
+    std::array<double, 3> amplification = {1, 1, 1};  // of the photomultipliers, likewise
+    BOOL backscatter;                                 // the shutter that lets it see that works
+    BOOL bottle_open = TRUE;                          // CO2 comes when it is asked for
+
+    // 1/m. `scattering` is that of the particles, which is what is left of all light (`raw`) without the
+    // background: gas and walls.
+    [[nodiscard]] const SIM_neph_six& scattering() const { return m_scattering; }
+    [[nodiscard]] const SIM_neph_six& background() const { return m_background; }
+    [[nodiscard]] SIM_neph_six raw() const;
+    void set_background(const SIM_neph_six& background) { m_background = background; }
+    // Counts per second.
+    [[nodiscard]] const SIM_neph_six& sample_counts() const { return m_sample; }
+    [[nodiscard]] const SIM_neph_six& calibrator_counts() const { return m_calibrator; }
+    [[nodiscard]] const SIM_neph_six& dark_counts() const { return m_dark; }
+
+    [[nodiscard]] const SIM_neph_climate& climate() const { return m_climate; }
+    [[nodiscard]] double density() const;  // of the gas, relative to 0 degrees Celsius and 1013.25 hPa
+    // Of the exponent's colours, green and red; missing without light in both.
+    [[nodiscard]] double angstrom(double green, double red) const;
+    [[nodiscard]] SIM_neph_six rayleigh() const;  // of air at standard conditions
+
+  private:
+    struct wall_drift : SIM_drift {
+        wall_drift();
+    };
+    [[nodiscard]] BOOL has(std::size_t i) const;
+    void exchange(SIM_neph_inlet inlet, double dt);
+    void acclimatise(SIM_instrument& sim);
+    [[nodiscard]] double gas(std::size_t i) const;
+    void count(SIM_instrument& sim, std::size_t i, double scattered);
+
+    const SIM_neph_model& m_model;
+    double m_particles = 1;                        // share of the outer air's that is in the cell
+    double m_co2 = 0;                              // share of the cell that it fills
+    SIM_neph_six m_gain{};                         // calibration of each channel, ideally 1
+    std::array<wall_drift, SIM_NEPH_SIX> m_walls;  // dust comes and goes, 1/Mm
+    SIM_neph_six m_background = SIM_neph_nothing();
+    SIM_neph_six m_scattering = SIM_neph_nothing();
+    SIM_neph_six m_sample = SIM_neph_nothing();
+    SIM_neph_six m_calibrator = SIM_neph_nothing();
+    SIM_neph_six m_dark = SIM_neph_nothing();
+    SIM_neph_climate m_climate{};
+};

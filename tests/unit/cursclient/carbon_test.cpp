@@ -1,0 +1,171 @@
+// The black-carbon instruments: the order of the aethalometer's channels, the MAAP's error row and its
+// command.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+#include "cursclient/passwd.h"
+#include "display_rig.h"
+#include "libvesk/records/carbon.h"
+#include "libvesk/util.h"
+
+namespace {
+
+using ::testing::HasSubstr;
+
+constexpr int ENTER = 13;
+
+class Aethalometer : public DisplayRig {
+  protected:
+    static constexpr const char* WINDOW = "aethalometer:A81";
+    Aethalometer() { announce("A81", "aethalometer", "Aethalometer"); }
+
+    static void wavelengths(std::initializer_list<double> nm) {
+        auto rep = NETDSD_default<NET_AETHALOMETER_Report>();
+        int i = 0;
+        for (const double w : nm) {
+            rep.wavelengths[i] = w;
+            rep.conc[i] = i;  // tells where the column came from
+            ++i;
+        }
+        receive("A81", MSG_AETHALOMETER_REPORT, rep);
+    }
+};
+
+TEST_F(Aethalometer, ShowsAChannelInEachColumn) {
+    EXPECT_EQ(inside(WINDOW), R"(
+Chan (nm):       ---     ---     ---     ---     ---     ---     ---
+Conc (ng/m3):  -----   -----   -----   -----   -----   -----   -----
+SZ:             --.---- --.---- --.---- --.---- --.---- --.---- --.----
+SB:             --.---- --.---- --.---- --.---- --.---- --.---- --.----
+RZ:             --.---- --.---- --.---- --.---- --.---- --.---- --.----
+RB:             --.---- --.---- --.---- --.---- --.---- --.---- --.----
+Atten:          --.---  --.---  --.---  --.---  --.---  --.---  --.---
+Fraction:       --.--    Flow:  --.--
+                                NO COMMS
+)");
+    auto rep = NETDSD_default<NET_AETHALOMETER_Report>();
+    for (int i = 0; i < NET_AETHALOMETER_CHANNELS; ++i) {
+        rep.wavelengths[i] = 370 + i;
+        rep.conc[i] = 1000 + i;
+        rep.attn[i] = 10.5 + i;
+        rep.sz[i] = 0.01 * i;
+        rep.sb[i] = -1.5;
+        rep.rz[i] = 0.0203;
+        rep.rb[i] = 3.75;
+    }
+    rep.fraction = 0.97;
+    rep.Q = 4.98;
+    receive("A81", MSG_AETHALOMETER_REPORT, rep);
+    receive("A81", MSG_AETHALOMETER_STATUS, NET_AETHALOMETER_Status{TRUE});
+    EXPECT_EQ(inside(WINDOW), R"(
+Chan (nm):       370     371     372     373     374     375     376
+Conc (ng/m3):   1000    1001    1002    1003    1004    1005    1006
+SZ:              0.0000  0.0100  0.0200  0.0300  0.0400  0.0500  0.0600
+SB:             -1.5000 -1.5000 -1.5000 -1.5000 -1.5000 -1.5000 -1.5000
+RZ:              0.0203  0.0203  0.0203  0.0203  0.0203  0.0203  0.0203
+RB:              3.7500  3.7500  3.7500  3.7500  3.7500  3.7500  3.7500
+Atten:          10.500  11.500  12.500  13.500  14.500  15.500  16.500
+Fraction:        0.97    Flow:   4.98
+)");
+}
+
+TEST_F(Aethalometer, ChannelsStandInOrderOfWavelength) {
+    struct case_row {
+        std::initializer_list<double> nm;
+        const char* columns;  // which channel stands where
+    };
+    constexpr double NONE = VESK_MISSING;
+    const case_row rows[] = {
+        {{880, 370, 470, 520, 590, 660, 950}, "1 2 3 4 5 0 6"},
+        {{470, 370, 470, 370, 590, 660, 950}, "1 3 0 2 4 5 6"},
+        {{NONE, 370, NONE, 520, 590, NONE, 950}, "1 3 4 6 5 2 0"},
+        {{NONE, NONE, NONE, NONE, NONE, NONE, NONE}, "6 5 4 3 2 1 0"},
+    };
+    for (const case_row& r : rows) {
+        wavelengths(r.nm);
+        std::string columns = row(WINDOW, 2).substr(16);
+        columns.erase(0, columns.find_first_not_of(' '));
+        std::string single;  // runs of blanks made one
+        std::unique_copy(columns.begin(), columns.end(), std::back_inserter(single),
+                         [](char a, char b) { return a == ' ' && b == ' '; });
+        EXPECT_EQ(single, r.columns);
+    }
+}
+
+class Maap : public DisplayRig {
+  protected:
+    static constexpr const char* WINDOW = "maap:A82";
+    Maap() { announce("A82", "maap", "MAAP"); }
+};
+
+TEST_F(Maap, ShowsItsReport) {
+    auto r = NETDSD_default<NET_MAAP_Report>();
+    r.abs = 3.456;
+    r.tr = 0.8765432;
+    r.C = 0.5234;
+    r.ssa = 0.91;
+    r.Q = 16.67;
+    r.P_amb = 985.25;
+    r.T_measure = 31.5;
+    r.Sref = 2000.5;
+    r.Szref = 2001.75;
+    receive("A82", MSG_MAAP_REPORT, r);
+    receive("A82", MSG_MAAP_STATUS, NET_MAAP_Status{TRUE, 0, 0, 0});
+    EXPECT_EQ(inside(WINDOW), R"(
+Bap (1/Mm):         3.46
+Tr:                0.8765432
+BC conc (ug/m3):    0.523
+SSA:                0.91000
+Flow (slpm):       16.670
+P Orifice (hPa): ----.--
+P Pump (hPa):    ----.--
+P Ambient (hPa):  985.25
+T Ambient (C):    ---.--
+T Measure (C):     31.50
+T System (C):     ---.--
+SRef/SZRef:      2000.50/2001.75
+S0/SZ0:          ----.--/----.--
+S135/SZ135:      ----.--/----.--
+S165/SZ165:      ----.--/----.--
+)");
+}
+
+TEST_F(Maap, TheErrorRow) {
+    struct case_row {
+        NET_MAAP_Status status;
+        const char* text;
+        int color;
+    };
+    const case_row rows[] = {
+        {{FALSE, 1, 2, 3}, "            NO COMMS", -CP_RED_BLUE},
+        {{TRUE, 0, 0, 0x80}, "Status: 000080", CP_WHITE_BLUE},
+        {{TRUE, 0, 0, 0x100}, "Error: 000100 0000000000000000", CP_RED_BLUE},
+        {{TRUE, 0xA, 0xB000, 0x80}, "Error: 000080 0000B0000000000A", CP_RED_BLUE},
+        {{TRUE, 0, 0, 0}, "", CP_WHITE_BLUE},
+    };
+    for (const case_row& r : rows) {
+        receive("A82", MSG_MAAP_STATUS, r.status);
+        EXPECT_EQ(row(WINDOW, 16), r.text);
+        EXPECT_EQ(color(WINDOW, 16, 14), r.color) << r.text;
+    }
+}
+
+TEST_F(Maap, TheTapeAdvancesBehindThePassword) {
+    UTIL_strcpynt(g_passwd, "abc");
+    focus(WINDOW);
+    type("m");
+    EXPECT_THAT(screen_text(), HasSubstr("Advance filter tape"));
+    type("2no");
+    press(ENTER);
+    EXPECT_TRUE(sent.empty());
+    type("m2abc");
+    press(ENTER);
+    ASSERT_EQ(sent.size(), 1u);
+    EXPECT_EQ(sent[0].msg, MSG_MAAP_ADVANCE);
+    EXPECT_EQ(sent[0].flags, 0u);
+    EXPECT_EQ(sent[0].dest, "A82");
+    EXPECT_EQ(sent[0].record, "");
+}
+
+}  // namespace

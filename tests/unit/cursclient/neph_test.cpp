@@ -1,0 +1,458 @@
+// The nephelometers' windows: the three-wavelength kind with its parameters, the one that is only watched,
+// the single-wavelength kind and the Aurora 3000.
+#include <gmock/gmock.h>
+
+#include "cursclient/displays/spancheck.h"
+#include "cursclient/mainmenu.h"
+#include "cursclient/passwd.h"
+#include "display_rig.h"
+#include "libvesk/records/log.h"
+#include "libvesk/records/neph.h"
+#include "libvesk/util.h"
+#include "libveskcurs/cursdialog.h"
+
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+constexpr int ENTER = 13;
+constexpr int ESCAPE = 27;
+
+class Neph : public DisplayRig {
+  protected:
+    static constexpr const char* WINDOW = "neph:N11";
+
+    Neph() { announce("N11", "neph", "Dry neph", 'n'); }
+    ~Neph() override { g_passwd[0] = '\0'; }
+
+    static void comms() { receive("N11", MSG_NEPH_STATUS, NET_NEPH_Status{TRUE}); }
+    // Opens the menu and presses its buttons.
+    static void choose(std::string_view buttons, const char* ident = WINDOW) {
+        focus(ident);
+        press('m');
+        type(buttons);
+    }
+    static std::vector<NETMSG_type> sent_types() {
+        std::vector<NETMSG_type> types;
+        for (const Sent& s : sent)
+            types.push_back(s.msg);
+        return types;
+    }
+};
+
+// Values that differ in every field: `base` plus the field's place in tenths.
+template <class View>
+void fill(View* v, double base) {
+    for (int i = 0; i < 3; ++i) {
+        v->s.bsp[i] = (base + i) * 1e-6;
+        v->s.bbsp[i] = (base + i + 0.1) * 1e-6;
+        v->pc.calTS[i] = base * 10 + i;
+        v->pc.calBS[i] = base * 20 + i;
+        v->pc.darkTS[i] = base * 30 + i;
+        v->pc.darkBS[i] = base * 40 + i;
+        v->pc.sampTS[i] = base * 1e4 + i;
+        v->pc.sampBS[i] = base * 1e-4;
+    }
+    v->T_inlet = base + 0.2;
+    v->T_neph = base + 0.3;
+    v->RH_inlet = base + 0.4;
+    v->RH_neph = base + 0.5;
+    v->P_neph = base + 900;
+    v->alphaGR = 1.23;
+    v->alphabGR = -0.5;
+}
+
+NET_NEPH_Instant reading() {
+    auto r = NETDSD_default<NET_NEPH_Instant>();
+    fill(&r, 10);
+    fill(&r.running, 20);
+    r.sec_left = 1234;
+    r.ref_green = 98765;
+    r.lamp_V = 12.34;
+    r.lamp_I = 5.6;
+    r.aux_in = 100;
+    return r;
+}
+
+TEST_F(Neph, AFreshDisplayHasNothingToShow) {
+    EXPECT_EQ(inside(WINDOW), R"(
+                    BLUE       GREEN           RED
+Bsp:             -----.-     -----.-       -----.-
+Bbsp:            -----.-     -----.-       -----.-
+BspBK:           -----.-     -----.-       -----.-
+BbspBK:          -----.-     -----.-       -----.-
+BspBKShift:      -----.-     -----.-       -----.-
+BbspBKShift:     -----.-     -----.-       -----.-
+Mode:               9999     Sample T:       ---.-
+Flags:              FFFF     Inlet T:        ---.-
+P hPa:            ----.-     Sample RH:       --.-
+Alpha GR:        ----.--     Inlet RH:        --.-
+AlphaB GR:       ----.--     Sec rem:      -------
+Lamp V:            --.--     Lamp I:         --.--
+Green Ref:       -------     BNC in mV:      -----
+                      NO COMMS
+)");
+    EXPECT_EQ(color(WINDOW, 15, 24), -CP_RED_BLUE);
+    comms();
+    EXPECT_EQ(row(WINDOW, 15), "") << "no zero is planned";
+}
+
+TEST_F(Neph, ShowsTheViewOfItsModeAndAlwaysTheLatestLampAndSeconds) {
+    comms();
+    receive("N11", MSG_NEPH_INSTANT, reading());
+    auto average = NETDSD_default<NET_NEPH_Avg>();
+    fill(&average, 30);
+    average.s.bsp[1] = VESK_MISSING;
+    receive("N11", MSG_NEPH_AVERAGE, average);
+    NET_NEPH_Zero zero{};
+    for (int i = 0; i < 3; ++i) {
+        zero.bspBK[i] = (i + 1) * 1e-6;
+        zero.bbspBK[i] = (i + 4) * 1e-6;
+        zero.bspBKshift[i] = -(i + 7) * 1e-7;
+        zero.bbspBKshift[i] = VESK_MISSING;
+    }
+    receive("N11", MSG_NEPH_ZERO, zero);
+    receive("N11", MSG_NEPH_MODES, NET_NEPH_Modes{0x1a2, "NBXX"});
+    receive("N11", MSG_NEPH_ZEROSCHEDULE, NET_NEPH_ZeroSchedule{START + 100.9});
+    EXPECT_EQ(inside(WINDOW), R"(
+                    BLUE       GREEN           RED
+Bsp:                10.0        11.0          12.0
+Bbsp:               10.1        11.1          12.1
+BspBK:               1.0         2.0           3.0
+BbspBK:              4.0         5.0           6.0
+BspBKShift:         -0.7        -0.8          -0.9
+BbspBKShift:     -----.-     -----.-       -----.-
+Mode:               NBXX     Sample T:        10.3
+Flags:              01A2     Inlet T:         10.2
+P hPa:             910.0     Sample RH:       10.5
+Alpha GR:           1.23     Inlet RH:        10.4
+AlphaB GR:         -0.50     Sec rem:         1234
+Lamp V:            12.34     Lamp I:          5.60
+Green Ref:         98765     BNC in mV:        100
+Next zero:      22:15:00
+)");
+    choose("2");
+    EXPECT_EQ(row(WINDOW, 2), "Bsp:                20.0        21.0          22.0");
+    EXPECT_EQ(row(WINDOW, 8), "Mode:               NBXX     Sample T:        20.3");
+    EXPECT_EQ(row(WINDOW, 12), "AlphaB GR:         -0.50     Sec rem:         1234");
+    choose("2");
+    EXPECT_EQ(row(WINDOW, 2), "Bsp:                30.0     -----.-          32.0");
+    EXPECT_EQ(row(WINDOW, 14), "Green Ref:         98765     BNC in mV:        100");
+    choose("2");
+    EXPECT_EQ(row(WINDOW, 2), "Bsp:                10.0        11.0          12.0");
+    press('s');
+    EXPECT_EQ(inside(WINDOW).substr(0, inside(WINDOW).find("Mode:")), R"(
+                    BLUE       GREEN           RED
+SampTS:           1.00e+05    1.00e+05      1.00e+05
+SampBS:           1.00e-03    1.00e-03      1.00e-03
+DarkTS:           3.00e+02    3.01e+02      3.02e+02
+DarkBS:           4.00e+02    4.01e+02      4.02e+02
+CalTS:            1.00e+02    1.01e+02      1.02e+02
+CalBS:            2.00e+02    2.01e+02      2.02e+02
+)");
+    press('S');
+    EXPECT_EQ(row(WINDOW, 2), "Bsp:                10.0        11.0          12.0");
+}
+
+TEST_F(Neph, TheMenuFollowsModeCountsAndSpanCheck) {
+    choose("");
+    EXPECT_THAT(screen_text(), HasSubstr("2 Displaying instantanous data"));
+    EXPECT_THAT(screen_text(), HasSubstr("5 Begin spancheck"));
+    EXPECT_THAT(screen_text(), HasSubstr("S Display counts"));
+    EXPECT_THAT(screen_text(), Not(HasSubstr("6 Show")));
+    type("S");
+    choose("2");
+    receive("N11", MSG_COMMON_NEPH_SPANCHECK_PHASE, NET_COMMON_Neph_SpancheckPhase{1, START + 60});
+    choose("");
+    EXPECT_THAT(screen_text(), HasSubstr("2 Displaying running average"));
+    EXPECT_THAT(screen_text(), HasSubstr("5 Abort spancheck"));
+    EXPECT_THAT(screen_text(), HasSubstr("6 Show spancheck window"));
+    EXPECT_THAT(screen_text(), HasSubstr("S Display scattering"));
+    EXPECT_THAT(screen_text(), Not(HasSubstr("Begin")));
+    // The operator reads "Abort": that the phase changes meanwhile must not turn the button around.
+    receive("N11", MSG_COMMON_NEPH_SPANCHECK_PHASE, NET_COMMON_Neph_SpancheckPhase{0, -1});
+    type("5");
+    EXPECT_EQ(sent_types(), std::vector<NETMSG_type>{MSG_COMMON_NEPH_SPANCHECK_ABORT});
+}
+
+TEST_F(Neph, AZeroIsOrderedWithThePassword) {
+    UTIL_strcpynt(g_passwd, "abc");
+    choose("3");
+    type("abd");
+    press(ENTER);
+    EXPECT_TRUE(sent.empty());
+    choose("3");
+    type("abc");
+    press(ENTER);
+    ASSERT_EQ(sent.size(), 1u);
+    EXPECT_EQ(sent[0].msg, MSG_NEPH_ISSUE_ZERO);
+    EXPECT_EQ(sent[0].flags, 0u);
+    EXPECT_EQ(sent[0].dest, "N11");
+    EXPECT_EQ(sent[0].record + sent[0].payload, "");
+}
+
+TEST_F(Neph, GoneWhileThePasswordOrItsParametersAreOpenSendsNothing) {
+    choose("4");
+    EXPECT_THAT(screen_text(), HasSubstr("Change paramters"));
+    leave("N11");
+    press(KEY_BTAB);
+    press({KEY_UP, KEY_UP, ENTER, ENTER});
+    screen_text();
+    press(ESCAPE);
+    announce("N11", "neph", "Dry neph", 'n');
+    UTIL_strcpynt(g_passwd, "abc");
+    choose("3");
+    leave("N11");
+    type("abc");
+    press(ENTER);
+    EXPECT_FALSE(CURSDIALOG_active());
+    EXPECT_TRUE(sent.empty());
+}
+
+// ---- parameters
+
+constexpr NET_NEPH_Config REPORTED = {.smz = 4,
+                                      .sta = 60,
+                                      .stb = 62,
+                                      .stp = 3601,
+                                      .stz = 301,
+                                      .smb = FALSE,
+                                      .sp = 75,
+                                      .l = TRUE,
+                                      .sx = 5,
+                                      .b = 254,
+                                      .svb = 1100,
+                                      .svg = 1000,
+                                      .svr = 900};
+
+template <class R>
+std::string bytes(R record) {
+    return {reinterpret_cast<const char*>(&record), sizeof record};
+}
+
+TEST_F(Neph, ParametersUntouchedAreSentAsReported) {
+    receive("N11", MSG_NEPH_CONFIG, REPORTED);
+    choose("4");
+    for (const char* text :
+         {"SMZ - Number of autozero measurements to average: 4", "STA - Length (sec) of averaging time: 60",
+          "STB - Blanking time (sec): 62", "STP - Time (sec) between autozeros: 3601",
+          "STZ - Duration (sec) of filter air zero check: 301", "SP - Lamp power (watts): 75",
+          "B - Blower (0-255): 254", "SVB - Blue PMT voltage (1-1200): 1100",
+          "SVG - Green PMT voltage (1-1200): 1000", "SVR - Red PMT voltage (1-1200): 900",
+          "SX - Analog out (mv): 5", "Total mode", "Lamp ON", "Zero valve unchanged", "Apply", "Cancel"})
+        EXPECT_THAT(screen_text(), HasSubstr(text));
+    for (int i = 0; i < 14; ++i)
+        press(KEY_DOWN);
+    press(ENTER);
+    EXPECT_FALSE(CURSDIALOG_active());
+    ASSERT_EQ(sent.size(), 1u) << "the valve was left alone";
+    EXPECT_EQ(sent[0].msg, MSG_NEPH_CONFIG);
+    EXPECT_EQ(sent[0].flags, 0u);
+    EXPECT_EQ(sent[0].dest, "N11");
+    EXPECT_EQ(sent[0].record, "NET_NEPH_Config");
+    EXPECT_EQ(sent[0].payload, bytes(REPORTED));
+}
+
+TEST_F(Neph, ParametersChangedGoToTheirOwnPlaces) {
+    choose("4");  // never reported: the usual configuration
+    for (const char* value : {"1", "2", "6", "99999", "8", "9", "10", "11", "12", "13", "14"}) {
+        type(value);
+        press(KEY_DOWN);
+    }
+    press({' ', KEY_DOWN, ' ', KEY_DOWN, ' ', ' '});
+    EXPECT_THAT(screen_text(), HasSubstr("STP - Time (sec) between autozeros: 99999"));
+    for (const char* text : {"Total mode", "Lamp OFF", "Zero valve on"})
+        EXPECT_THAT(screen_text(), HasSubstr(text));
+    press({KEY_DOWN, ENTER});
+    ASSERT_EQ(sent.size(), 2u);
+    const NET_NEPH_Config expected = {.smz = 1,
+                                      .sta = 2,
+                                      .stb = 6,
+                                      .stp = -31073,
+                                      .stz = 8,
+                                      .smb = FALSE,
+                                      .sp = 9,
+                                      .l = FALSE,
+                                      .sx = 14,
+                                      .b = 10,
+                                      .svb = 11,
+                                      .svg = 12,
+                                      .svr = 13};
+    EXPECT_EQ(sent[0].payload, bytes(expected));
+    EXPECT_EQ(sent[1].msg, MSG_NEPH_OVERRIDEPARAMS);
+    EXPECT_EQ(sent[1].dest, "N11");
+    EXPECT_EQ(sent[1].record, "NET_NEPH_OverrideParams");
+    EXPECT_EQ(sent[1].payload, std::string("\1\0", 2));
+}
+
+TEST_F(Neph, ParametersOutOfRangeAreRejectedAndTheValveGoesRound) {
+    choose("4");
+    type("25");
+    press(KEY_DOWN);
+    EXPECT_THAT(screen_text(), HasSubstr("average: 1_")) << "SMZ keeps what it had";
+    for (int i = 0; i < 13; ++i)
+        press(KEY_DOWN);
+    press(' ');
+    EXPECT_THAT(screen_text(), HasSubstr("Zero valve off"));
+    press({' ', ' '});
+    EXPECT_THAT(screen_text(), HasSubstr("Zero valve unchanged"));
+    press(' ');
+    press({KEY_DOWN, KEY_RIGHT, ENTER});
+    EXPECT_FALSE(CURSDIALOG_active());
+    EXPECT_TRUE(sent.empty()) << "cancelled";
+}
+
+// ---- watched only
+
+TEST_F(Neph, WatchedOnlyOffersNoCommand) {
+    constexpr const char* PASSIVE = "neph_passive:N21";
+    announce("N21", "neph_passive", "Their neph", 'p');
+    receive("N21", MSG_NEPH_STATUS, NET_NEPH_Status{TRUE});
+    receive("N21", MSG_NEPH_INSTANT, reading());
+    receive("N21", MSG_COMMON_NEPH_SPANCHECK_PHASE, NET_COMMON_Neph_SpancheckPhase{2, START + 60});
+    EXPECT_EQ(row(PASSIVE, 2), "Bsp:                10.0        11.0          12.0");
+    EXPECT_EQ(row(PASSIVE, 15), "SPANCHECK: FLUSH CO2 UNTIL 22:14:20");
+    EXPECT_EQ(row("neph_passive:N21.sc", 5), "CO2 will be flushed until 22:14:20");
+    choose("345", PASSIVE);
+    EXPECT_TRUE(CURSDIALOG_active()) << "keys that are not offered";
+    EXPECT_THAT(screen_text(), HasSubstr("1 Hide window"));
+    EXPECT_THAT(screen_text(), Not(HasSubstr("pancheck")));
+    EXPECT_THAT(screen_text(), Not(HasSubstr("zero")));
+    type("2");
+    EXPECT_EQ(row(PASSIVE, 2), "Bsp:                20.0        21.0          22.0");
+    press('s');
+    EXPECT_THAT(row(PASSIVE, 2), HasSubstr("SampTS:"));
+    EXPECT_TRUE(sent.empty());
+}
+
+// ---- the single-wavelength kind
+
+class NephM903 : public DisplayRig {
+  protected:
+    static constexpr const char* WINDOW = "nephM903:N31";
+
+    NephM903() { announce("N31", "nephM903", "M903", 'm'); }
+};
+
+TEST_F(NephM903, ShowsReadingAndRunningAverage) {
+    EXPECT_EQ(inside(WINDOW), R"(
+             Instant  Average
+Bs (1/Mm):   -----.-  -----.-
+Green ref:   -----.-  -----.-
+T inlet (C):    --.-     --.-
+RH inlet (%)    --.-     --.-
+T neph (C):     --.-     --.-
+RH neph (%):    --.-     --.-
+P (hPa):      ----.-   ----.-
+          NO COMMS
+)");
+    const NET_NEPHM903_Avg running{START, 20e-6, VESK_MISSING, 23, 45, 24, 46, 1000};
+    receive("N31", MSG_NEPHM903_INSTANT,
+            NET_NEPHM903_Instant{START, 12.34e-6, 0.000012, 21.1, 33.3, -1.5, 44.4, 987.6, running});
+    receive("N31", MSG_NEPHM903_STATUS, NET_NEPHM903_Status{TRUE});
+    receive("N31", MSG_COMMON_NEPH_SPANCHECK_PHASE, NET_COMMON_Neph_SpancheckPhase{4, START + 60});
+    EXPECT_EQ(inside(WINDOW), R"(
+             Instant  Average
+Bs (1/Mm):      12.3     20.0
+Green ref:      12.0  -----.-
+T inlet (C):    -1.5     24.0
+RH inlet (%)    44.4     46.0
+T neph (C):     21.1     23.0
+RH neph (%):    33.3     45.0
+P (hPa):       987.6   1000.0
+F. AIR (SMPL) UNTIL 22:14:20
+)");
+    focus(WINDOW);
+    press('m');
+    EXPECT_THAT(screen_text(), HasSubstr("2 Abort spancheck"));
+    EXPECT_THAT(screen_text(), HasSubstr("3 Show spancheck window"));
+    type("3");
+    EXPECT_TRUE(window("nephM903:N31.sc")->focused);
+    EXPECT_EQ(row("nephM903:N31.sc", 4), "Air will be flushed until 22:14:20");
+}
+
+// ---- the Aurora 3000
+
+class NephAurora : public DisplayRig {
+  protected:
+    static constexpr const char* WINDOW = "neph_aurora3000:N41";
+
+    NephAurora() { announce("N41", "neph_aurora3000", "Aurora", 'a'); }
+};
+
+TEST_F(NephAurora, ShowsScatteringAndCounts) {
+    auto r = NETDSD_default<NET_NEPHAURORA3000_Instant>();
+    for (int i = 0; i < 3; ++i) {
+        r.s.bsp[i] = (i + 1) * 10e-6;
+        r.s.bbsp[i] = (i + 1) * 1e-6;
+        r.c.total[i] = 12345 + i;
+        r.c.back[i] = 0.001;
+        r.running.s.bsp[i] = 5e-6;
+    }
+    r.c.dark = 7;
+    r.T_sample = 25.5;
+    r.T_cell = 26.5;
+    r.RH_sample = 40;
+    r.P_sample = 990.5;
+    r.aGR = 1.5;
+    r.abGR = 1.25;
+    receive("N41", MSG_NEPHAURORA3000_INSTANT, r);
+    receive("N41", MSG_NEPHAURORA3000_STATUS, NET_NEPHAURORA3000_Status{TRUE});
+    receive("N41", MSG_NEPHAURORA3000_ZEROSCHEDULE, NET_NEPHAURORA3000_ZeroSchedule{START});
+    EXPECT_EQ(inside(WINDOW), R"(
+                    BLUE       GREEN           RED
+Bsp:                10.0        20.0          30.0
+Bbsp:                1.0         2.0           3.0
+BspBK:           -----.-     -----.-       -----.-
+BbspBK:          -----.-     -----.-       -----.-
+BspBKShift:      -----.-     -----.-       -----.-
+BbspBKShift:     -----.-     -----.-       -----.-
+Flags:              FFFF     Sample T:        25.5
+P hPa:             990.5     Sample RH:       40.0
+Ang GR:             1.50     Cell T:          26.5
+AnbB GR:            1.25
+Next zero:      22:13:20
+)");
+    focus(WINDOW);
+    press('s');
+    EXPECT_EQ(inside(WINDOW).substr(0, inside(WINDOW).find("Flags:")), R"(
+                    BLUE       GREEN           RED
+NTotal:          1.2345e+04  1.2346e+04    1.2347e+04
+NBack:           1.0000e-03  1.0000e-03    1.0000e-03
+NRef:            -.--------  -.--------    -.--------
+NDark:           7.0000e+00
+
+
+)") << "two rows stay empty";
+    press('m');
+    type("2");
+    press('s');
+    EXPECT_EQ(row(WINDOW, 2), "Bsp:                 5.0         5.0           5.0");
+    press('m');
+    type("3");
+    ASSERT_EQ(sent.size(), 1u);
+    EXPECT_EQ(sent[0].msg, MSG_NEPHAURORA3000_ISSUE_ZERO);
+    EXPECT_EQ(sent[0].dest, "N41");
+}
+
+TEST_F(NephAurora, TheSpanCheckWindowHasAnotherKeyAfterwards) {
+    const auto menu = [] {
+        focus(WINDOW);
+        press('m');
+        const std::string text = screen_text();
+        press(ESCAPE);
+        return text;
+    };
+    EXPECT_THAT(menu(), HasSubstr("4 Begin spancheck"));
+    EXPECT_THAT(menu(), Not(HasSubstr("Show spancheck")));
+    receive("N41", MSG_COMMON_NEPH_SPANCHECK_PHASE, NET_COMMON_Neph_SpancheckPhase{1, START + 60});
+    EXPECT_THAT(menu(), HasSubstr("4 Abort spancheck"));
+    EXPECT_THAT(menu(), HasSubstr("6 Show spancheck window"));
+    receive("N41", MSG_COMMON_NEPH_SPANCHECK_RESULTS, NET_COMMON_Neph_SpancheckResults{});
+    receive("N41", MSG_COMMON_NEPH_SPANCHECK_PHASE, NET_COMMON_Neph_SpancheckPhase{0, -1});
+    EXPECT_THAT(menu(), HasSubstr("5 Show spancheck window"));
+    EXPECT_THAT(menu(), Not(HasSubstr("6 Show")));
+}
+
+}  // namespace

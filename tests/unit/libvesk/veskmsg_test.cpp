@@ -1,0 +1,360 @@
+// The peer's end of the link, against a server that says exactly what a test wants it to say.
+#include "libvesk/veskmsg.h"
+
+#include <unistd.h>
+
+#include "libvesk/records/log.h"
+#include "libvesk/records/server.h"
+#include "link_rig.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using wire::message;
+
+using Link = LinkRig;
+
+NET_SERVER_InstrumentInfo info(const char* type, const char* tag = "") {
+    auto out = NETDSD_default<NET_SERVER_InstrumentInfo>();
+    UTIL_strcpynt(out.type, type);
+    UTIL_strcpynt(out.tags[1].tag, tag);
+    return out;
+}
+
+template <class R>
+FRAME_bytes message_of(NETMSG_type type, const R& record, const char* source) {
+    FRAME_bytes out;
+    FRAME_encode_message(&out,
+                         {type, 1, source, "", NETDSD_of<R>()->name, std::as_bytes(std::span(&record, 1))});
+    return out;
+}
+
+TEST_F(Link, SaysHelloAndIsOpenWhenWelcomed) {
+    ASSERT_TRUE(connect("N11"));
+    EXPECT_EQ(link()->stat, VESKMSG_S_AWAITING_HANDSHAKE);
+    ASSERT_TRUE(until([this] { return !server_->frames().empty(); }));
+    EXPECT_EQ(server_->frames()[0].bytes, wire::hello(FRAME_PEER_INSTRUMENT, "N11"));
+    FRAME_bytes welcome;
+    FRAME_encode_welcome(&welcome);
+    server_->send(welcome);
+    server_->send(message(MSG_LOG_INFO, 1, "", 1, "N12"));  // what is kept comes at once
+    server_->look();
+    EXPECT_TRUE(INST_wait_connected(&inst_));
+    EXPECT_EQ(VESKMSG_error(link()), "");
+    EXPECT_TRUE(got_.empty());  // and waits until it is asked for
+    ASSERT_TRUE(until([this] { return !got_.empty(); }));
+    EXPECT_THAT(texts(), ElementsAre("N12> NET_LOG_Info 1"));
+}
+
+TEST_F(Link, MonitorSaysThatItIsOne) {
+    ASSERT_TRUE(connect("CLIENT", TRUE));
+    ASSERT_TRUE(until([this] { return !server_->frames().empty(); }));
+    EXPECT_EQ(server_->frames()[0].detail, FRAME_PEER_MONITOR);
+}
+
+TEST_F(Link, SaysWhyItCannotConnect) {
+    const std::string nobody = folder_ / "nobody.sock";
+    const std::string dead = folder_ / "dead.sock";
+    {
+        const int fd = socket(AF_UNIX, SOCK_STREAM, 0);
+        const sockaddr_un a = wire::address(dead);
+        ASSERT_EQ(bind(fd, reinterpret_cast<const sockaddr*>(&a), sizeof a), 0);
+        close(fd);
+    }
+    struct {
+        const char* id;
+        const char* host;
+        BOOL monitor;
+        std::string error;
+    } const rows[] = {
+        {"CLIENT", nobody.c_str(), FALSE, "cannot connect to " + nobody + ": No such file or directory"},
+        {"CLIENT", dead.c_str(), FALSE, "cannot connect to " + dead + ": Connection refused"},
+        {"CLIENT", "a b", FALSE, "\"a b\" names no host"},
+        {"", nobody.c_str(), FALSE, "\"\" cannot be a name"},
+        {"N\n", nobody.c_str(), FALSE, "\"N?\" cannot be a name"},
+        {nullptr, nobody.c_str(), FALSE, "\"\" cannot be a name"},
+        {"N11", nobody.c_str(), TRUE, "only a CLIENT can be a monitor"},
+    };
+    for (const auto& row : rows) {
+        const VESKMSG_connect_params params{row.id, row.host, row.monitor};
+        EXPECT_FALSE(INST_connect(&inst_, &params));
+        EXPECT_EQ(VESKMSG_error(link()), row.error);
+        EXPECT_FALSE(INST_wait_connected(&inst_));
+        EXPECT_FALSE(INST_test_connected(&inst_));
+    }
+}
+
+TEST_F(Link, ConnectionToAHostIsRefusedClearly) {
+    // A port that was free a moment ago.
+    const int fd = socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_storage a{};
+    socklen_t size = sizeof a;
+    a.ss_family = AF_INET;
+    ASSERT_EQ(bind(fd, reinterpret_cast<const sockaddr*>(&a), sizeof a), 0);
+    ASSERT_EQ(getsockname(fd, reinterpret_cast<sockaddr*>(&a), &size), 0);
+    std::uint16_t port = 0;
+    std::memcpy(&port, reinterpret_cast<const char*>(&a) + 2, sizeof port);
+    close(fd);
+    const std::string host = "127.0.0.1:" + std::to_string(__builtin_bswap16(port));
+    const VESKMSG_connect_params params{"CLIENT", host.c_str(), FALSE};
+    const BOOL up = INST_connect(&inst_, &params) && INST_wait_connected(&inst_);
+    EXPECT_FALSE(up);
+    EXPECT_EQ(VESKMSG_error(link()), "cannot connect to " + host + ": Connection refused");
+}
+
+TEST_F(Link, EndsForEveryReasonWithItsOwnText) {
+    FRAME_bytes refusal;
+    FRAME_encode_refusal(&refusal, {FRAME_NAME_TAKEN, 1, "name taken\x1b[2J"});
+    FRAME_bytes no_text;
+    FRAME_encode_refusal(&no_text, {FRAME_SERVER_FULL, 1, ""});
+    struct {
+        bool opened;
+        FRAME_bytes bytes;
+        bool hang_up;
+        const char* error;
+    } const rows[] = {
+        {false, refusal, true, "the server refused: name taken?[2J"},
+        {false, no_text, false, "the server refused: server full"},
+        {false, {}, true, "the other side closed the connection"},
+        {true, {}, true, "the connection to the server ended: the other side closed the connection"},
+        {true, FRAME_bytes(9, std::byte{'x'}), false,
+         "the server broke the protocol: a frame of 2021161084 bytes"},
+        {true, refusal, false, "a frame out of turn"},
+        {false, message(MSG_LOG_FLUSH, 1), false, "a frame out of turn"},
+    };
+    for (const auto& row : rows) {
+        if (row.opened) {
+            open();
+        } else {
+            ASSERT_TRUE(connect());
+        }
+        server_->send(row.bytes);
+        server_->look();
+        if (row.hang_up) server_->hang_up();
+        EXPECT_TRUE(wire::until([&] { VESKMSG_process_messages(link(), nullptr, nullptr); },
+                                [&] { return link()->stat == VESKMSG_S_UNLINKED; }))
+            << row.error;
+        EXPECT_THAT(VESKMSG_error(link()), HasSubstr(row.error));
+        EXPECT_FALSE(INST_test_connected(&inst_));
+        EXPECT_FALSE(VESKMSG_queue_message(link(), MSG_LOG_FLUSH, 1, nullptr, nullptr, 0, nullptr));
+    }
+}
+
+TEST_F(Link, LastWordsOfTheServerAreDeliveredBeforeItsEnd) {
+    open();
+    for (int i = 0; i < 100; ++i)
+        server_->send(message(MSG_LOG_MONITOR, 1, "", 0, "N11"));
+    ASSERT_TRUE(wire::until([&] { round(); }, [&] { return server_->unsent() == 0; }));
+    server_->hang_up();
+    ASSERT_TRUE(wire::until([&] { VESKMSG_process_messages(link(), take, this); },
+                            [&] { return link()->stat == VESKMSG_S_UNLINKED; }));
+    EXPECT_EQ(got_.size(), 100U);
+}
+
+TEST_F(Link, GivesUpAfterTenSecondsWithoutAnswerOrAtOnceOnAnExitRequest) {
+    ASSERT_TRUE(connect());
+    UTIL_request_exit();
+    EXPECT_FALSE(INST_wait_connected(&inst_));
+    UTIL_request_exit(FALSE);
+    EXPECT_EQ(VESKMSG_error(link()), "");
+    static int looks = 0;
+    UTIL_set_clock([] { return clock_ + 0.5 * ++looks; });
+    EXPECT_FALSE(INST_wait_connected(&inst_));
+    EXPECT_GE(looks, 20);
+}
+
+TEST_F(Link, SilenceForThirtySecondsEndsItAndHeartbeatsDoNot) {
+    open();
+    FRAME_bytes heartbeat;
+    FRAME_encode_heartbeat(&heartbeat);
+    for (int i = 0; i < 10; ++i) {
+        pass(5);
+        server_->send(heartbeat);
+    }
+    round();
+    EXPECT_TRUE(INST_test_connected(&inst_));
+    EXPECT_NEAR(server_->heartbeats(), 10, 1);
+    clock_ += 1e6;  // a clock that is set is not silence
+    round();
+    EXPECT_TRUE(INST_test_connected(&inst_));
+    pass(31);
+    EXPECT_FALSE(INST_test_connected(&inst_));
+    EXPECT_EQ(VESKMSG_error(link()), "30 s of silence from the server");
+}
+
+TEST_F(Link, ReceivedPayloadsAreCleanAndWrongMessagesAreIgnored) {
+    open();
+    NET_SERVER_InstrumentInfo dirty{};
+    std::memset(&dirty, 0x1b, sizeof dirty);
+    server_->send(message_of(MSG_SERVER_INSTRUMENTINFO, dirty, "N\x1b"));
+    server_->send(message(MSG_LOG_INFO, 1, "", 0xFF, "N11"));
+    for (const auto& [type, record, size] : {std::tuple{999, "", 0},
+                                             {MSG_LOG_INFO, "NET_NONE", 1},
+                                             {MSG_LOG_INFO, "NET_LOG_Info", 2},
+                                             {MSG_LOG_INFO, "NET_IO_Value", 48}}) {
+        FRAME_bytes wrong;
+        FRAME_encode_message(&wrong,
+                             {type, 1, "N11", "", record, FRAME_bytes(static_cast<std::size_t>(size))});
+        server_->send(wrong);
+    }
+    server_->send(message(MSG_LOG_FLUSH, 5, "N12", 0, "CLIENT"));
+    testing::internal::CaptureStderr();
+    ASSERT_TRUE(until([this] { return got_.size() >= 3; }));
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("received and ignored: type 999"));
+    EXPECT_THAT(texts(),
+                ElementsAre("N?> NET_SERVER_InstrumentInfo 1", "N11> NET_LOG_Info 1", "CLIENT>N12 - 5"));
+    EXPECT_EQ(got_[0].payload.substr(0, 32), std::string(31, ' ') + '\0');
+    EXPECT_EQ(got_[1].payload, std::string("\1"));
+}
+
+TEST_F(Link, QueuedMessagesArriveAndWrongOnesAreRefusedHere) {
+    open("N11");
+    const NET_LOG_SetState state{TRUE};
+    EXPECT_TRUE(VESKMSG_queue(link(), MSG_LOG_SET_STATE, 1, "LOGGER", state));
+    EXPECT_TRUE(VESKMSG_announce(link(), info("cpc_3010")));
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(VESKMSG_queue_message(link(), MSG_LOG_SET_STATE, 1, nullptr, &state, 2, "NET_LOG_SetState"));
+    EXPECT_FALSE(VESKMSG_queue_message(link(), MSG_LOG_SET_STATE, 1, nullptr, &state, 1, "NET_NONE"));
+    EXPECT_FALSE(VESKMSG_queue_message(link(), MSG_LOG_SET_STATE, 1, nullptr, &state, 1, nullptr));
+    EXPECT_FALSE(
+        VESKMSG_queue_message(link(), MSG_LOG_SET_STATE, 1, nullptr, nullptr, 1, "NET_LOG_SetState"));
+    EXPECT_FALSE(VESKMSG_queue_message(link(), MSG_LOG_FLUSH, 0, nullptr, nullptr, 0, nullptr));
+    EXPECT_FALSE(VESKMSG_queue_message(link(), MSG_SERVER_HEARTBEAT, 1, nullptr, nullptr, 0, nullptr));
+    EXPECT_FALSE(
+        VESKMSG_queue_message(link(), static_cast<NETMSG_type>(270), 1, nullptr, nullptr, 0, nullptr));
+    const std::string complaints = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(std::count(complaints.begin(), complaints.end(), '\n'), 7);
+    EXPECT_TRUE(
+        VESKMSG_queue_message(link(), MSG_COMMON_NEPH_SPANCHECK_ISSUE, 0, "N12", nullptr, 0, nullptr));
+    EXPECT_TRUE(VESKMSG_flush(link(), 5));
+    ASSERT_TRUE(until([this] { return server_->frames().size() >= 3; }));
+    const auto& sent = server_->frames();
+    ASSERT_EQ(sent.size(), 3U);
+    EXPECT_EQ(sent[0].value, MSG_LOG_SET_STATE);
+    EXPECT_EQ(sent[0].dest, "LOGGER");
+    EXPECT_EQ(sent[0].payload, FRAME_bytes{std::byte{1}});
+    EXPECT_EQ(sent[1].value, MSG_SERVER_INSTRUMENTINFO);
+    EXPECT_EQ(sent[1].flags, VESKMSG_TO_ALL | VESKMSG_KEEP);
+    EXPECT_EQ(sent[2].dest, "N12");
+    EXPECT_EQ(sent[2].record, "");
+}
+
+TEST_F(Link, ServerThatDoesNotReadBoundsWhatIsQueued) {
+    open();
+    const auto monitor = NETDSD_default<NET_LOG_MonitorMessage>();
+    testing::internal::CaptureStderr();
+    int taken = 0;
+    while (taken < 2000 && VESKMSG_queue(link(), MSG_LOG_MONITOR, 1, nullptr, monitor))
+        ++taken;
+    EXPECT_FALSE(VESKMSG_queue(link(), MSG_LOG_MONITOR, 1, nullptr, monitor));
+    const std::string complaints = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(std::count(complaints.begin(), complaints.end(), '\n'), 1);  // not one per message
+    EXPECT_NEAR(taken, 1023, 5);
+    EXPECT_FALSE(VESKMSG_flush(link(), 0.05));
+    ASSERT_TRUE(until([&] { return server_->frames().size() == static_cast<std::size_t>(taken); }));
+    EXPECT_TRUE(VESKMSG_queue(link(), MSG_LOG_MONITOR, 1, nullptr, monitor));
+}
+
+TEST_F(Link, CallerThatDoesNotTakeMessagesStopsTheReadingAndLosesNothing) {
+    open();
+    constexpr std::size_t COUNT = 4000;  // 32 MB, twice what may wait
+    const FRAME_bytes m = message(MSG_LOG_MONITOR, 1, "", 0, "N11");
+    for (std::size_t i = 0; i < COUNT; ++i)
+        server_->send(m);
+    VESKMSG_link* const links[] = {link()};
+    std::size_t before = 0;
+    do {
+        before = server_->unsent();
+        for (int i = 0; i < 50; ++i) {
+            server_->write();
+            EXPECT_TRUE(VESKMSG_wait(links, 0) || i == 0);
+        }
+        clock_ += 5;  // who does not read hears no silence
+    } while (server_->unsent() != before);
+    EXPECT_GT(server_->unsent(), COUNT * m.size() / 4);
+    ASSERT_TRUE(until([&] { return got_.size() == COUNT; }));
+}
+
+TEST_F(Link, KnowsInstrumentsFromAnnouncementToDeparture) {
+    open();
+    server_->send(message_of(MSG_SERVER_INSTRUMENTINFO, info("neph", "dry"), "N11"));
+    ASSERT_TRUE(until([this] { return got_.size() == 1; }));
+    NET_SERVER_InstrumentInfo found{};
+    EXPECT_TRUE(VESKMSG_instrument_info_by_name(link(), "N11", &found));
+    EXPECT_STREQ(found.type, "neph");
+    EXPECT_FALSE(VESKMSG_instrument_info_by_name(link(), "N1", &found));
+    EXPECT_FALSE(VESKMSG_instrument_info_by_name(link(), nullptr, &found));
+
+    struct {
+        const char* source;
+        const char* selector;
+        BOOL matches;
+    } const rows[] = {
+        {"N11", "N11", TRUE},   {"N11", "N*", TRUE},     {"N11", "dry", TRUE}, {"N11", "d?y", TRUE},
+        {"N11", "wet", FALSE},  {"N12", "dry", FALSE},   {"N12", "N12", TRUE}, {"N11", "", TRUE},
+        {"N11", nullptr, TRUE}, {nullptr, "N11", FALSE},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(VESKMSG_filter_name_and_tag(link(), row.source, row.selector), row.matches)
+            << (row.source != nullptr ? row.source : "null") << " "
+            << (row.selector != nullptr ? row.selector : "null");
+
+    server_->send(message(MSG_NOTIFY_CLIENT_TERMINATE, 1, "", 0, "N11"));
+    ASSERT_TRUE(until([this] { return got_.size() == 2; }));
+    EXPECT_FALSE(VESKMSG_instrument_info_by_name(link(), "N11", &found));
+    EXPECT_FALSE(VESKMSG_filter_name_and_tag(link(), "N11", "dry"));
+}
+
+TEST_F(Link, CallbacksMayQueueAndListenersHearFirst) {
+    open();
+    static std::vector<std::string> order;
+    static VESKMSG_link* the_link;
+    the_link = link();
+    const VESKMSG_cb listener = [](VESKMSG_proc_msg* pm, void*) {
+        order.push_back(std::string("l ") + pm->msg->name);
+    };
+    const VESKMSG_cb answer = [](VESKMSG_proc_msg* pm, void*) {
+        order.push_back(std::string("c ") + pm->msg->name);
+        VESKMSG_queue_message(the_link, MSG_LOG_FLUSH, 1, nullptr, nullptr, 0, nullptr);
+    };
+    VESKMSG_add_listener(link(), listener, nullptr);
+    server_->send(message(MSG_TEST_ONE, 1));
+    server_->send(message(MSG_TEST_TWO, 1));
+    const auto round = [&] {
+        server_->look();
+        VESKMSG_process_messages(link(), answer, nullptr);
+    };
+    ASSERT_TRUE(wire::until(round, [&] { return server_->frames().size() == 2; }));
+    EXPECT_THAT(order, ElementsAre("l MSG_TEST_ONE", "c MSG_TEST_ONE", "l MSG_TEST_TWO", "c MSG_TEST_TWO"));
+    VESKMSG_remove_listener(link(), listener, nullptr);
+    server_->send(message(MSG_TEST_ONE, 1));
+    ASSERT_TRUE(wire::until(round, [&] { return order.size() > 4; }));
+    EXPECT_EQ(order.back(), "c MSG_TEST_ONE");
+}
+
+TEST_F(Link, WaitWakesForMessagesDescriptorsAndTheEnd) {
+    open();
+    VESKMSG_link* const links[] = {link()};
+    EXPECT_FALSE(VESKMSG_wait(links, 0.01));
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    EXPECT_FALSE(VESKMSG_wait(links, 0.01, ends[0]));
+    ASSERT_EQ(write(ends[1], "x", 1), 1);
+    EXPECT_TRUE(VESKMSG_wait(links, 20, ends[0]));
+    server_->send(message(MSG_TEST_ONE, 1));
+    server_->look();
+    EXPECT_TRUE(VESKMSG_wait(links, 20));
+    round();
+    EXPECT_EQ(got_.size(), 1U);
+    UTIL_request_exit();
+    EXPECT_FALSE(VESKMSG_wait(links, 20));
+    UTIL_request_exit(FALSE);
+    server_->hang_up();
+    EXPECT_TRUE(VESKMSG_wait(links, 20));
+    EXPECT_EQ(link()->stat, VESKMSG_S_UNLINKED);
+    close(ends[0]);
+    close(ends[1]);
+}
+
+}  // namespace

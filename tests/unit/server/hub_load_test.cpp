@@ -1,0 +1,185 @@
+// The hub under load and over time: floods, readers that do not read, peers that say nothing, clocks that
+// leap.
+#include "hub_rig.h"
+#include "libvesk/veskmsg.h"
+
+namespace {
+
+using wire::message;
+
+constexpr DWORD ALL = VESKMSG_TO_ALL;
+
+class HubLoad : public HubRig {
+  protected:
+    static HUB_params small_queues() {
+        HUB_params params;
+        params.queue_bytes = 256 * 1024;
+        return params;
+    }
+    // `count` messages of about 8 KiB to everybody who is called CLIENT.
+    static void flood(wire::End& from, std::size_t count) {
+        for (std::size_t i = 0; i < count; ++i)
+            from.send(message(MSG_LOG_MONITOR, 0, "CLIENT"));
+    }
+    static std::size_t received(const wire::End& peer) {
+        return const_cast<wire::End&>(peer).frames().size();
+    }
+};
+
+TEST_F(HubLoad, FloodLosesNothingWithReadersThatRead) {
+    start(small_queues());
+    constexpr std::size_t COUNT = 1000;
+    std::vector<wire::End*> readers;
+    for (int i = 0; i < 8; ++i)
+        readers.push_back(&client());
+    wire::End& a = instrument("A1");
+    flood(a, COUNT);
+    for (wire::End* r : readers)
+        EXPECT_TRUE(until([&] { return received(*r) == COUNT; })) << received(*r) << " of " << COUNT;
+    EXPECT_EQ(logged("disconnected"), 0U);
+}
+
+TEST_F(HubLoad, SenderWaitsForASlowReaderAndLosesNothing) {
+    start(small_queues());
+    wire::End& slow = client();
+    wire::End& a = instrument("A1");
+    make_deaf(slow);
+    constexpr std::size_t COUNT = 400;
+    flood(a, COUNT);
+    // Until the hub takes no more: queue, socket buffers and one read are all there is.
+    std::size_t before = 0;
+    do {
+        before = a.unsent();
+        for (int i = 0; i < 100; ++i)
+            round();
+    } while (a.unsent() != before);
+    EXPECT_GT(a.unsent(), COUNT * 8204 / 2);
+
+    ASSERT_TRUE(wire::until(
+        [&] {
+            round();
+            slow.look();
+        },
+        [&] { return received(slow) == COUNT; }));
+    EXPECT_FALSE(slow.ended());
+}
+
+TEST_F(HubLoad, PeerThatNeverReadsIsDroppedAndTheOthersGoOn) {
+    start(small_queues());
+    wire::End& reader = client();
+    wire::End& never = client();
+    wire::End& a = instrument("A1");
+    make_deaf(never);
+    constexpr std::size_t COUNT = 300;
+    flood(a, COUNT);
+    ASSERT_TRUE(until([&] {
+        pass(HUB::TICK_SECONDS);
+        return received(reader) == COUNT;
+    }));
+    EXPECT_EQ(logged("it does not read"), 1U);
+    EXPECT_EQ(logged("disconnected"), 1U);
+    EXPECT_EQ(hub_->count(), 2U);
+}
+
+TEST_F(HubLoad, PeerThatReadsATrickleIsDroppedInTheEnd) {
+    HUB_params params;
+    params.queue_bytes = 1024 * 1024;
+    start(params);
+    wire::End& trickle = client();
+    wire::End& reader = client();
+    wire::End& a = instrument("A1");
+    make_deaf(trickle);
+    constexpr std::size_t COUNT = 300;
+    flood(a, COUNT);
+    for (int i = 0; i < 200; ++i) round();
+    double seconds = 0;
+    for (; seconds < 20 && logged("reads too slowly") == 0; seconds += HUB::TICK_SECONDS) {
+        trickle.skip(16 * 1024);  // once in every tick, so that it never stalls
+        pass(HUB::TICK_SECONDS);
+    }
+    EXPECT_NEAR(seconds, 5.0, 1.0);
+    EXPECT_TRUE(until([&] { return received(reader) == COUNT; }));
+}
+
+TEST_F(HubLoad, SenderThatDoesNotReadItsOwnEchoIsDroppedAlone) {
+    start(small_queues());
+    wire::End& mad = instrument("M1");
+    wire::End& reader = client();
+    make_deaf(mad);
+    for (int i = 0; i < 300; ++i)
+        mad.send(message(MSG_LOG_MONITOR, ALL));
+    ASSERT_TRUE(until([&] {
+        mad.write();
+        pass(HUB::TICK_SECONDS);
+        return logged("disconnected") == 1;
+    }));
+    settle(reader);
+    EXPECT_EQ(reader.frames().back().value, MSG_NOTIFY_CLIENT_TERMINATE);
+}
+
+TEST_F(HubLoad, SilentPeersAreDroppedAfterThirtySecondsAndHeartbeatsCount) {
+    wire::End& silent = instrument("A1");
+    wire::End& alive = client();
+    FRAME_bytes heartbeat;
+    FRAME_encode_heartbeat(&heartbeat);
+    for (int i = 0; i < 5; ++i) {
+        alive.send(heartbeat);
+        pass(5);
+    }
+    EXPECT_EQ(logged("silent"), 0U);
+    alive.send(heartbeat);
+    pass(6);
+    EXPECT_EQ(logged("A1"), 2U);  // connected, and then
+    EXPECT_EQ(logged("silent for too long"), 1U);
+    EXPECT_TRUE(silent.ended());
+    EXPECT_FALSE(alive.ended());
+    EXPECT_NEAR(alive.heartbeats(), 6, 1);
+    EXPECT_EQ(alive.frames().back().value, MSG_NOTIFY_CLIENT_TERMINATE);
+}
+
+TEST_F(HubLoad, ClockThatIsSetDropsNobody) {
+    wire::End& a = client();
+    for (const double leap : {3600.0, -7200.0, 1e9, -1e9}) {
+        clock_ += leap;
+        hub_->tick();
+        round();
+    }
+    EXPECT_FALSE(a.ended());
+    EXPECT_EQ(hub_->count(), 1U);
+}
+
+TEST_F(HubLoad, HalfAHelloIsClosedAfterTenSeconds) {
+    wire::End& half = raw();
+    const FRAME_bytes hello = wire::hello(FRAME_PEER_CLIENT, "CLIENT");
+    half.send(FRAME_span(hello).first(9));
+    wire::End& nothing = raw();
+    pass(9);
+    EXPECT_EQ(hub_->count(), 2U);
+    pass(2);
+    EXPECT_EQ(hub_->count(), 0U);
+    EXPECT_TRUE(half.ended());
+    EXPECT_TRUE(nothing.ended());
+    EXPECT_EQ(logged("no complete hello"), 2U);
+}
+
+TEST_F(HubLoad, NewcomerWaitsForANameWhoseHolderIsGoneButNotReadToItsEnd) {
+    start(small_queues());
+    wire::End& first = instrument("A1");
+    wire::End& never = client();
+    make_deaf(never);
+    // The holder has gone, but what it said last is still held up by a peer that does not read.
+    flood(first, 100);
+    for (int i = 0; i < 200; ++i)
+        round();
+    first.hang_up();
+    wire::End& second = raw();
+    second.send(wire::hello(FRAME_PEER_INSTRUMENT, "A1"));
+    for (int i = 0; i < 10; ++i)
+        round();
+    EXPECT_TRUE(second.frames().empty());  // neither welcome nor refused
+    pass(2);                               // the one that does not read is dropped, the holder's end is read
+    ASSERT_FALSE(second.frames().empty());
+    EXPECT_EQ(second.frames()[0].kind, FRAME_WELCOME);
+}
+
+}  // namespace

@@ -1,0 +1,287 @@
+// Who gets what: greeting, routing, stamping, keeping, departures, and what happens to what is wrong.
+#include "hub_rig.h"
+#include "libvesk/veskmsg.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using wire::message;
+
+constexpr DWORD ALL = VESKMSG_TO_ALL;
+constexpr DWORD SHARED = VESKMSG_TO_ALL | VESKMSG_RESERVED | VESKMSG_KEEP;
+
+using Hub = HubRig;
+
+TEST_F(Hub, LateJoinerGetsAnnouncementsThenKeptMessagesInTheOrderOfFirstSending) {
+    wire::End& console = client();
+    wire::End& a = instrument("A1");
+    wire::End& b = instrument("B1");
+    console.send(message(MSG_COMMON_NEPH_SPANCHECK_ABORT, SHARED));
+    settle(console);
+    a.send(message(MSG_CPC_3010_STATUS, SHARED, "", 1));
+    a.send(message(MSG_CPC_3010_INSTANT, ALL, "", 1));  // not kept
+    settle(a);
+    b.send(message(MSG_CPC_3022_STATUS, SHARED));
+    b.send(message(MSG_SERVER_INSTRUMENTINFO, ALL));
+    settle(b);
+    a.send(message(MSG_SERVER_INSTRUMENTINFO, SHARED));
+    a.send(message(MSG_CPC_3010_STATUS, SHARED, "", 2));  // the latest, at the place of the first
+    settle(a);
+
+    wire::End& late = client();
+    settle(a);
+    ASSERT_EQ(late.frames().size(), 5U);
+    EXPECT_EQ(late.frames()[0].source, "B1");
+    EXPECT_EQ(late.frames()[1].source, "A1");
+    EXPECT_EQ(late.frames()[3].payload.at(0), std::byte{2});
+    EXPECT_THAT(names(late),
+                ElementsAre("MSG_SERVER_INSTRUMENTINFO", "MSG_SERVER_INSTRUMENTINFO",
+                            "MSG_COMMON_NEPH_SPANCHECK_ABORT", "MSG_CPC_3010_STATUS", "MSG_CPC_3022_STATUS"));
+}
+
+TEST_F(Hub, KeptMessagesOfAnInstrumentGoWithItAndThoseOfConsolesStay) {
+    wire::End& console = client();
+    wire::End& a = instrument("A1");
+    a.send(message(MSG_SERVER_INSTRUMENTINFO, SHARED));
+    a.send(message(MSG_CPC_3010_STATUS, SHARED));
+    settle(a);
+    console.send(message(MSG_CONTAMINATION_BYPASS, SHARED));
+    settle(console);
+    a.hang_up();
+    console.hang_up();
+    ASSERT_TRUE(until([&] { return hub_->count() == 0; }));
+
+    wire::End& late = client();
+    settle(late);
+    EXPECT_THAT(names(late), ElementsAre("MSG_CONTAMINATION_BYPASS"));
+}
+
+TEST_F(Hub, DirectedMessageReachesItsNameAndMonitorsOnce) {
+    wire::End& console = client();
+    wire::End& other = client();
+    wire::End& a = instrument("A1");
+    wire::End& b = instrument("B1");
+    wire::End& monitor = join(FRAME_PEER_MONITOR);
+    console.send(message(MSG_NEPH_ISSUE_ZERO, 0, "A1"));
+    console.send(message(MSG_NEPH_CONFIG, 0, "nobody"));
+    console.send(message(MSG_LOG_FLUSH, ALL, "A1"));
+    a.send(message(MSG_CPC_3010_STATUS, 0, "CLIENT"));
+    settle(console);
+    settle(a);
+    EXPECT_THAT(names(a), ElementsAre("MSG_NEPH_ISSUE_ZERO", "MSG_LOG_FLUSH"));
+    EXPECT_THAT(names(b), ElementsAre("MSG_LOG_FLUSH"));
+    EXPECT_THAT(names(other), testing::UnorderedElementsAre("MSG_LOG_FLUSH", "MSG_CPC_3010_STATUS"));
+    EXPECT_THAT(names(console), testing::UnorderedElementsAre("MSG_LOG_FLUSH", "MSG_CPC_3010_STATUS"));
+    EXPECT_EQ(monitor.frames().size(), 4U);
+}
+
+TEST_F(Hub, KeptDirectedMessageIsReplayedToThoseItIsFor) {
+    wire::End& console = client();
+    console.send(message(MSG_NEPH_CONFIG, VESKMSG_KEEP, "A1"));
+    settle(console);
+    EXPECT_THAT(names(instrument("B1")), IsEmpty());
+    wire::End& a = instrument("A1");
+    wire::End& monitor = join(FRAME_PEER_MONITOR);
+    settle(console);
+    EXPECT_THAT(names(a), ElementsAre("MSG_NEPH_CONFIG"));
+    EXPECT_THAT(names(monitor), ElementsAre("MSG_NEPH_CONFIG"));
+}
+
+TEST_F(Hub, FramesInOrderAreForwardedByteForByteAndOthersGetTheirTrueSource) {
+    wire::End& a = instrument("A1");
+    wire::End& console = client();
+    const FRAME_bytes own = message(MSG_CPC_3010_STATUS, ALL | VESKMSG_RESERVED, "B1", 0xA5, "A1");
+    a.send(own);
+    a.send(message(MSG_CPC_3010_STATUS, ALL, "B1", 0xA5, ""));
+    a.send(message(MSG_CPC_3010_STATUS, ALL, "B1", 0xA5, "B1"));
+    a.send(message(MSG_CPC_3010_STATUS, ALL, "B1", 0xA5, "CLIENT"));
+    settle(a);
+    ASSERT_EQ(console.frames().size(), 4U);
+    EXPECT_EQ(console.frames()[0].bytes, own);
+    for (const wire::Seen& s : console.frames()) {
+        EXPECT_EQ(s.source, "A1");
+        EXPECT_EQ(s.payload, console.frames()[0].payload);
+        EXPECT_EQ(s.dest, "B1");
+    }
+    EXPECT_EQ(logged("another's name"), 1U);
+}
+
+TEST_F(Hub, DepartureIsAnnouncedAfterTheLastWordsAndForInstrumentsOnly) {
+    wire::End& a = instrument("A1");
+    wire::End& console = client();
+    wire::End& leaving = client();
+    for (int i = 0; i < 3; ++i)
+        a.send(message(MSG_CPC_3010_INSTANT, ALL));
+    a.write();
+    a.hang_up();
+    leaving.hang_up();
+    ASSERT_TRUE(until([&] { return hub_->count() == 1; }));
+    settle(console);
+    ASSERT_EQ(console.frames().size(), 4U);
+    EXPECT_EQ(console.frames()[3].value, MSG_NOTIFY_CLIENT_TERMINATE);
+    EXPECT_EQ(console.frames()[3].source, "A1");
+    EXPECT_EQ(console.frames()[3].flags, ALL);
+}
+
+TEST_F(Hub, RefusesWithAReasonAndClosesThen) {
+    HUB_params params;
+    params.most_peers = 2;
+    start(params);
+    instrument("A1");
+    struct {
+        FRAME_bytes hello;
+        const char* text;
+    } rows[] = {
+        {wire::hello(FRAME_PEER_INSTRUMENT, "B1", 2), "wrong version, it speaks 1"},
+        {wire::hello(FRAME_PEER_INSTRUMENT, "A1"), "name taken"},
+        {wire::hello(FRAME_PEER_INSTRUMENT, ""), "bad name"},
+        {wire::hello(FRAME_PEER_INSTRUMENT, " B1"), "bad name"},
+        {wire::hello(FRAME_PEER_INSTRUMENT, "B\x1b[2J"), "bad name"},
+        {wire::hello(FRAME_PEER_INSTRUMENT, std::string(32, 'B')), "bad name"},
+        {wire::hello(FRAME_PEER_INSTRUMENT, "CLIENT"), "bad name"},
+        {wire::hello(FRAME_PEER_CLIENT, "B1"), "bad name"},
+        {wire::hello(FRAME_PEER_MONITOR, "B1"), "bad name"},
+    };
+    for (const auto& row : rows) {
+        wire::End& refused = raw();
+        refused.send(row.hello);
+        refused.send(message(MSG_LOG_FLUSH, ALL));  // speaks before it is asked
+        ASSERT_TRUE(until([&] { return refused.ended(); })) << row.text;
+        ASSERT_EQ(refused.frames().size(), 1U) << row.text;
+        EXPECT_EQ(refused.frames()[0].text, row.text);
+        refused.hang_up();
+        ASSERT_TRUE(until([&] { return hub_->count() == 1; }));
+    }
+    client();
+    wire::End& late = raw();
+    ASSERT_TRUE(until([&] { return late.ended(); }));
+    ASSERT_EQ(late.frames().size(), 1U);
+    EXPECT_EQ(late.frames()[0].text, "server full");
+    EXPECT_EQ(logged("refused"), std::size(rows) + 1);
+}
+
+TEST_F(Hub, SuccessorIsWelcomeBeforeTheEndOfItsPredecessorWasRead) {
+    wire::End& first = instrument("A1");
+    wire::End& console = client();
+    wire::End& second = raw();
+    second.send(wire::hello(FRAME_PEER_INSTRUMENT, "A1"));
+    pump();  // the connection is accepted and waits for bytes
+    for (int i = 0; i < 1000; ++i)
+        first.send(message(MSG_CPC_3010_INSTANT, ALL));
+    first.write();
+    first.hang_up();
+    second.write();
+    ASSERT_TRUE(until([&] { return !second.frames().empty(); }));
+    EXPECT_EQ(second.frames()[0].kind, FRAME_WELCOME);
+    second.send(message(MSG_CPC_3010_STATUS, ALL));
+    settle(second);
+    EXPECT_EQ(names(console).back(), "MSG_CPC_3010_STATUS");
+    EXPECT_EQ(logged("refused"), 0U);
+}
+
+FRAME_bytes odd_message(int type, DWORD flags, const char* dest, const char* record, std::size_t size) {
+    FRAME_bytes out;
+    FRAME_encode_message(&out, {type, flags, "", dest, record, FRAME_bytes(size)});
+    return out;
+}
+
+TEST_F(Hub, WrongMessagesAreDroppedAndLoggedOncePerPeerAndCause) {
+    struct {
+        FRAME_bytes bytes;
+        const char* cause;
+    } const rows[] = {
+        {odd_message(270, ALL, "", "", 0), "an unknown type"},
+        {odd_message(65535, ALL, "", "", 0), "an unknown type"},
+        {odd_message(MSG_NOTIFY_CLIENT_TERMINATE, ALL, "", "", 0), "only the server may send"},
+        {odd_message(MSG_SERVER_HEARTBEAT, ALL, "", "", 0), "only the server may send"},
+        {odd_message(MSG_CPC_3010_STATUS, ALL, "", "NET_NONE\x1b", 1), "an unknown record"},
+        {odd_message(MSG_CPC_3010_STATUS, ALL, "", "", 1), "an unknown record"},
+        {odd_message(MSG_CPC_3010_STATUS, ALL, "", "NET_IO_Value", 48), "does not belong to the type"},
+        {odd_message(MSG_IO_INSTANT, ALL, "", "NET_IO_Value", 47), "another size"},
+        {odd_message(MSG_IO_INSTANT, ALL, "", "NET_IO_Value", 49), "another size"},
+        {odd_message(MSG_LOG_FLUSH, 9, "", "", 0), "flags without a meaning"},
+        {odd_message(MSG_LOG_FLUSH, 0, "", "", 0), "no destination"},
+        {odd_message(MSG_LOG_FLUSH, ALL, "N\n", "", 0), "a destination that cannot be a name"},
+        {message(MSG_SERVER_INSTRUMENTINFO, ALL), "only an instrument may send"},
+        {odd_message(MSG_SERVER_INSTRUMENTINFO, ALL, "", "", 0), "only an instrument may send"},
+    };
+    wire::End& bad = client();
+    wire::End& witness = client();
+    for (const auto& row : rows) {
+        bad.send(row.bytes);
+        bad.send(row.bytes);
+    }
+    settle(bad);
+    EXPECT_THAT(names(witness), IsEmpty());
+    for (const auto& row : rows)
+        EXPECT_EQ(logged(row.cause), 1U) << row.cause;
+    for (const std::string& line : log_)
+        EXPECT_TRUE(std::all_of(line.begin(), line.end(), [](char c) { return UTIL_is_printable(BYTE(c)); }))
+            << line;
+
+    witness.send(rows[0].bytes);
+    settle(witness);
+    EXPECT_EQ(logged(rows[0].cause), 2U);  // once per peer
+}
+
+FRAME_bytes raw_frame(std::uint32_t length, BYTE kind, std::size_t body) {
+    FRAME_bytes out(FRAME_HEAD + body);
+    std::memcpy(out.data(), &length, sizeof length);
+    out[4] = std::byte{kind};
+    return out;
+}
+
+TEST_F(Hub, BrokenFramingCostsTheLinkAndDisturbsNobodyElse) {
+    FRAME_bytes long_texts = message(MSG_LOG_FLUSH, ALL);
+    long_texts[12] = std::byte{1};  // a source of one byte in a frame that has none
+    FRAME_bytes welcome;
+    FRAME_encode_welcome(&welcome);
+    struct {
+        bool after_hello;
+        FRAME_bytes bytes;
+        const char* what;
+    } const rows[] = {
+        {false, FRAME_bytes(64, std::byte{'G'}), "a frame of 1195853643 bytes"},
+        {false, message(MSG_LOG_FLUSH, ALL), "its first frame is no hello"},
+        {false, raw_frame(4, FRAME_HELLO, 0), "its first frame is no hello"},
+        {true, raw_frame(0xFFFFFFFF, FRAME_MESSAGE, 0), "a frame of 4294967299 bytes"},
+        {true, raw_frame(FRAME_MAX - 3, FRAME_MESSAGE, 0), "a frame of 65537 bytes"},
+        {true, raw_frame(3, FRAME_HEARTBEAT, 0), "a frame of 7 bytes"},
+        {true, raw_frame(0, 0, 0), "a frame of 4 bytes"},
+        {true, raw_frame(4, 77, 0), "unknown kind"},
+        {true, raw_frame(4, FRAME_MESSAGE, 0), "shorter than its head"},
+        {true, raw_frame(5, FRAME_HEARTBEAT, 1), "without a body has one"},
+        {true, long_texts, "longer than itself"},
+        {true, wire::hello(FRAME_PEER_CLIENT, "CLIENT"), "out of turn"},
+        {true, welcome, "out of turn"},
+    };
+    wire::End& witness = client();
+    for (const auto& row : rows) {
+        const std::size_t before = logged(row.what);
+        wire::End& bad = row.after_hello ? client() : raw();
+        bad.send(row.bytes);
+        ASSERT_TRUE(until([&] { return bad.ended(); })) << row.what;
+        EXPECT_EQ(logged(row.what), before + 1) << row.what;
+    }
+    settle(witness);
+    EXPECT_FALSE(witness.ended());
+    EXPECT_EQ(hub_->count(), 1U);
+}
+
+TEST_F(Hub, UnderstandsFramesThatComeByteByByte) {
+    wire::End& console = client();
+    wire::End& slow = raw();
+    FRAME_bytes all = wire::hello(FRAME_PEER_INSTRUMENT, "A1");
+    for (const FRAME_bytes& m : {message(MSG_CPC_3010_STATUS, ALL), message(MSG_LOG_FLUSH, ALL)})
+        all.insert(all.end(), m.begin(), m.end());
+    for (const std::byte b : all) {
+        slow.send(FRAME_span(&b, 1));
+        slow.write();
+        pump();
+    }
+    settle(console);
+    EXPECT_THAT(names(console), ElementsAre("MSG_CPC_3010_STATUS", "MSG_LOG_FLUSH"));
+}
+
+}  // namespace

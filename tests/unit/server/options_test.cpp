@@ -1,0 +1,107 @@
+// The server's command line, right and wrong, and one whole run.
+#include "server/options.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <csignal>
+
+#include "server/server.h"
+#include "support/wire.h"
+
+namespace {
+
+std::optional<OPTIONS> parse(std::vector<const char*> words, int* status) {
+    words.insert(words.begin(), "vesk.server");
+    return OPTIONS_parse(static_cast<int>(words.size()), words.data(), status);
+}
+
+TEST(Options, TakesWhatItIsGiven) {
+    setenv("VESK_SOCKET", "/tmp/here.sock", 1);
+    int status = 0;
+    const auto plain = parse({}, &status);
+    ASSERT_TRUE(plain);
+    EXPECT_EQ(plain->socket.path, "/tmp/here.sock");
+    EXPECT_TRUE(plain->listen.empty());
+
+    const auto all =
+        parse({"--socket", "/x/y.sock", "--listen", "[::1]:9", "--listen", "station", "-v", "--queue-bytes",
+               "100000", "--stall-seconds", "2", "--heartbeat", "1", "--silence", "6"},
+              &status);
+    ASSERT_TRUE(all);
+    EXPECT_EQ(all->socket.path, "/x/y.sock");
+    ASSERT_EQ(all->listen.size(), 2U);
+    EXPECT_EQ(ADDRESS_text(all->listen[0]), "[::1]:9");
+    EXPECT_EQ(ADDRESS_text(all->listen[1]), "station:8375");
+    EXPECT_TRUE(all->verbose);
+    EXPECT_EQ(all->hub.queue_bytes, 100000U);
+    EXPECT_EQ(all->hub.stall_seconds, 2.0);
+    EXPECT_EQ(all->hub.heartbeat_seconds, 1.0);
+    EXPECT_EQ(all->hub.silence_seconds, 6.0);
+}
+
+TEST(Options, SaysWhatIsWrong) {
+    const std::pair<std::vector<const char*>, const char*> rows[] = {
+        {{"--socket", "x.sock"}, "no slash"},
+        {{"--listen", "/x"}, "is a path"},
+        {{"--listen", "a:b"}, "port"},
+        {{"--listen", ""}, "names no host"},
+        {{"--queue-bytes", "1"}, "--queue-bytes"},
+        {{"--stall-seconds", "x"}, "--stall-seconds"},
+        {{"--nonsense"}, "--nonsense"},
+        {{"extra"}, "extra"},
+    };
+    for (const auto& [words, text] : rows) {
+        int status = 0;
+        testing::internal::CaptureStderr();
+        EXPECT_FALSE(parse(words, &status)) << text;
+        EXPECT_EQ(status, 2) << text;
+        EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr(text));
+    }
+    int status = 7;
+    testing::internal::CaptureStdout();
+    EXPECT_FALSE(parse({"--help"}, &status));
+    EXPECT_EQ(status, 0);
+    EXPECT_THAT(testing::internal::GetCapturedStdout(), testing::HasSubstr("--listen"));
+}
+
+TEST(Server, RunsUntilASignalAndLeavesNothingBehind) {
+    wire::Folder folder;
+    const std::string path = folder / "run/server.sock";
+    const pid_t pid = fork();
+    if (pid == 0) {
+        OPTIONS options;
+        options.socket.path = path;
+        _exit(SERVER_run(options));
+    }
+    ASSERT_TRUE(wire::until([] { usleep(1000); }, [&] { return std::filesystem::exists(path); }));
+    std::optional<wire::End> peer;
+    ASSERT_TRUE(wire::until([] {},
+                            [&] {
+                                try {
+                                    return peer.emplace(path), true;
+                                } catch (const std::runtime_error&) {
+                                    return false;
+                                }
+                            }));
+    peer->send(wire::hello(FRAME_PEER_CLIENT, "CLIENT"));
+    ASSERT_TRUE(wire::until([&] { peer->look(); }, [&] { return !peer->frames().empty(); }));
+
+    OPTIONS same;
+    same.socket.path = path;
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(SERVER_run(same), 1);
+    EXPECT_THAT(
+        testing::internal::GetCapturedStderr(),
+        testing::ContainsRegex("^....-..-..T..:..:..Z vesk.server: cannot listen on .*another server"));
+
+    kill(pid, SIGTERM);
+    int status = -1;
+    ASSERT_EQ(waitpid(pid, &status, 0), pid);
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(wire::until([&] { peer->look(); }, [&] { return peer->ended(); }));
+    EXPECT_TRUE(std::filesystem::is_empty(folder / "run"));
+}
+
+}  // namespace

@@ -1,0 +1,418 @@
+// The nephelometers: zeros, parameters and the span check as an operator with a gas bottle sees them.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "libvesk/records/log.h"
+#include "libvesk/records/neph.h"
+#include "libvesk/util.h"
+#include "simstation/spancheck.h"
+#include "support/sim_probe.h"
+
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr double MM = 1e6;  // 1/m in 1/Mm
+constexpr FTIME REAL_NOW = 1'800'000'000.5;
+constexpr const char* EVERY_KIND[] = {"neph", "neph_passive", "nephM903", "neph_aurora3000"};
+
+// A value between the two; by value, since fields of records may be unaligned.
+void expect_between(double value, double low, double high, const char* what) {
+    EXPECT_TRUE(value >= low && value <= high) << what << " is " << value;
+}
+
+NET_NEPH_Instant neph_now(const SimProbe& probe) {
+    return probe.last<NET_NEPH_Instant>(MSG_NEPH_INSTANT);
+}
+
+NET_COMMON_Neph_SpancheckPhase phase_now(const SimProbe& probe) {
+    return probe.last<NET_COMMON_Neph_SpancheckPhase>(MSG_COMMON_NEPH_SPANCHECK_PHASE);
+}
+
+// The order of a console whose clock shows `t`: air flush, CO2 flush, CO2 sample, air sample.
+NET_COMMON_Neph_SpancheckIssue order(FTIME t, double air_flush = 180, double co2_flush = 600,
+                                     double co2_sample = 300, double air_sample = 600) {
+    NET_COMMON_Neph_SpancheckIssue r;
+    r.end_init_air_flush = t + air_flush;
+    r.end_init_co2_flush = r.end_init_air_flush + co2_flush;
+    r.end_co2_sample = r.end_init_co2_flush + co2_sample;
+    r.end_sample_air_flush = r.end_co2_sample + air_flush;
+    r.end_air_sample = r.end_sample_air_flush + air_sample;
+    return r;
+}
+constexpr int WHOLE_CHECK = 180 + 600 + 300 + 180 + 600;
+
+// Real time stands still at REAL_NOW, far from the simulated one.
+class Spancheck : public testing::Test {
+  protected:
+    Spancheck() {
+        UTIL_set_clock([] { return REAL_NOW; });
+    }
+    ~Spancheck() override { UTIL_set_clock(nullptr); }
+};
+
+// --- measuring ---
+
+TEST(Neph, ScattersWhatTheAirHoldsInAllColours) {
+    SimProbe probe("neph");
+    probe.run(1200);
+    const auto r = probe.last<NET_NEPH_Avg>(MSG_NEPH_AVERAGE);
+    expect_between(r.s.bsp[1] * MM, 4.5, 85, "green scatter");
+    EXPECT_GT(+r.s.bsp[0], +r.s.bsp[1]);
+    EXPECT_GT(+r.s.bsp[1], +r.s.bsp[2]);
+    expect_between(r.s.bbsp[1] / r.s.bsp[1], 0.08, 0.17, "backscattered share");
+    expect_between(r.alphaGR, 0.7, 2.3, "exponent");
+    EXPECT_NEAR(r.alphaGR, std::log(r.s.bsp[1] / r.s.bsp[2]) / std::log(700.0 / 550.0), 1e-12);
+    expect_between(neph_now(probe).lamp_V * neph_now(probe).lamp_I, 74, 76, "lamp power");
+    EXPECT_LT(+r.RH_neph, +r.RH_inlet) << "the lamp warms the sample";
+}
+
+// Once it runs in outer air, every number that a record of a kind with three colours has is filled.
+TEST(Neph, NoReadingIsMissing) {
+    for (const char* type : {"neph", "neph_aurora3000"}) {
+        SimProbe probe(type);
+        probe.run(120);
+        for (const SentMessage& m : probe.sink.sent) {
+            if (m.dsd == nullptr || m.time < probe.world.now - 55) continue;
+            NETDSD_for_each_leaf(m.dsd, [&](const NETDSD_field& f, std::size_t at) {
+                if (NETDSD_element_type(f.ft) != NETDSD_FT_DOUBLE) return;
+                const std::string_view name = f.name;
+                // Scattering of little aerosol can be below zero for a second: no exponent then.
+                if (name.starts_with("alpha") || name == "aGR" || name == "abGR") return;
+                EXPECT_NE(NETDSD_load<double>(m.payload.data() + at), VESK_MISSING)
+                    << m.dsd->name << " " << f.name;
+            });
+        }
+    }
+}
+
+TEST(Neph, KindsInTheSameAirAgree) {
+    SimProbe neph("neph");
+    SimProbe m903("nephM903");
+    SimProbe aurora("neph_aurora3000");
+    for (SimProbe* probe : {&neph, &m903, &aurora})
+        probe->run(600);
+    const auto n = neph.last<NET_NEPH_Avg>(MSG_NEPH_AVERAGE);
+    const auto m = m903.last<NET_NEPHM903_Avg>(MSG_NEPHM903_AVERAGE);
+    const auto a = aurora.last<NET_NEPHAURORA3000_Avg>(MSG_NEPHAURORA3000_AVERAGE);
+    expect_between(m.bspg / n.s.bsp[1], 0.85, 1.2, "M903");
+    expect_between(a.s.bsp[0] / n.s.bsp[0], 0.9, 1.1, "Aurora, blue");
+    expect_between(m.greenref * MM, 11, 13, "reference");
+}
+
+TEST(Neph, SaysTheSameInTheFormThatAllKindsShare) {
+    for (const char* type : EVERY_KIND) {
+        SCOPED_TRACE(type);
+        SimProbe probe(type);
+        probe.run(100);
+        const auto r = probe.last<NET_COMMON_Neph_Instant>(MSG_COMMON_NEPH_INSTANT);
+        EXPECT_EQ(+r.start_time, probe.world.now);
+        expect_between(r.in.bsp[1] * MM, 3, 90, "green");
+        expect_between(r.ra.bsp[1] / r.in.bsp[1], 0.7, 1.4, "running average");
+        EXPECT_EQ(VESK_is_missing(+r.in.bsp[0]), std::string_view(type) == "nephM903");
+    }
+}
+
+// --- zeros ---
+
+TEST(NephZero, CountsDownDecaysAndReportsANewBackground) {
+    SimProbe probe("neph");
+    probe.run(300);
+    const double before = neph_now(probe).s.bsp[1];
+    const auto old = probe.last<NET_NEPH_Zero>(MSG_NEPH_ZERO);
+    ASSERT_TRUE(neph_now(probe).ambient);
+    const FTIME begun = probe.world.now;
+    ASSERT_TRUE(probe.command(MSG_NEPH_ISSUE_ZERO));
+    probe.forget();
+
+    probe.run(9);
+    EXPECT_FALSE(neph_now(probe).ambient);
+    EXPECT_EQ(+neph_now(probe).sec_left, 291);
+    expect_between(neph_now(probe).s.bsp[1] / before, 0.25, 0.55, "what is left after one flush");
+    probe.run(280);
+    EXPECT_EQ(+neph_now(probe).sec_left, 11);
+    expect_between(neph_now(probe).s.bsp[1] * MM, -1.5, 1.5, "filtered air");
+    EXPECT_EQ(probe.count(MSG_NEPH_ZERO), 0u);
+
+    probe.run(11);
+    const auto zero = probe.last<NET_NEPH_Zero>(MSG_NEPH_ZERO);
+    EXPECT_NEAR(zero.bspBKshift[1], zero.bspBK[1] - old.bspBK[1], 1e-15);
+    expect_between(zero.bspBK[1] * MM, 14, 22, "gas and walls");
+    EXPECT_EQ(+probe.last<NET_NEPH_ZeroSchedule>(MSG_NEPH_ZEROSCHEDULE).time_next, begun + 3600);
+    EXPECT_FALSE(neph_now(probe).ambient) << "blanking";
+    EXPECT_STREQ(probe.last<NET_NEPH_Modes>(MSG_NEPH_MODES).mode, "BBXX");
+    probe.run(60);
+    EXPECT_TRUE(neph_now(probe).ambient);
+    expect_between(neph_now(probe).s.bsp[1] / before, 0.7, 1.4, "ambient again");
+    for (const NETMSG_type kept : {MSG_NEPH_ZERO, MSG_NEPH_ZEROSCHEDULE, MSG_NEPH_MODES})
+        EXPECT_EQ(probe.of(kept).back().flags, DWORD{VESKMSG_TO_ALL | VESKMSG_KEEP});
+}
+
+TEST(NephZero, ComesEveryHourAndStaysOutOfTheAverages) {
+    for (const auto& [type, msg] :
+         {std::pair{"neph", MSG_NEPH_ZERO}, std::pair{"neph_aurora3000", MSG_NEPHAURORA3000_ZERO}}) {
+        SCOPED_TRACE(type);
+        SimProbe probe(type);
+        probe.run(3 * 3600 + 600);
+        EXPECT_EQ(probe.count(msg), 1u + 3u) << "the earlier one, and the first three at full hours";
+    }
+    SimProbe probe("neph");
+    ASSERT_TRUE(probe.command(MSG_NEPH_ISSUE_ZERO));
+    probe.run(600);
+    for (const auto& avg : probe.records<NET_NEPH_Avg>(MSG_NEPH_AVERAGE)) {
+        EXPECT_NE(+avg.pc.sampTS[1], VESK_MISSING);
+        if (!VESK_is_missing(+avg.s.bsp[1])) expect_between(avg.s.bsp[1] * MM, 3, 90, "averaged outer air");
+    }
+    EXPECT_TRUE(VESK_is_missing(+probe.records<NET_NEPH_Avg>(MSG_NEPH_AVERAGE).at(2).s.bsp[1]));
+}
+
+TEST(NephZero, AuroraZeroesOnCommand) {
+    SimProbe probe("neph_aurora3000");
+    ASSERT_TRUE(probe.command(MSG_NEPHAURORA3000_ISSUE_ZERO));
+    probe.forget();
+    probe.run(200);
+    const auto r = probe.last<NET_NEPHAURORA3000_Instant>(MSG_NEPHAURORA3000_INSTANT);
+    EXPECT_FALSE(r.ambient);
+    expect_between(r.s.bsp[1] * MM, -1.5, 1.5, "filtered air");
+    probe.run(200);
+    EXPECT_EQ(probe.count(MSG_NEPHAURORA3000_ZERO), 1u);
+    EXPECT_EQ(probe.count(MSG_NEPHAURORA3000_ZEROSCHEDULE), 1u);
+}
+
+// --- parameters ---
+
+TEST(NephConfig, IsClampedAndEchoedAndChangesWhatItSays) {
+    SimProbe probe("neph");
+    auto wanted = probe.last<NET_NEPH_Config>(MSG_NEPH_CONFIG);
+    wanted.stp = static_cast<std::int16_t>(99999 & 0xFFFF);  // wraps to a negative number
+    wanted.stz = 20;
+    wanted.smz = 99;
+    wanted.svg = 2000;
+    wanted.smb = FALSE;
+    ASSERT_TRUE(probe.command(MSG_NEPH_CONFIG, wanted));
+    const auto echo = probe.last<NET_NEPH_Config>(MSG_NEPH_CONFIG);
+    EXPECT_EQ(echo.stp, 10);
+    EXPECT_EQ(echo.stz, 20);
+    EXPECT_EQ(echo.smz, 24);
+    EXPECT_EQ(echo.svg, 1200);
+    EXPECT_EQ(probe.of(MSG_NEPH_CONFIG).back().flags, DWORD{VESKMSG_TO_ALL | VESKMSG_KEEP});
+    probe.run(30);
+    EXPECT_STREQ(probe.last<NET_NEPH_Modes>(MSG_NEPH_MODES).mode, "NTXX");
+    EXPECT_TRUE(VESK_is_missing(+neph_now(probe).s.bbsp[0]));
+    EXPECT_FALSE(VESK_is_missing(+neph_now(probe).s.bsp[0]));
+
+    wanted.l = FALSE;
+    ASSERT_TRUE(probe.command(MSG_NEPH_CONFIG, wanted));
+    probe.run(1);
+    EXPECT_EQ(+neph_now(probe).lamp_V, 0);
+    EXPECT_TRUE(VESK_is_missing(+neph_now(probe).s.bsp[1])) << "measured in the dark";
+    EXPECT_EQ(probe.last<NET_NEPH_Modes>(MSG_NEPH_MODES).flags & 1, 1);
+}
+
+TEST(NephConfig, OfAnotherInstrumentIsNoOrder) {
+    SimProbe probe("neph");
+    auto theirs = probe.last<NET_NEPH_Config>(MSG_NEPH_CONFIG);
+    theirs.l = FALSE;
+    probe.forget();
+    EXPECT_FALSE(probe.broadcast(MSG_NEPH_CONFIG, theirs, "N12"));
+    probe.run(1);
+    EXPECT_EQ(probe.count(MSG_NEPH_CONFIG), 0u);
+    EXPECT_GT(+neph_now(probe).lamp_V, 11);
+}
+
+TEST(NephConfig, TheValveHoldsFilteredAirUntilItIsReleased) {
+    SimProbe probe("neph");
+    ASSERT_TRUE(probe.command(MSG_NEPH_OVERRIDEPARAMS, NET_NEPH_OverrideParams{1}));
+    probe.run(100);
+    EXPECT_FALSE(neph_now(probe).ambient);
+    expect_between(neph_now(probe).s.bsp[1] * MM, -1.5, 1.5, "filtered air");
+    ASSERT_TRUE(probe.command(MSG_NEPH_OVERRIDEPARAMS, NET_NEPH_OverrideParams{-1}));
+    probe.run(1);
+    EXPECT_FALSE(neph_now(probe).ambient) << "unchanged";
+    ASSERT_TRUE(probe.command(MSG_NEPH_OVERRIDEPARAMS, NET_NEPH_OverrideParams{0}));
+    probe.run(100);
+    EXPECT_TRUE(neph_now(probe).ambient);
+    expect_between(neph_now(probe).s.bsp[1] * MM, 3, 90, "outer air");
+}
+
+// --- the span check ---
+
+TEST_F(Spancheck, RunsItsPhasesForTheOrderedTimesAndReportsPlausibleErrors) {
+    for (const char* type : EVERY_KIND) {
+        SCOPED_TRACE(type);
+        SimProbe probe(type);
+        probe.run(30);
+        const FTIME begun = probe.world.now;
+        probe.forget();
+        ASSERT_TRUE(probe.broadcast(MSG_COMMON_NEPH_SPANCHECK_ISSUE, order(REAL_NOW)));
+        probe.run(WHOLE_CHECK);
+
+        std::vector<std::pair<int, double>> phases;
+        for (const auto& p : probe.records<NET_COMMON_Neph_SpancheckPhase>(MSG_COMMON_NEPH_SPANCHECK_PHASE))
+            phases.emplace_back(p.phase, p.next_time < 0 ? p.next_time : p.next_time - begun);
+        EXPECT_THAT(phases, ElementsAre(std::pair{1, 180.0}, std::pair{2, 780.0}, std::pair{3, 1080.0},
+                                        std::pair{4, 1260.0}, std::pair{5, 1860.0}, std::pair{0, -1.0}));
+        EXPECT_EQ(probe.of(MSG_COMMON_NEPH_SPANCHECK_PHASE).back().flags,
+                  DWORD{VESKMSG_TO_ALL | VESKMSG_KEEP});
+        const auto r = probe.last<NET_COMMON_Neph_SpancheckResults>(MSG_COMMON_NEPH_SPANCHECK_RESULTS);
+        EXPECT_EQ(probe.of(MSG_COMMON_NEPH_SPANCHECK_RESULTS).back().flags, DWORD{VESKMSG_TO_ALL});
+        const bool green_only = std::string_view(type) == "nephM903";
+        for (int i = 0; i < 3; ++i) {
+            const bool absent = green_only && i != 1;
+            EXPECT_EQ(VESK_is_missing(+r.pcterrTS[i]), absent);
+            EXPECT_EQ(VESK_is_missing(+r.pcterrBS[i]), green_only);
+            if (!absent) expect_between(std::abs(r.pcterrTS[i]), 0.5, 3, "error");
+            if (!green_only) expect_between(std::abs(r.pcterrBS[i]), 0.5, 3, "error of backscatter");
+        }
+        expect_between(r.avgErr, 0.5, 3, "average error");
+        // 2.61 times the 12.26 /Mm of air at 550 nm; the other green lines are a little shorter.
+        expect_between(r.bsgCO2[1] * MM, 30.5, 39, "green scattering of CO2");
+        EXPECT_EQ(+r.co2.revsTS[1], 23 * 300);
+        EXPECT_EQ(+r.air.revsTS[1], 23 * 600);
+        expect_between(r.sensTS[1] / MM, 380, 430, "counts per second for 1/Mm");
+        EXPECT_LT(+r.co2.RH, 1) << "gas of a bottle is dry";
+    }
+}
+
+TEST_F(Spancheck, FirstPhaseIsWhatTheRealClockLeavesOfIt) {
+    SimProbe probe("neph");
+    const FTIME now = probe.world.now;
+    ASSERT_TRUE(probe.command(MSG_COMMON_NEPH_SPANCHECK_ISSUE, order(REAL_NOW - 30)));
+    EXPECT_EQ(+phase_now(probe).next_time, now + 150);
+    ASSERT_TRUE(probe.command(MSG_COMMON_NEPH_SPANCHECK_ISSUE, order(REAL_NOW - 1000)));
+    EXPECT_EQ(+phase_now(probe).next_time, now + 1) << "an end that is past";
+    probe.run(1);
+    EXPECT_EQ(+phase_now(probe).next_time, now + 1 + 600) << "but the others keep their lengths";
+
+    SimProbe::Options in_real_time;
+    in_real_time.start = REAL_NOW - 1.4;
+    SimProbe live("neph", in_real_time);
+    ASSERT_TRUE(live.command(MSG_COMMON_NEPH_SPANCHECK_ISSUE, order(REAL_NOW)));
+    EXPECT_EQ(+phase_now(live).next_time, REAL_NOW + 180) << "the very time that the console ordered";
+}
+
+TEST_F(Spancheck, ShowsInTheReadingsAndEndsWithAZero) {
+    SimProbe probe("neph");
+    ASSERT_TRUE(probe.command(MSG_COMMON_NEPH_SPANCHECK_ISSUE, order(REAL_NOW)));
+    probe.run(170);
+    expect_between(neph_now(probe).s.bsp[1] * MM, -1.5, 1.5, "air");
+    EXPECT_EQ(+neph_now(probe).sec_left, 10);
+    probe.run(10 + 30);
+    const double part = neph_now(probe).s.bsp[1] * MM;
+    probe.run(500);
+    const double whole = neph_now(probe).s.bsp[1] * MM;
+    expect_between(part / whole, 0.55, 0.72, "share of CO2 after one flush");
+    expect_between(whole, 1.61 * 12.26 * 0.85, 1.61 * 12.26, "CO2 above air, thin as it is at the station");
+    EXPECT_STREQ(probe.last<NET_NEPH_Modes>(MSG_NEPH_MODES).mode, "CBXX");
+    ASSERT_TRUE(probe.command(MSG_NEPH_ISSUE_ZERO));
+    EXPECT_THAT(probe.sink.lines, Contains(HasSubstr("no zero during a span check")));
+    probe.run(WHOLE_CHECK - 710);
+    EXPECT_EQ(phase_now(probe).phase, NET_COMMON_NEPH_SC_NONE);
+    EXPECT_STREQ(probe.last<NET_NEPH_Modes>(MSG_NEPH_MODES).mode, "ZBXX");
+    EXPECT_FALSE(neph_now(probe).ambient);
+    probe.run(361);
+    EXPECT_TRUE(neph_now(probe).ambient);
+}
+
+TEST_F(Spancheck, AbortToAllEndsIt) {
+    for (const char* type : EVERY_KIND) {
+        SCOPED_TRACE(type);
+        SimProbe probe(type);
+        ASSERT_TRUE(probe.broadcast(MSG_COMMON_NEPH_SPANCHECK_ISSUE, order(REAL_NOW)));
+        probe.run(200);
+        ASSERT_EQ(phase_now(probe).phase, NET_COMMON_NEPH_SC_FLUSH_CO2);
+        ASSERT_TRUE(probe.broadcast(MSG_COMMON_NEPH_SPANCHECK_ABORT));
+        EXPECT_EQ(phase_now(probe).phase, NET_COMMON_NEPH_SC_NONE);
+        probe.run(WHOLE_CHECK);
+        EXPECT_EQ(probe.count(MSG_COMMON_NEPH_SPANCHECK_RESULTS), 0u);
+        EXPECT_EQ(probe.count(MSG_COMMON_NEPH_SPANCHECK_PHASE), 4u) << "none, two of the check, none";
+        const std::size_t lines = probe.sink.lines.size();
+        EXPECT_TRUE(probe.broadcast(MSG_COMMON_NEPH_SPANCHECK_ABORT));
+        EXPECT_EQ(probe.sink.lines.size(), lines) << "nothing to abort is no news";
+    }
+}
+
+TEST_F(Spancheck, OnlyTheAddressedOneRuns) {
+    SimProbe probe("neph");
+    EXPECT_FALSE(probe.receive(DeliveredMessage(MSG_COMMON_NEPH_SPANCHECK_ISSUE, order(REAL_NOW), "N12")));
+    EXPECT_EQ(phase_now(probe).phase, NET_COMMON_NEPH_SC_NONE);
+}
+
+TEST_F(Spancheck, IsRefusedWhileBypassedOrContaminatedAsItsKindGoes) {
+    for (const char* type : EVERY_KIND) {
+        SCOPED_TRACE(type);
+        const bool by_bypass = std::string_view(type).starts_with("neph") && type[4] != 'M' &&
+                               std::string_view(type) != "neph_aurora3000";
+        const auto refused = [&](auto state, NETMSG_type msg) {
+            SimProbe probe(type);
+            probe.instrument.set_comms(FALSE);  // the station's state is heard all the same
+            probe.broadcast(msg, state, "LOGGER");
+            probe.instrument.set_comms(TRUE);
+            probe.broadcast(MSG_COMMON_NEPH_SPANCHECK_ISSUE, order(REAL_NOW));
+            const bool none = phase_now(probe).phase == NET_COMMON_NEPH_SC_NONE;
+            EXPECT_EQ(none, probe.sink.lines.back().find("span check refused") != std::string::npos);
+            state = {};
+            probe.broadcast(msg, state, "LOGGER");
+            probe.broadcast(MSG_COMMON_NEPH_SPANCHECK_ISSUE, order(REAL_NOW));
+            EXPECT_EQ(phase_now(probe).phase, NET_COMMON_NEPH_SC_FLUSH_AIR_INIT);
+            return none;
+        };
+        EXPECT_EQ(refused(NET_LOG_AVG_Bypass{TRUE, 0}, MSG_LOG_AVG_BYPASS), by_bypass);
+        EXPECT_EQ(refused(NET_LOG_AVG_Contamination{TRUE, 0}, MSG_LOG_AVG_CONTAMINATION), !by_bypass);
+    }
+}
+
+TEST_F(Spancheck, OrdersThatMakeNoSenseAreRefused) {
+    SimProbe probe("neph");
+    auto backward = order(REAL_NOW);
+    backward.end_co2_sample = backward.end_init_air_flush;
+    auto nothing = order(REAL_NOW);
+    nothing.end_air_sample = std::numeric_limits<double>::quiet_NaN();
+    const auto tomorrow = order(REAL_NOW + 90000);
+    for (const auto& wrong : {backward, nothing, tomorrow}) {
+        probe.command(MSG_COMMON_NEPH_SPANCHECK_ISSUE, wrong);
+        EXPECT_EQ(phase_now(probe).phase, NET_COMMON_NEPH_SC_NONE);
+        EXPECT_THAT(probe.sink.lines.back(), HasSubstr("span check refused"));
+    }
+    EXPECT_FALSE(probe.command(MSG_COMMON_NEPH_SPANCHECK_ISSUE)) << "without its record";
+}
+
+TEST_F(Spancheck, AClosedBottleShowsInTheResults) {
+    SimProbe probe("neph");
+    ASSERT_TRUE(probe.set("co2", "off"));
+    ASSERT_TRUE(probe.command(MSG_COMMON_NEPH_SPANCHECK_ISSUE, order(REAL_NOW)));
+    probe.run(WHOLE_CHECK);
+    const auto r = probe.last<NET_COMMON_Neph_SpancheckResults>(MSG_COMMON_NEPH_SPANCHECK_RESULTS);
+    EXPECT_NEAR(r.pcterrTS[1], 100 * (1 / 2.61 - 1), 1.5) << "air instead of CO2";
+    EXPECT_TRUE(VESK_is_missing(+r.sensTS[1]));
+}
+
+TEST_F(Spancheck, LostCommunicationsCostTheResultsOnlyWhenAGasWasMissed) {
+    const auto results_when_silent = [](int from, int seconds) {
+        SimProbe probe("neph");
+        probe.command(MSG_COMMON_NEPH_SPANCHECK_ISSUE, order(REAL_NOW));
+        probe.run(from);
+        probe.instrument.set_comms(FALSE);
+        probe.run(seconds);
+        probe.instrument.set_comms(TRUE);
+        probe.run(WHOLE_CHECK - from - seconds + 1);
+        EXPECT_EQ(phase_now(probe).phase, NET_COMMON_NEPH_SC_NONE);
+        return probe.count(MSG_COMMON_NEPH_SPANCHECK_RESULTS);
+    };
+    EXPECT_EQ(results_when_silent(200, 100), 1u);
+    EXPECT_EQ(results_when_silent(700, 500), 0u);
+
+    SimProbe probe("neph");
+    probe.command(MSG_COMMON_NEPH_SPANCHECK_ISSUE, order(REAL_NOW));
+    probe.run(100);
+    probe.instrument.set_comms(FALSE);
+    EXPECT_TRUE(probe.broadcast(MSG_COMMON_NEPH_SPANCHECK_ABORT)) << "an abort is heard all the same";
+    EXPECT_EQ(phase_now(probe).phase, NET_COMMON_NEPH_SC_NONE);
+}
+
+}  // namespace
