@@ -20,6 +20,7 @@
     X(lovepid,     "C11", "Love heaters",   'L', "control", FALSE) \
     X(verticalprofile, "V11", "Vertical profile", 'V', "flight", FALSE) \
     X(watlow,      "C12", "Watlow oven",    'W', "control", FALSE) \
+    X(genericpid,  "C13", "Line heater PID", 'H', "control", FALSE) \
     X(aethalometer, "A81", "Aethalometer",  'E', "absorption", FALSE) \
     X(maap,        "A82", "MAAP",           'M', "absorption", FALSE) \
     X(caps,        "E71", "CAPS extinction", 'C', "extinction", FALSE) \
@@ -28,6 +29,13 @@
     X(nephM903,        "N31", "M903 neph",        'G', "neph", FALSE) \
     X(neph_aurora3000, "N41", "Aurora 3000 neph", 'A', "neph", FALSE) \
     X(neph_passive,    "N21", "Watched neph",     'n', "neph", TRUE) \
+    X(psap,        "A11", "PSAP",           'B', "absorption", FALSE) \
+    X(psap3,       "A12", "PSAP 3 wavelengths", 'Q', "absorption", FALSE) \
+    X(clap3w,      "A13", "CLAP",           'F', "absorption", FALSE) \
+    X(grimm,       "S11", "Grimm OPC",      'O', "sizer", FALSE) \
+    X(lasair,      "S12", "Lasair OPC",     'R', "sizer", FALSE) \
+    X(sems,        "S13", "Mobility sizer", 'S', "sizer", FALSE) \
+    X(ccn,         "N71", "CCN counter",    'D', "ccn", FALSE) \
     X(inst_skel,   "X11", "Skeleton",       'K', "",    TRUE)
 // clang-format on
 

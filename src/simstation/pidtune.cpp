@@ -1,0 +1,213 @@
+// The relay experiment as a row of states, and the rules that turn what it measured into parameters.
+#include "simstation/pidtune.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <numbers>
+
+namespace {
+
+// The relay switches this many standard deviations of the noise beyond its level.
+constexpr double HYSTERESIS_SIGMAS = 2;
+// The step to the high output must move the value by so many of them, or there is nothing to measure.
+constexpr double RESPONSE_SIGMAS = 10;
+
+// Controller gain as a share of the ultimate gain, integral and derivative time as shares of the ultimate
+// period; 0: the rule has no such term.
+struct rule {
+    double gain, integral_time, derivative_time;
+};
+// Ziegler-Nichols: the ultimate sensitivity method of J. G. Ziegler and N. B. Nichols, "Optimum settings for
+// automatic controllers", Transactions of the ASME 64 (1942), 759-768. It aims at a quarter of the deviation
+// from one swing to the next, and so overshoots.
+// Tyreus-Luyben: the PI settings of B. D. Tyreus and W. L. Luyben, "Tuning PI controllers for
+// integrator/dead time processes", Industrial & Engineering Chemistry Research 31 (1992), 2625-2628; the PID
+// settings as W. L. and M. L. Luyben give them beside these in "Essentials of Process Control" (1997). They
+// are slower and damp more.
+constexpr rule RULES[] = {
+    {1 / 2.2, 2.2, 1 / 6.3},  // GENERICPID_TUNE_TLC_PID
+    {1 / 3.2, 2.2, 0},        // GENERICPID_TUNE_TLC_PI
+    {0.6, 1 / 2.0, 1 / 8.0},  // GENERICPID_TUNE_ZN_PID
+    {0.45, 1 / 1.2, 0},       // GENERICPID_TUNE_ZN_PI
+    {0.5, 0, 0},              // GENERICPID_TUNE_ZN_P
+};
+static_assert(std::size(RULES) == GENERICPID_TUNE_COUNT);
+
+}  // namespace
+
+// The first harmonic of a square wave of amplitude d is 4 d / pi; the amplitude of the process value's answer
+// to it says how much gain would sustain the oscillation (describing function of a relay, after K. J. Astrom
+// and T. Hagglund, "Automatic tuning of simple regulators with specifications on phase and amplitude
+// margins", Automatica 20 (1984), 645-651).
+SIM_ultimate SIM_relay_ultimate(double relay_amp, double pv_amp, double hysteresis, double period) {
+    const double effective = std::sqrt(std::max(pv_amp * pv_amp - hysteresis * hysteresis, 0.0));
+    return {4 * relay_amp / (std::numbers::pi * effective), period};
+}
+
+NET_GENERICPID_Params SIM_tuning_rule(std::uint32_t param_gen, SIM_ultimate u) {
+    const rule& r = RULES[param_gen];
+    const double p = r.gain * u.gain;
+    const double i = r.integral_time > 0 ? p / (r.integral_time * u.period) : 0;
+    return {p, i, p * r.derivative_time * u.period};
+}
+
+// ---- the latest readings
+
+void SIM_pidtune::recent::add(double value) {
+    if (m_values.empty()) m_origin = value;
+    m_values.push_back(value);
+    m_sum += value - m_origin;
+    m_squares += (value - m_origin) * (value - m_origin);
+    if (m_values.size() <= m_room) return;
+    const double oldest = m_values.front() - m_origin;
+    m_values.pop_front();
+    m_sum -= oldest;
+    m_squares -= oldest * oldest;
+}
+
+void SIM_pidtune::recent::clear() {
+    m_values.clear();
+    m_sum = 0;
+    m_squares = 0;
+}
+
+double SIM_pidtune::recent::mean() const {
+    return m_values.empty() ? VESK_MISSING : m_origin + m_sum / static_cast<double>(m_values.size());
+}
+
+double SIM_pidtune::recent::stddev() const {
+    if (m_values.size() < 2) return VESK_MISSING;
+    const auto n = static_cast<double>(m_values.size());
+    return std::sqrt(std::max((m_squares - m_sum * m_sum / n) / (n - 1), 0.0));
+}
+
+// ---- the experiment
+
+const char* SIM_pidtune::fault(NET_GENERICPID_TuningRequest request, double out_min, double out_max) {
+    const double start = request.start_out;
+    const double amp = request.output_amp;
+    if (request.num_runs == 0) return "no runs";
+    if (request.stablity_samples < 2) return "fewer than two samples for stability";
+    if (!(request.stablity_stddev > 0)) return "no standard deviation for stability";
+    if (!(amp > 0)) return "no amplitude";
+    if (!(start - amp >= out_min && start + amp <= out_max)) return "output beyond its range";
+    return request.param_gen < GENERICPID_TUNE_COUNT ? nullptr : "unknown method";
+}
+
+SIM_pidtune::SIM_pidtune(NET_GENERICPID_TuningRequest request)
+    : m_request(request),
+      m_recent(request.stablity_samples),
+      m_last(NETDSD_default<NET_GENERICPID_Params>()) {}
+
+double SIM_pidtune::step(double pv, double dt) {
+    m_recent.add(pv);
+    m_seconds += dt;
+    m_low = std::min(m_low, pv);
+    m_high = std::max(m_high, pv);
+    advance(pv);
+    return output();
+}
+
+void SIM_pidtune::advance(double pv) {
+    switch (m_state) {
+        case GENERICPID_WAIT_BASE_STABLITY:
+            if (is_stable()) take_base();
+            break;
+        case GENERICPID_WAIT_HIGH_STABLITY:
+            if (!is_stable()) break;
+            take_high();
+            if (m_failure == nullptr) begin_cycle(pv);
+            break;
+        case GENERICPID_DOWNWARD_PRIME:
+        case GENERICPID_DOWNWARD:
+            if (pv < m_base - m_hysteresis)
+                m_state = is_priming() ? GENERICPID_UPWARD_PRIME : GENERICPID_UPWARD;
+            break;
+        case GENERICPID_UPWARD_PRIME:
+        case GENERICPID_UPWARD:
+            if (pv > m_base + m_hysteresis) end_cycle(pv);
+            break;
+        default:
+            break;
+    }
+}
+
+BOOL SIM_pidtune::is_stable() const {
+    return m_recent.full() && m_recent.stddev() < m_request.stablity_stddev;
+}
+
+void SIM_pidtune::take_base() {
+    m_base = m_recent.mean();
+    m_hysteresis = HYSTERESIS_SIGMAS * m_recent.stddev();
+    m_recent.clear();
+    m_state = GENERICPID_WAIT_HIGH_STABLITY;
+}
+
+void SIM_pidtune::take_high() {
+    const double response = m_recent.mean() - m_base;
+    if (response < RESPONSE_SIGMAS / HYSTERESIS_SIGMAS * m_hysteresis)
+        fail("the process value does not follow the output");
+}
+
+void SIM_pidtune::begin_cycle(double pv) {
+    m_state = is_priming() ? GENERICPID_DOWNWARD_PRIME : GENERICPID_DOWNWARD;
+    m_seconds = 0;
+    m_low = pv;
+    m_high = pv;
+}
+
+void SIM_pidtune::end_cycle(double pv) {
+    if (!is_priming()) take_run();
+    ++m_cycles;
+    if (m_cycles - m_request.num_prime == m_request.num_runs)
+        m_state = GENERICPID_NOTTUNING;
+    else
+        begin_cycle(pv);
+}
+
+void SIM_pidtune::take_run() {
+    const SIM_ultimate u =
+        SIM_relay_ultimate(m_request.output_amp, (m_high - m_low) / 2, m_hysteresis, m_seconds);
+    m_last = SIM_tuning_rule(m_request.param_gen, u);
+    m_p.add(m_last.p);
+    m_i.add(m_last.i);
+    m_d.add(m_last.d);
+}
+
+void SIM_pidtune::fail(const char* why) {
+    m_failure = why;
+    m_state = GENERICPID_NOTTUNING;
+}
+
+double SIM_pidtune::output() const {
+    switch (m_state) {
+        case GENERICPID_WAIT_HIGH_STABLITY:
+        case GENERICPID_UPWARD_PRIME:
+        case GENERICPID_UPWARD:
+            return m_request.start_out + m_request.output_amp;
+        case GENERICPID_DOWNWARD_PRIME:
+        case GENERICPID_DOWNWARD:
+            return m_request.start_out - m_request.output_amp;
+        default:
+            return m_request.start_out;
+    }
+}
+
+// ---- what it says
+
+// While it primes, the cycles of that are what is counted.
+NET_GENERICPID_TuningSatus SIM_pidtune::status() const {
+    const BOOL priming = m_state == GENERICPID_DOWNWARD_PRIME || m_state == GENERICPID_UPWARD_PRIME;
+    if (priming) return {m_state, m_cycles, m_request.num_prime};
+    const std::uint32_t run = is_priming() ? 0 : m_cycles - m_request.num_prime;
+    return {m_state, run, m_request.num_runs};
+}
+
+NET_GENERICPID_TuningInstant SIM_pidtune::instant() const {
+    return {m_recent.stddev(), results(), m_last};
+}
+
+NET_GENERICPID_TuningResults SIM_pidtune::results() const {
+    return {{m_p.mean(), m_i.mean(), m_d.mean()}, {m_p.stddev(), m_i.stddev(), m_d.stddev()}};
+}

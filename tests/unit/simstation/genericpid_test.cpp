@@ -1,0 +1,346 @@
+// The simulated PID controller: its process and its control loop, the relay experiment and its rules, and the
+// commands with what it answers.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numbers>
+#include <string>
+
+#include "simstation/pid.h"
+#include "simstation/pidtune.h"
+#include "support/sim_probe.h"
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+constexpr double NONE = VESK_MISSING;
+constexpr double NAN_VALUE = std::numeric_limits<double>::quiet_NaN();
+
+// ---- process and controller
+
+TEST(Plant, AnswersAfterItsDeadTimeWithItsLag) {
+    SIM_plant plant(8, 6, 40, 22);
+    for (int t = 0; t < 6; ++t)
+        EXPECT_EQ(plant.step(1, 0, 1), 22) << t;
+    EXPECT_GT(plant.step(1, 0, 1), 22);
+    for (int t = 7; t < 46; ++t)
+        plant.step(1, 0, 1);
+    EXPECT_NEAR(plant.value(), 22 + 8 * (1 - std::exp(-1)), 0.01) << "one lag after the dead time";
+    for (int t = 0; t < 1000; ++t)
+        plant.step(1, -2, 1);
+    EXPECT_NEAR(plant.value(), 28, 1e-6) << "gain, and a load";
+}
+
+TEST(Pid, EachTermDoesItsPart) {
+    SIM_pid pid(-100, 100);
+    pid.params = {2, 0, 0};
+    EXPECT_EQ(pid.step(10, 4, 1), 12);
+    pid.params = {0, 0.5, 0};
+    EXPECT_EQ(pid.step(10, 4, 2), 6);
+    EXPECT_EQ(pid.step(10, 4, 2), 12);
+    EXPECT_EQ(pid.i_val(), 12);
+    pid.params = {NONE, NONE, NONE};
+    EXPECT_EQ(pid.step(10, 4, 1), 12) << "the integral stays when parameters change";
+    pid.reset();
+    pid.params = {0, 0, 3};
+    pid.step(10, 4, 1);
+    EXPECT_EQ(pid.d_val(), 0) << "one value has no rate";
+    EXPECT_LT(pid.step(10, 5, 1), 0) << "it brakes a rising value";
+    const double braking = pid.d_val();
+    EXPECT_LT(std::fabs(pid.step(1000, 5, 1)), std::fabs(braking)) << "a new set point is no rate";
+}
+
+TEST(Pid, DoesNotWindUpAtItsLimits) {
+    SIM_pid pid(0, 10);
+    pid.params = {1, 0.1, 0};
+    for (int t = 0; t < 10000; ++t)
+        EXPECT_EQ(pid.step(100, 0, 1), 10);
+    EXPECT_EQ(pid.step(100, 100.5, 1), 0) << "back from the limit at once";
+    pid.resume(4, 50, 48);
+    EXPECT_NEAR(pid.step(50, 48, 1), 4.2, 1e-9) << "goes on from what others put out";
+}
+
+// ---- the rules
+
+TEST(TuningRule, MakesParametersOfUltimateGainAndPeriod) {
+    struct rule_case {
+        std::uint32_t rule;
+        double gain, integral_time, derivative_time;  // for Ku = 2 and Pu = 30 s; 0: none
+    };
+    for (const rule_case& c :
+         {rule_case{GENERICPID_TUNE_TLC_PID, 0.90909, 66, 4.7619},
+          rule_case{GENERICPID_TUNE_TLC_PI, 0.625, 66, 0}, rule_case{GENERICPID_TUNE_ZN_PID, 1.2, 15, 3.75},
+          rule_case{GENERICPID_TUNE_ZN_PI, 0.9, 25, 0}, rule_case{GENERICPID_TUNE_ZN_P, 1.0, 0, 0}}) {
+        const NET_GENERICPID_Params got = SIM_tuning_rule(c.rule, {2, 30});
+        EXPECT_NEAR(+got.p, c.gain, 1e-5) << c.rule;
+        EXPECT_NEAR(+got.i, c.integral_time > 0 ? c.gain / c.integral_time : 0, 1e-6) << c.rule;
+        EXPECT_NEAR(+got.d, c.gain * c.derivative_time, 1e-4) << c.rule;
+    }
+}
+
+TEST(TuningRule, TheRelaysSquareWaveCountsByItsFirstHarmonic) {
+    EXPECT_NEAR(SIM_relay_ultimate(0.5, 1, 0, 30).gain, 2 / std::numbers::pi, 1e-9);
+    EXPECT_NEAR(SIM_relay_ultimate(0.5, 1, 0.6, 30).gain, 2 / (0.8 * std::numbers::pi), 1e-9);
+}
+
+// ---- the experiment
+
+constexpr NET_GENERICPID_TuningRequest REQUEST{120, 0.0144, 8, 2, 2.875, 0.72, GENERICPID_TUNE_ZN_P};
+
+// Gain and period with which a proportional loop would just oscillate, found by trying: the largest gain
+// whose swings still die away.
+SIM_ultimate ultimate_by_trial() {
+    double low = 0.1;
+    double high = 10;
+    double period = 0;
+    for (int halving = 0; halving < 30; ++halving) {
+        const double gain = (low + high) / 2;
+        SIM_plant plant(8, 6, 40, 0);
+        SIM_pid pid(-1e300, 1e300);
+        pid.params = {gain, 0, 0};
+        double out = 1, last = 0, early = 0, late = 0;
+        int crossings = 0, first = 0, latest = 0;
+        for (int t = 0; t < 1200; ++t) {
+            const double pv = plant.step(out, 0, 1);
+            out = pid.step(0, pv, 1);
+            (t < 600 ? early : late) = std::max(t < 600 ? early : late, t > 300 ? std::fabs(pv) : 0);
+            if (t > 300 && last < 0 && pv >= 0) {
+                if (crossings++ == 0) first = t;
+                latest = t;
+            }
+            last = pv;
+        }
+        if (crossings > 1) period = static_cast<double>(latest - first) / (crossings - 1);
+        (late < early ? low : high) = gain;
+    }
+    return {low, period};
+}
+
+// Runs the experiment on the line heater; how many seconds it took, at most 5000.
+int run_tuning(SIM_pidtune& tune, double gain = 8, double noise = 0) {
+    SIM_plant plant(gain, 6, 40, 22);
+    SIM_noise random(1, "tuning");
+    double out = tune.start_out();
+    int t = 0;
+    for (; t < 5000 && !tune.over(); ++t)
+        out = tune.step(plant.step(out, 0, 1) + random.normal(0, noise), 1);
+    return t;
+}
+
+TEST(PidTune, FindsTheUltimateGainAndPeriodOfTheProcess) {
+    const SIM_ultimate truth = ultimate_by_trial();
+    SIM_pidtune tune(REQUEST);
+    EXPECT_LT(run_tuning(tune, 8, 0.003), 1500);
+    EXPECT_EQ(tune.failure(), nullptr);
+    const auto zn_p = tune.results();
+    EXPECT_NEAR(zn_p.params.p / 0.5, truth.gain, 0.25 * truth.gain) << "within the method's own error";
+    EXPECT_LT(zn_p.stddev.p / zn_p.params.p, 0.02) << "the runs agree";
+
+    NET_GENERICPID_TuningRequest pi = REQUEST;
+    pi.param_gen = GENERICPID_TUNE_TLC_PI;
+    SIM_pidtune tune_pi(pi);
+    run_tuning(tune_pi, 8, 0.003);
+    const auto found = tune_pi.results();
+    EXPECT_NEAR(found.params.p / found.params.i / 2.2, truth.period, 0.1 * truth.period);
+    EXPECT_EQ(+found.params.d, 0);
+}
+
+TEST(PidTune, GoesThroughItsStatesInOrder) {
+    NET_GENERICPID_TuningRequest request = REQUEST;
+    request.num_runs = 2;
+    request.num_prime = 1;
+    SIM_pidtune tune(request);
+    SIM_plant plant(8, 6, 40, 22);
+    std::vector<std::string> seen;
+    double out = request.start_out;
+    while (!tune.over() && seen.size() < 20) {
+        const auto s = tune.status();
+        const std::string now = std::to_string(+s.state) + " at " + std::to_string(+out) + " run " +
+                                std::to_string(s.run + 1) + "/" + std::to_string(+s.run_max);
+        if (seen.empty() || seen.back() != now) seen.push_back(now);
+        out = tune.step(plant.step(out, 0, 1), 1);
+    }
+    EXPECT_THAT(seen, ElementsAre("1 at 2.875000 run 1/2", "2 at 3.595000 run 1/2", "3 at 2.155000 run 1/1",
+                                  "4 at 3.595000 run 1/1", "5 at 2.155000 run 1/2", "6 at 3.595000 run 1/2",
+                                  "5 at 2.155000 run 2/2", "6 at 3.595000 run 2/2"));
+    EXPECT_EQ(out, request.start_out);
+}
+
+TEST(PidTune, GivesUpWhenTheValueDoesNotFollow) {
+    SIM_pidtune tune(REQUEST);
+    run_tuning(tune, 0, 0.003);
+    EXPECT_TRUE(tune.over());
+    EXPECT_STREQ(tune.failure(), "the process value does not follow the output");
+    EXPECT_TRUE(VESK_is_missing(tune.results().params.p + 0));
+}
+
+TEST(PidTune, WaitsAsLongAsTheValueIsRestless) {
+    SIM_pidtune tune(REQUEST);
+    EXPECT_EQ(run_tuning(tune, 8, 0.5), 5000);
+    EXPECT_EQ(tune.status().state, GENERICPID_WAIT_BASE_STABLITY);
+    EXPECT_NEAR(tune.instant().pv_stddev + 0, 0.5, 0.1);
+}
+
+TEST(PidTune, RefusesWhatCannotBeDone) {
+    EXPECT_EQ(SIM_pidtune::fault(REQUEST, 0, 10), nullptr);
+    const auto wrong = [](auto change) {
+        NET_GENERICPID_TuningRequest r = REQUEST;
+        change(r);
+        return SIM_pidtune::fault(r, 0, 10) != nullptr;
+    };
+    EXPECT_TRUE(wrong([](auto& r) { r.num_runs = 0; }));
+    EXPECT_TRUE(wrong([](auto& r) { r.stablity_samples = 0; }));
+    EXPECT_TRUE(wrong([](auto& r) { r.stablity_stddev = 0; }));
+    EXPECT_TRUE(wrong([](auto& r) { r.output_amp = 0; }));
+    EXPECT_TRUE(wrong([](auto& r) { r.output_amp = NAN_VALUE; }));
+    EXPECT_TRUE(wrong([](auto& r) { r.start_out = NAN_VALUE; }));
+    EXPECT_TRUE(wrong([](auto& r) { r.output_amp = 2.9; })) << "would go below 0";
+    EXPECT_TRUE(wrong([](auto& r) { r.start_out = 9.5; })) << "would go above 10";
+    EXPECT_TRUE(wrong([](auto& r) { r.param_gen = 5; }));
+}
+
+// ---- the instrument
+
+NET_GENERICPID_Instant now(const SimProbe& probe) {
+    return probe.last<NET_GENERICPID_Instant>(MSG_GENERICPID_INSTANT);
+}
+
+std::uint32_t state(const SimProbe& probe) {
+    return probe.last<NET_GENERICPID_TuningSatus>(MSG_GENERICPID_TUNING_STATUS).state;
+}
+
+// Sum of the distances from the new set point over twenty minutes, and by how much the value overshot it.
+struct step_answer {
+    double error = 0;
+    double overshoot = 0;
+};
+step_answer step_setpoint(SimProbe& probe, double to) {
+    EXPECT_TRUE(probe.command(MSG_GENERICPID_SET, NET_GENERICPID_Setpoint{to}));
+    step_answer answer;
+    const std::size_t before = probe.count(MSG_GENERICPID_INSTANT);
+    probe.run(1200);
+    const auto all = probe.records<NET_GENERICPID_Instant>(MSG_GENERICPID_INSTANT);
+    for (std::size_t t = before; t < all.size(); ++t) {
+        answer.error += std::fabs(all[t].pv - to);
+        answer.overshoot = std::max(answer.overshoot, all[t].pv - to);
+    }
+    return answer;
+}
+
+TEST(GenericPid, TunesAndIsBetterBehavedWithTheResults) {
+    SimProbe probe("genericpid");
+    probe.run(2400);
+    EXPECT_NEAR(+now(probe).pv, 45, 1);
+    const step_answer before = step_setpoint(probe, 50);
+    probe.command(MSG_GENERICPID_SET, NET_GENERICPID_Setpoint{45});
+    probe.run(1200);
+
+    const double out = now(probe).out;
+    EXPECT_EQ(state(probe), GENERICPID_NOTTUNING);
+    EXPECT_TRUE(probe.command(
+        MSG_GENERICPID_TUNING_START,
+        NET_GENERICPID_TuningRequest{120, 0.005 * out, 8, 2, out, 0.25 * out, GENERICPID_TUNE_TLC_PID}));
+    EXPECT_EQ(state(probe), GENERICPID_WAIT_BASE_STABLITY);
+    EXPECT_TRUE(
+        VESK_is_missing(+probe.last<NET_GENERICPID_TuningResults>(MSG_GENERICPID_TUNING_RESULTS).params.p));
+    for (int t = 0; t < 300 && state(probe) != GENERICPID_NOTTUNING; ++t)
+        probe.run(10);
+    ASSERT_EQ(state(probe), GENERICPID_NOTTUNING);
+    const auto found = probe.last<NET_GENERICPID_TuningResults>(MSG_GENERICPID_TUNING_RESULTS);
+    const auto last = probe.last<NET_GENERICPID_TuningInstant>(MSG_GENERICPID_TUNING_INSTANT);
+    EXPECT_EQ(+last.current.params.p, +found.params.p);
+    EXPECT_NEAR(+last.last.p, +found.params.p, 0.05 * found.params.p);
+    EXPECT_EQ(+probe.last<NET_GENERICPID_Info>(MSG_GENERICPID_INFO).params.params.p, 1)
+        << "applied by the operator only";
+    probe.run(1);
+    EXPECT_NEAR(+now(probe).out, out, 1) << "the controller takes over without a jump";
+
+    auto params = NETDSD_default<NET_GENERICPID_ControllerParams>();
+    params.params = found.params;
+    EXPECT_TRUE(probe.command(MSG_GENERICPID_SET_PARMS, params));
+    probe.run(1200);
+    const step_answer after = step_setpoint(probe, 50);
+    EXPECT_LT(after.error, before.error / 2);
+    EXPECT_LT(after.overshoot, before.overshoot / 4);
+}
+
+TEST(GenericPid, TuningIsStoppedAtAnyTime) {
+    SimProbe probe("genericpid");
+    probe.run(1200);
+    EXPECT_FALSE(probe.command(MSG_GENERICPID_TUNING_STOP)) << "nothing to stop";
+    const NET_GENERICPID_TuningRequest request{60, 0.05, 8, 2, 3, 0.5, GENERICPID_TUNE_ZN_PI};
+    for (const std::uint32_t stage : {1u, 2u, 3u, 4u, 5u, 6u}) {
+        EXPECT_TRUE(probe.command(MSG_GENERICPID_TUNING_START, request));
+        EXPECT_FALSE(probe.command(MSG_GENERICPID_TUNING_START, request)) << "one at a time";
+        for (int t = 0; t < 2000 && state(probe) != stage; ++t)
+            probe.run(1);
+        EXPECT_EQ(state(probe), stage);
+        EXPECT_TRUE(probe.command(stage % 2 == 1 ? MSG_GENERICPID_TUNING_STOP : MSG_GENERICPID_RESET));
+        EXPECT_EQ(state(probe), GENERICPID_NOTTUNING);
+    }
+    EXPECT_TRUE(
+        VESK_is_missing(+probe.last<NET_GENERICPID_TuningResults>(MSG_GENERICPID_TUNING_RESULTS).params.p));
+}
+
+TEST(GenericPid, RefusedTuningSaysWhy) {
+    SimProbe probe("genericpid");
+    probe.run(10);
+    EXPECT_FALSE(probe.command(MSG_GENERICPID_TUNING_START,
+                               NET_GENERICPID_TuningRequest{60, 0.05, 8, 2, 3, 5, GENERICPID_TUNE_ZN_PI}));
+    EXPECT_THAT(std::string(probe.last<NET_LOG_MonitorMessage>(MSG_LOG_MONITOR).msg),
+                HasSubstr("output beyond its range"));
+    EXPECT_EQ(state(probe), GENERICPID_NOTTUNING);
+}
+
+TEST(GenericPid, ParametersStayWithinTheirLimits) {
+    SimProbe probe("genericpid");
+    const auto set = [&](NET_GENERICPID_Params v, NET_GENERICPID_Params min, NET_GENERICPID_Params max) {
+        return probe.command(MSG_GENERICPID_SET_PARMS, NET_GENERICPID_ControllerParams{v, min, max});
+    };
+    EXPECT_TRUE(set({5, 0.001, 0.3}, {0.1, 0.01, NONE}, {2, NONE, NONE}));
+    const auto info = probe.last<NET_GENERICPID_Info>(MSG_GENERICPID_INFO);
+    EXPECT_STREQ(info.chan_pv, "T_line");
+    EXPECT_EQ(+info.params.params.p, 2);
+    EXPECT_EQ(+info.params.params.i, 0.01);
+    EXPECT_EQ(+info.params.params.d, 0.3);
+    EXPECT_EQ(+info.params.max.p, 2);
+    EXPECT_TRUE(VESK_is_missing(+info.params.min.d));
+
+    probe.forget();
+    EXPECT_FALSE(set({NAN_VALUE, 0, 0}, {NONE, NONE, NONE}, {NONE, NONE, NONE}));
+    EXPECT_FALSE(set({1, NONE, 0}, {NONE, NONE, NONE}, {NONE, NONE, NONE}));
+    EXPECT_FALSE(set({1, 0, 0}, {2, NONE, NONE}, {1, NONE, NONE}));
+    EXPECT_FALSE(probe.command(MSG_GENERICPID_SET, NET_GENERICPID_Setpoint{NONE}));
+    EXPECT_FALSE(probe.command(MSG_GENERICPID_SET));
+    EXPECT_EQ(probe.count(MSG_GENERICPID_INFO) + probe.count(MSG_GENERICPID_SETPOINT), 0u);
+}
+
+TEST(GenericPid, ResetForgetsTheTerms) {
+    SimProbe probe("genericpid");
+    probe.run(1200);
+    EXPECT_GT(+now(probe).i_val, 1);
+    EXPECT_TRUE(probe.command(MSG_GENERICPID_RESET));
+    probe.run(1);
+    EXPECT_LT(std::fabs(now(probe).i_val), 0.2);
+}
+
+TEST(GenericPid, ALoadPullsTheValueAndTheLoopBringsItBack) {
+    SimProbe probe("genericpid");
+    probe.run(2400);
+    EXPECT_FALSE(probe.set("load", "heavy"));
+    EXPECT_TRUE(probe.set("load", "-5"));
+    probe.forget();
+    probe.run(60);
+    double lowest = 100;
+    for (const auto& i : probe.records<NET_GENERICPID_Instant>(MSG_GENERICPID_INSTANT))
+        lowest = std::min(lowest, i.pv + 0);
+    EXPECT_LT(lowest, 44.6);
+    probe.run(2400);
+    EXPECT_NEAR(+now(probe).pv, 45, 0.5);
+}
+
+}  // namespace
