@@ -20,8 +20,8 @@ constexpr double LEAST_FLOW = 0.01;
 
 // How far a channel's calibration is off. A span check compares CO2 as a whole, whose larger part is above
 // what the zero takes away, so that it finds 0.6 of this.
-constexpr double GAIN_LOW = 0.012;
-constexpr double GAIN_HIGH = 0.044;
+constexpr double GAIN_LOW = 0.018;
+constexpr double GAIN_HIGH = 0.040;
 
 struct channel_row {
     double wall;         // light from the walls, 1/Mm
@@ -35,8 +35,9 @@ constexpr channel_row g_channels[SIM_NEPH_SIX] = {
     {6.5, 0.25, 420, 21000, 12}, {8.0, 0.20, 400, 24000, 8}, {10.5, 0.25, 190, 11000, 55},
     {4.0, 0.09, 400, 20000, 12}, {4.5, 0.07, 380, 23000, 8}, {6.0, 0.09, 180, 10500, 55},
 };
-constexpr double WALL_DRIFT = 0.25;  // 1/Mm
-constexpr double WALL_MEMORY = 4 * 3600;
+// Slow enough that a span check of half an hour sees little of it, and the hourly zeros some.
+constexpr double WALL_DRIFT = 0.7;  // relative to the noise of one second
+constexpr double WALL_MEMORY = 86400;
 
 // Saturation pressure over water, hPa (Magnus, with the constants of Sonntag 1990).
 double saturation(double celsius) {
@@ -64,6 +65,16 @@ SIM_nephcell::SIM_nephcell(const SIM_neph_model& model) : backscatter(model.back
 
 SIM_nephcell::wall_drift::wall_drift() : SIM_drift(WALL_DRIFT, WALL_MEMORY) {}
 
+double SIM_nephcell::wall_light(SIM_instrument& sim, std::size_t i) {
+    const channel_row& row = g_channels[i];
+    return row.wall + row.noise * m_walls[i].step(sim.noise(), sim.dt());
+}
+
+// Gas scatters as much backward as forward.
+double SIM_nephcell::air_rayleigh(std::size_t i) const {
+    return SIM_rayleigh(m_model.nm[i % 3]) / (i < 3 ? 1 : 2);
+}
+
 BOOL SIM_nephcell::has(std::size_t i) const {
     return m_model.nm[i % 3] > 0 && (i < 3 || backscatter);
 }
@@ -71,8 +82,7 @@ BOOL SIM_nephcell::has(std::size_t i) const {
 SIM_neph_six SIM_nephcell::rayleigh() const {
     SIM_neph_six six = SIM_neph_nothing();
     for (std::size_t i = 0; i < SIM_NEPH_SIX; ++i) {
-        // Gas scatters as much backward as forward.
-        if (has(i)) six[i] = SIM_rayleigh(m_model.nm[i % 3]) / (i < 3 ? 1 : 2);
+        if (has(i)) six[i] = air_rayleigh(i);
     }
     return six;
 }
@@ -82,7 +92,7 @@ void SIM_nephcell::start(SIM_instrument& sim) {
     for (std::size_t i = 0; i < SIM_NEPH_SIX; ++i) {
         const double off = sim.noise().uniform(GAIN_LOW, GAIN_HIGH);
         m_gain[i] = sim.noise().chance(0.5) ? 1 + off : 1 - off;
-        const double wall = g_channels[i].wall + m_walls[i].step(sim.noise(), sim.dt());
+        const double wall = wall_light(sim, i);
         const double aged = sim.noise().normal(0, g_channels[i].noise);
         if (has(i)) m_background[i] = gas(i) + (wall + aged) * PER_MM;
     }
@@ -113,15 +123,14 @@ double SIM_nephcell::density() const {
 
 // What the gas in the cell scatters, as the channel sees it.
 double SIM_nephcell::gas(std::size_t i) const {
-    const double air = SIM_rayleigh(m_model.nm[i % 3]) / (i < 3 ? 1 : 2);
-    return m_gain[i] * air * density() * (1 + (SIM_CO2_TO_AIR - 1) * m_co2);
+    return m_gain[i] * air_rayleigh(i) * density() * (1 + (SIM_CO2_TO_AIR - 1) * m_co2);
 }
 
 void SIM_nephcell::step(SIM_instrument& sim, SIM_neph_inlet inlet) {
     exchange(inlet, sim.dt());
     acclimatise(sim);
     for (std::size_t i = 0; i < SIM_NEPH_SIX; ++i) {
-        const double wall = g_channels[i].wall + m_walls[i].step(sim.noise(), sim.dt());
+        const double wall = wall_light(sim, i);
         const double noise = sim.noise().normal(0, g_channels[i].noise);
         if (!has(i)) {
             m_scattering[i] = m_sample[i] = m_calibrator[i] = m_dark[i] = VESK_MISSING;

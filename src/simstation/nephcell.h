@@ -80,13 +80,15 @@ class SIM_nephcell {
     void exchange(SIM_neph_inlet inlet, double dt);
     void acclimatise(SIM_instrument& sim);
     [[nodiscard]] double gas(std::size_t i) const;
+    [[nodiscard]] double air_rayleigh(std::size_t i) const;
+    [[nodiscard]] double wall_light(SIM_instrument& sim, std::size_t i);
     void count(SIM_instrument& sim, std::size_t i, double scattered);
 
     const SIM_neph_model& m_model;
     double m_particles = 1;                        // share of the outer air's that is in the cell
     double m_co2 = 0;                              // share of the cell that it fills
     SIM_neph_six m_gain{};                         // calibration of each channel, ideally 1
-    std::array<wall_drift, SIM_NEPH_SIX> m_walls;  // dust comes and goes, 1/Mm
+    std::array<wall_drift, SIM_NEPH_SIX> m_walls;  // dust comes and goes
     SIM_neph_six m_background = SIM_neph_nothing();
     SIM_neph_six m_scattering = SIM_neph_nothing();
     SIM_neph_six m_sample = SIM_neph_nothing();

@@ -81,7 +81,7 @@ channel compare(channel_run air, channel_run co2, double rayleigh) {
     channel c;
     const double step = VESK_difference(co2.scattering, air.scattering);
     if (VESK_is_missing(step) || VESK_is_missing(rayleigh)) return c;
-    c.co2 = step / co2.density + rayleigh;
+    c.co2 = (step + rayleigh * air.density) / co2.density;
     c.error = 100 * (c.co2 / (SIM_CO2_TO_AIR * rayleigh) - 1);
     const double counted = VESK_difference(co2.counts, air.counts);
     if (!VESK_is_missing(counted) && std::abs(step) >= LEAST_STEP) c.sensitivity = counted / step;
