@@ -31,7 +31,7 @@ TEST(Harness, ScreenHasTextColoursAndLines) {
     const std::string svg = terminal.svg("a <title>");
     EXPECT_NE(svg.find("a &lt;title&gt;"), std::string::npos);
     EXPECT_NE(svg.find(">Hi</text>"), std::string::npos);
-    EXPECT_NE(svg.find("#3465a4"), std::string::npos);
+    EXPECT_NE(svg.find("#1f3f77"), std::string::npos);
 }
 
 TEST(Harness, FailureShowsTheScreenAndWhatWasAwaited) {

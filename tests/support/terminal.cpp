@@ -60,7 +60,7 @@ VTermColor unpacked(std::uint32_t c) {
     return color;
 }
 
-// The palette of a common desktop terminal: its colours are easier on the eye than the pure ones.
+// The sixteen basic colours.
 constexpr std::array<std::uint32_t, 16> PALETTE{TERMINAL_BLACK, TERMINAL_RED, 0x4e9a06, TERMINAL_YELLOW,
                                                 TERMINAL_BLUE,  0x75507b,     0x06989a, TERMINAL_WHITE,
                                                 0x555753,       0xef2929,     0x8ae234, 0xfce94f,

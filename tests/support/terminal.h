@@ -30,13 +30,13 @@ struct TerminalCell {
     bool reverse = false;
 };
 
-// The colours that the eight of the curses library come out as.
+// What the colours that the console uses come out as: readable on each other in documents.
 enum TerminalColor : std::uint32_t {
     TERMINAL_BLACK = 0x000000,
-    TERMINAL_RED = 0xcc0000,
-    TERMINAL_YELLOW = 0xc4a000,
-    TERMINAL_BLUE = 0x3465a4,
-    TERMINAL_WHITE = 0xd3d7cf,
+    TERMINAL_RED = 0xff5f5f,
+    TERMINAL_YELLOW = 0xf2d14e,
+    TERMINAL_BLUE = 0x1f3f77,
+    TERMINAL_WHITE = 0xe4e6e1,
 };
 
 // Keys that are more than one plain character.
