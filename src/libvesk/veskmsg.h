@@ -1,8 +1,8 @@
 // The message link of one peer: connects to a server, queues outgoing messages, delivers incoming ones on
 // the caller's thread. There is no thread and no lock: everything moves inside VESKMSG_process_messages,
-// VESKMSG_wait and VESKMSG_flush, and one of them must be called every few seconds, since heartbeats move there
-// too. They go by UTIL_ftime: who replaces its source with a faster clock makes the link's silence shorter.
-// docs/protocol.md describes the bytes.
+// VESKMSG_wait and VESKMSG_flush, and one of them must be called every few seconds, since heartbeats move
+// there too. They go by UTIL_ftime: who replaces its source with a faster clock makes the link's silence
+// shorter. docs/protocol.md describes the bytes.
 #pragma once
 
 #include <memory>

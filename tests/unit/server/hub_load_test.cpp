@@ -91,7 +91,8 @@ TEST_F(HubLoad, PeerThatReadsATrickleIsDroppedInTheEnd) {
     make_deaf(trickle);
     constexpr std::size_t COUNT = 300;
     flood(a, COUNT);
-    for (int i = 0; i < 200; ++i) round();
+    for (int i = 0; i < 200; ++i)
+        round();
     double seconds = 0;
     for (; seconds < 20 && logged("reads too slowly") == 0; seconds += HUB::TICK_SECONDS) {
         trickle.skip(16 * 1024);  // once in every tick, so that it never stalls
