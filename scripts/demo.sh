@@ -62,7 +62,7 @@ while [ ! -S "$VESK_SOCKET" ]; do
     sleep 0.1
 done
 
-"$bin/vesk.simstation" --average 60 </dev/null >"$dir/simstation.log" 2>&1 &
+"$bin/vesk.simstation" --average 10 </dev/null >"$dir/simstation.log" 2>&1 &
 station=$!
 
 cp scripts/demo.conf "$dir/console.conf"
