@@ -1,0 +1,619 @@
+// The optical sizers and the mobility sizer: what the graph draws where, the table and its pages, derived
+// values, and the ways between the screens.
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <limits>
+
+#include "cursclient/displays/instdisp.h"
+#include "display_rig.h"
+#include "libvesk/records/sizers.h"
+
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
+constexpr double INFINITE = std::numeric_limits<double>::infinity();
+
+class Sizers : public DisplayRig {
+  protected:
+    static constexpr const char* GRIMM = "grimm:S11";
+    static constexpr const char* LASAIR = "lasair:S11";
+    static constexpr const char* SEMS = "sems:S11";
+
+    // An instrument S11 that answers; its window has the focus.
+    template <class Status>
+    static void meet(const char* ident, NETMSG_type status) {
+        announce("S11", std::string(ident, std::strchr(ident, ':')).c_str(), "Sizer");
+        focus(ident);
+        get(status, Status{TRUE});
+    }
+    static void meet_grimm() { meet<NET_GRIMM_Status>(GRIMM, MSG_GRIMM_STATUS); }
+    static void meet_lasair() { meet<NET_LASAIR_Status>(LASAIR, MSG_LASAIR_STATUS); }
+    static void meet_sems() { meet<NET_SEMS_Status>(SEMS, MSG_SEMS_STATUS); }
+
+    template <class R>
+    static void get(NETMSG_type msg, R record) {
+        receive("S11", msg, record);
+    }
+    // Diameters 1, 2, 3, ...
+    static void get_grimm_diameters() {
+        NET_GRIMM_Info info;
+        for (std::size_t i = 0; i < NET_GRIMM_BINS; ++i)
+            info.D[i] = static_cast<double>(i) + 1;
+        get(MSG_GRIMM_INFO, info);
+    }
+    // Bins by their number; those not named are missing.
+    static NET_GRIMM_Instant grimm(const std::vector<std::pair<std::size_t, double>>& bins) {
+        auto in = NETDSD_default<NET_GRIMM_Instant>();
+        for (const auto& [bin, n] : bins)
+            in.dN[bin] = n;
+        return in;
+    }
+    template <class F>
+    static NET_SEMS_Bins bins(F value) {
+        NET_SEMS_Bins b{.start_time = 1, .v = {}};
+        for (std::size_t i = 0; i < NET_SEMS_BINS; ++i)
+            b.v[i] = value(i);
+        return b;
+    }
+    static NET_SEMS_Bins all_bins(double v) {
+        return bins([v](std::size_t) { return v; });
+    }
+    // Heights of the bars as they stand on the screen, by column.
+    static std::string bars(const char* ident) {
+        redraw();
+        WINDOW* win = window(ident)->win;
+        std::string heights;
+        for (int col = 1; col < getmaxx(win) - 1; ++col) {
+            int height = 0;
+            for (int y = 1; y < getmaxy(win) - 1; ++y)
+                height += TestScreen::row(win, y)[static_cast<std::size_t>(col)] == '#';
+            heights += static_cast<char>(height < 10 ? '0' + height : 'a' + height - 10);
+        }
+        heights.erase(heights.find_last_not_of('0') + 1);
+        return heights;
+    }
+};
+
+// ---- before any data
+
+TEST_F(Sizers, WithoutCommunicationsNothingElseShows) {
+    struct {
+        const char* type;
+        int cols, rows;
+    } const cases[] = {{"grimm", 54, 22}, {"lasair", 34, 22}, {"sems", 69, 22}, {"ccn", 41, 23}};
+    for (const auto& c : cases) {
+        announce("S11", c.type);
+        const std::string ident = c.type + std::string(":S11");
+        const WINS_window* win = focus(ident.c_str());
+        EXPECT_EQ(getmaxx(win->win), c.cols) << c.type;
+        EXPECT_EQ(getmaxy(win->win), c.rows) << c.type;
+        for (const char mode : {'n', 't', 'h'}) {
+            press(mode);
+            EXPECT_EQ(inside(ident.c_str()),
+                      "\n\n\n\n\n\n\n\n\n\n\n" +
+                          std::string(static_cast<std::size_t>(c.cols - 8) / 2 - 1, ' ') + "NO COMMS\n")
+                << c.type;
+        }
+        leave("S11");
+    }
+}
+
+TEST_F(Sizers, BeforeAnyDataTheGraphIsEmptyAndTheRestMissing) {
+    meet_grimm();
+    EXPECT_EQ(inside(GRIMM), "\n               cum N(D) - Instantanous\n");
+    press('T');
+    EXPECT_EQ(row(GRIMM, 4), "--.--      -----.-   -----.-");
+    press('H');
+    EXPECT_EQ(inside(GRIMM), R"(
+                    Housekeeping
+Conc (cm-3):  -----.-
+Flow (lpm):      --.---
+Error code:       0
+Location:        -1
+GF:              -1
+Battery:         -1
+Motor current:   -1
+Zero filter:     -1
+Calibration:     -1
+Sens 1:          -1
+Sens 2:          -1
+Sens 3:          -1
+)");
+    leave("S11");
+
+    meet_lasair();
+    press('S');
+    EXPECT_EQ(inside(LASAIR), R"(
+          Housekeeping
+Total counts (cm-3): -------.-
+Flow (lpm):              ---.---
+Laser voltage:            --.---
+Manifold:                 -1
+Searching:             FALSE
+Analog 1:                 --.---
+Analog 2:                 --.---
+Analog 3:                 --.---
+Analog 4:                 --.---
+)");
+    leave("S11");
+
+    meet_sems();
+    EXPECT_EQ(row(SEMS, 1), "                      dN/dlogD, upward sweep");
+    press('h');
+    EXPECT_EQ(inside(SEMS), R"(
+Integrals:      dN     dN/dlogD     dV/dlogD
+           (cm^-3)      (cm^-3)  (um^3/cm^3)
+   Upward:  ----.-     -.-------     -.-------
+ Downward:  ----.-     -.-------     -.-------
+
+T:               ---.--
+RH:              ---.--
+P impactor:     ----.--
+HV out:            -.-------f
+P dma:          ----.--
+Q sheath:        ---.--
+Q excess:        ---.--
+Q mono:          ---.--
+T CPC condenser: ---.--
+T CPC saturator: ---.--
+)");
+}
+
+// ---- the graph
+
+TEST_F(Sizers, TheGraphPutsBarsAndLabelsWhereTheyBelong) {
+    meet_grimm();
+    press('N');
+    get_grimm_diameters();
+    auto in = NETDSD_default<NET_GRIMM_Instant>();
+    for (std::size_t i = 0; i < NET_GRIMM_BINS; ++i)
+        in.dN[i] = static_cast<double>(i);
+    in.dN[20] = VESK_MISSING;
+    get(MSG_GRIMM_INSTANT, in);
+    // 0.6 rows a bin: bin 0 has no bar, bin 30 all 18 rows; the 21st is a gap.
+    EXPECT_EQ(inside(GRIMM), R"(
+                  dN - Instantanous
+   30.0                              #
+                                   ###
+   25.0                          #####
+                                ######
+                              ########
+   20.0                     ##########
+                            ##########
+                         ## ##########
+   15.0                #### ##########
+                      ##### ##########
+                    ####### ##########
+   10.0           ######### ##########
+                 ########## ##########
+               ############ ##########
+    5.0      ############## ##########
+            ############### ##########
+          ################# ##########
+    0.0 ################### ##########
+       1.0       11.0      21.0      31.0
+)");
+    EXPECT_EQ(color(GRIMM, 19, 38), CP_WHITE_BLUE);
+}
+
+TEST_F(Sizers, BarsAreRoundedAndBinsThatAreNoNumbersLeftOut) {
+    struct {
+        const char* what;
+        std::vector<std::pair<std::size_t, double>> bins;
+        const char* bars;  // heights from column 1 on, in base 19; bin 0 is the eighth
+    } const cases[] = {
+        {"half a row is a row", {{0, 0}, {1, 0.5}, {2, 0.49}, {3, 18}}, "0000000010i"},
+        {"the first and the last bin", {{0, 2}, {29, 0}, {30, 1}}, "0000000i000000000000000000000000000009"},
+        {"negative values", {{0, -18}, {1, -9}, {2, 0}}, "000000009i"},
+        {"NaN and infinite",
+         {{0, 0}, {1, NOT_A_NUMBER}, {2, INFINITE}, {3, -INFINITE}, {4, 9}, {5, 18}},
+         "000000000009i"},
+        {"one bin alone has no range", {{3, 7}}, ""},
+        {"all equal", {{3, 7}, {4, 7}, {30, 7}}, ""},
+        {"none", {}, ""},
+        {"nothing but NaN", {{1, NOT_A_NUMBER}, {2, NOT_A_NUMBER}}, ""},
+        {"a range beyond all numbers", {{1, -1.7e308}, {2, 1.7e308}}, ""},
+    };
+    meet_grimm();
+    press('N');
+    get_grimm_diameters();
+    for (const auto& c : cases) {
+        get(MSG_GRIMM_INSTANT, grimm(c.bins));
+        EXPECT_EQ(bars(GRIMM), c.bars) << c.what;
+        if (*c.bars == '\0') {
+            EXPECT_EQ(inside(GRIMM), "\n                  dN - Instantanous\n") << c.what;
+        }
+    }
+}
+
+TEST_F(Sizers, WithoutDiametersThereIsNoGraph) {
+    meet_grimm();
+    get(MSG_GRIMM_INSTANT, grimm({{0, 1}, {1, 2}}));
+    EXPECT_EQ(bars(GRIMM), "");
+    NET_GRIMM_Info info;
+    for (double same : {VESK_MISSING, 4.0, NOT_A_NUMBER}) {
+        for (std::size_t i = 0; i < NET_GRIMM_BINS; ++i)
+            info.D[i] = same;
+        get(MSG_GRIMM_INFO, info);
+        EXPECT_EQ(bars(GRIMM), "") << same;
+    }
+    info.D[0] = 1;
+    info.D[30] = VESK_MISSING;
+    info.D[1] = 2;
+    get(MSG_GRIMM_INFO, info);
+    EXPECT_EQ(bars(GRIMM), "00000000i");
+    EXPECT_EQ(row(GRIMM, 20), "       1.0       NaN       NaN       -.-") << "labels say what there is";
+}
+
+TEST_F(Sizers, TheCumulativeSumCarriesOverAGap) {
+    meet_grimm();
+    get_grimm_diameters();
+    get(MSG_GRIMM_INSTANT, grimm({{0, 10}, {2, 10}, {3, NOT_A_NUMBER}, {4, 10}}));
+    EXPECT_EQ(bars(GRIMM), "00000000090i") << "sums 10, 20, 30 at bins 0, 2 and 4";
+    press('t');
+    EXPECT_EQ(row(GRIMM, 4), " 1.00         10.0      10.0");
+    EXPECT_EQ(row(GRIMM, 5), " 2.00      -----.-   -----.-");
+    EXPECT_EQ(row(GRIMM, 6), " 3.00         10.0      20.0");
+    EXPECT_EQ(row(GRIMM, 7), " 4.00          NaN       NaN");
+    EXPECT_EQ(row(GRIMM, 8), " 5.00         10.0      30.0");
+}
+
+TEST_F(Sizers, TheLasairsBarsAreTwoColumnsWide) {
+    meet_lasair();
+    get(MSG_LASAIR_INFO, NET_LASAIR_Info{{0.1, 0.2, 0.3, 0.4, 0.5, 0.7, 1, 2}});
+    auto in = NETDSD_default<NET_LASAIR_Instant>();
+    for (std::size_t i = 0; i < NET_LASAIR_BINS; ++i)
+        in.dN[i] = 1000;
+    get(MSG_LASAIR_INSTANT, in);
+    EXPECT_EQ(bars(LASAIR), "000000000000335588aaddffii") << "after the first, 18/7 rows more each";
+    EXPECT_EQ(row(LASAIR, 2), "  8000.0                ##");
+    EXPECT_EQ(row(LASAIR, 19), "  1000.0    ##############");
+    EXPECT_EQ(row(LASAIR, 20), "          0.10  0.40    2.00");
+    get(MSG_LASAIR_INFO, NET_LASAIR_Info{{0.1, 0.2, 0.3, 0.4, 0.5, 0.7, 1, 20000000}});
+    EXPECT_EQ(row(LASAIR, 20), "          0.10  0.40 20000000.00") << "a long label stays inside";
+}
+
+// ---- modes
+
+TEST_F(Sizers, TheDataSetChangesWithTheNextMessage) {
+    meet_grimm();
+    get_grimm_diameters();
+    auto in = grimm({{0, 1}});
+    in.running.dN[0] = 2;
+    auto avg = NETDSD_default<NET_GRIMM_Avg>();
+    avg.dN[0] = 3;
+    const auto shown = [] {
+        const std::string caption = row(GRIMM, 1);
+        return caption.substr(caption.find("Tabular")) + ": " + row(GRIMM, 4).substr(15, 3);
+    };
+    get(MSG_GRIMM_INSTANT, in);
+    get(MSG_GRIMM_AVERAGE, avg);
+    press('t');
+    EXPECT_EQ(shown(), "Tabular - Instantanous: 1.0");
+    press('a');
+    EXPECT_EQ(shown(), "Tabular - Running average: 1.0") << "not yet";
+    get(MSG_GRIMM_AVERAGE, avg);
+    EXPECT_EQ(shown(), "Tabular - Running average: 1.0");
+    get(MSG_GRIMM_INSTANT, in);
+    EXPECT_EQ(shown(), "Tabular - Running average: 2.0");
+    press('A');
+    get(MSG_GRIMM_INSTANT, in);
+    EXPECT_EQ(shown(), "Tabular - Last average: 2.0");
+    get(MSG_GRIMM_AVERAGE, avg);
+    EXPECT_EQ(shown(), "Tabular - Last average: 3.0");
+    press('a');
+    EXPECT_EQ(shown(), "Tabular - Instantanous: 3.0");
+}
+
+TEST_F(Sizers, TheMenusAveragingButtonOnlyRefreshes) {
+    meet_grimm();
+    auto in = grimm({{0, 1}});
+    in.running.dN[0] = 2;
+    get(MSG_GRIMM_INSTANT, in);
+    type("tam");
+    EXPECT_THAT(screen_text(), HasSubstr("A Last average display"));
+    EXPECT_EQ(row(GRIMM, 4), "--.--          1.0       1.0");
+    type("A");
+    EXPECT_EQ(row(GRIMM, 1), "              Tabular - Running average") << "the mode stays";
+    EXPECT_EQ(row(GRIMM, 4), "--.--          2.0       2.0");
+    type("aam");
+    EXPECT_THAT(screen_text(), HasSubstr("A Running average display"));
+    type("A");
+    EXPECT_EQ(row(GRIMM, 1), "               Tabular - Instantanous");
+}
+
+TEST_F(Sizers, TheMenuLeadsWhereTheKeysDo) {
+    meet_grimm();
+    type("m");
+    for (const char* label : {"1 Hide window", "N Display cum N(D)/dN", "T Display tabular mode",
+                              "H Display housekeeping information", "A Running average display"})
+        EXPECT_THAT(screen_text(), HasSubstr(label));
+    type("N");
+    EXPECT_EQ(row(GRIMM, 1), "                  dN - Instantanous");
+    type("mn");
+    EXPECT_EQ(row(GRIMM, 1), "               cum N(D) - Instantanous");
+    type("mH");
+    EXPECT_EQ(row(GRIMM, 1), "                    Housekeeping");
+    type("mN");
+    EXPECT_EQ(row(GRIMM, 1), "               cum N(D) - Instantanous") << "from elsewhere always the sum";
+    type("nhn");
+    EXPECT_EQ(row(GRIMM, 1), "               cum N(D) - Instantanous") << "as the key does";
+    get_grimm_diameters();
+    type("mT");
+    press(KEY_NPAGE);
+    type("mT");
+    EXPECT_EQ(row(GRIMM, 4).substr(0, 5), "17.00") << "no way back to the first page";
+    type("hmT");
+    EXPECT_EQ(row(GRIMM, 4).substr(0, 5), " 1.00") << "but from another screen";
+    type("m");
+    leave("S11");
+    type("N");
+    EXPECT_EQ(window(GRIMM), nullptr) << "a menu that outlived its display does nothing";
+}
+
+TEST_F(Sizers, PagesOfTheTable) {
+    meet_grimm();
+    const auto page_key = [](int key) {
+        DISPLAY_keypress kp{key};
+        DISPLAY_common_params cps{};
+        const DISPLAY_type* dsp = DISPLAY_by_name("S11");
+        return dsp->cb_keypress(dsp->prv_data, &cps, &kp, nullptr);
+    };
+    EXPECT_FALSE(page_key(KEY_NPAGE)) << "no pages in the graph";
+    EXPECT_FALSE(page_key(KEY_PPAGE));
+    get_grimm_diameters();
+    press('t');
+    const auto first_and_last = [](const char* ident) {
+        return row(ident, 4).substr(0, 5) + "," + row(ident, 19).substr(0, 5);
+    };
+    EXPECT_EQ(first_and_last(GRIMM), " 1.00,16.00");
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_TRUE(page_key(KEY_NPAGE));
+        EXPECT_EQ(first_and_last(GRIMM), "17.00,");
+        EXPECT_EQ(row(GRIMM, 18), "31.00      -----.-   -----.-");
+    }
+    EXPECT_EQ(row(GRIMM, 2), "    D           dN  cum N(D)");
+    EXPECT_EQ(row(GRIMM, 3), " (um)      (cm^-3)   (cm^-3)");
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_TRUE(page_key(KEY_PPAGE));
+        EXPECT_EQ(first_and_last(GRIMM), " 1.00,16.00");
+    }
+    press(KEY_NPAGE);
+    type("t");
+    EXPECT_EQ(first_and_last(GRIMM), "17.00,") << "already there";
+    type("st");
+    EXPECT_EQ(first_and_last(GRIMM), " 1.00,16.00");
+    leave("S11");
+
+    meet_lasair();
+    press('t');
+    EXPECT_EQ(inside(LASAIR), R"(
+     Tabular - Instantanous
+     D          dN  cum N(D)
+  (um)     (cm^-3)   (cm^-3)
+---.--   -------.- -------.-
+---.--   -------.- -------.-
+---.--   -------.- -------.-
+---.--   -------.- -------.-
+---.--   -------.- -------.-
+---.--   -------.- -------.-
+---.--   -------.- -------.-
+---.--   -------.- -------.-
+)");
+    press(KEY_NPAGE);
+    EXPECT_EQ(row(LASAIR, 4), "") << "the second page is empty";
+    press(KEY_PPAGE);
+    EXPECT_EQ(row(LASAIR, 4), "---.--   -------.- -------.-");
+}
+
+// ---- housekeeping
+
+TEST_F(Sizers, HousekeepingShowsTheInstantRecord) {
+    meet_grimm();
+    auto in = NETDSD_default<NET_GRIMM_Instant>();
+    in.Q = 1.2;
+    in.flags = 65535;
+    in.loc = 1;
+    in.gf = 2;
+    in.batt = 98;
+    in.I_motor = 45;
+    in.zero_filter = 0;
+    in.cal = 7;
+    in.sens[0] = 11;
+    in.sens[2] = -13;
+    get(MSG_GRIMM_INSTANT, in);
+    get(MSG_COMMON_CNC_INSTANT, NET_COMMON_CNC_Instant{1, 1234.56, 7});
+    receive("N61", MSG_COMMON_CNC_INSTANT, NET_COMMON_CNC_Instant{1, 9, 9});
+    press('h');
+    EXPECT_EQ(inside(GRIMM), R"(
+                    Housekeeping
+Conc (cm-3):   1234.6
+Flow (lpm):       1.200
+Error code:    65535
+Location:         1
+GF:               2
+Battery:         98
+Motor current:   45
+Zero filter:      0
+Calibration:      7
+Sens 1:          11
+Sens 2:           0
+Sens 3:         -13
+)") << "another instrument's concentration is not this one's";
+    leave("S11");
+
+    meet_lasair();
+    auto lasair = NETDSD_default<NET_LASAIR_Instant>();
+    lasair.N = 123456.78;
+    lasair.Q = 0.028;
+    lasair.V_laser = 4.9876;
+    lasair.manifold = 3;
+    lasair.searching = TRUE;
+    lasair.analog[0] = -1.5;
+    get(MSG_LASAIR_INSTANT, lasair);
+    press('h');
+    EXPECT_EQ(inside(LASAIR), R"(
+          Housekeeping
+Total counts (cm-3):  123456.8
+Flow (lpm):                0.028
+Laser voltage:             4.988
+Manifold:                  3
+Searching:              TRUE
+Analog 1:                 -1.500
+Analog 2:                 --.---
+Analog 3:                 --.---
+Analog 4:                 --.---
+)");
+}
+
+// ---- the mobility sizer
+
+TEST_F(Sizers, SweepsAreDerivedFromCountsWidthsAndDiameters) {
+    meet_sems();
+    get(MSG_SEMS_DN_UP, bins([](std::size_t i) { return i == 1 ? 0.0 : 10.0; }));
+    press('t');
+    EXPECT_EQ(row(SEMS, 3), "-----   1.000e+01   10.0      -.-------     -.-------");
+    press('h');
+    EXPECT_EQ(row(SEMS, 3), "   Upward:   590.0     0.000e+00     0.000e+00") << "nothing to divide by";
+    EXPECT_EQ(row(SEMS, 4), " Downward:  ----.-     -.-------     -.-------");
+
+    get(MSG_SEMS_DLOGD, bins([](std::size_t i) { return i == 2 ? 0.0 : 0.05; }));
+    get(MSG_SEMS_D, bins([](std::size_t i) { return i == 3 ? VESK_MISSING : 100.0; }));
+    press('t');
+    // 10 / 0.05 = 200; a sphere of 0.1 um has pi / 6000 = 5.236e-4 um3, times 200 is 0.1047.
+    EXPECT_EQ(inside(SEMS).substr(0, 383), R"(
+    D           dN  cum N(D)    dN/dlogD       dV/dlogD
+ (nm)      (cm^-3)   (cm^-3)     (cm^-3)    (um^3/cm^3)
+  100   1.000e+01   10.0      2.000e+02     1.047e-01
+  100   0.000e+00 ----.-      -.-------     -.-------
+  100   1.000e+01   20.0      -.-------     -.-------
+-----   1.000e+01   30.0      2.000e+02     -.-------
+  100   1.000e+01   40.0      2.000e+02     1.047e-01
+)");
+    press('h');
+    EXPECT_EQ(row(SEMS, 3), "   Upward:   590.0     1.160e+04     5.969e+00") << "58 and 57 bins";
+    EXPECT_EQ(row(SEMS, 4), " Downward:  ----.-     0.000e+00     0.000e+00");
+    get(MSG_SEMS_DN_DOWN, all_bins(1));
+    EXPECT_EQ(row(SEMS, 4), " Downward:    60.0     1.180e+03     6.074e-01");
+    EXPECT_EQ(row(SEMS, 3), "   Upward:   590.0     1.160e+04     5.969e+00") << "the other sweep stays";
+}
+
+TEST_F(Sizers, TheSweepsTableHasFourPagesAndTwoSides) {
+    meet_sems();
+    get(MSG_SEMS_D, bins([](std::size_t i) { return static_cast<double>(i); }));
+    get(MSG_SEMS_DN_UP, all_bins(1));
+    get(MSG_SEMS_DN_DOWN, all_bins(2));
+    press('T');
+    const auto first = [] { return row(SEMS, 3).substr(0, 17); };
+    EXPECT_EQ(first(), "    0   1.000e+00");
+    EXPECT_EQ(row(SEMS, 19).substr(0, 5), "   16");
+    press(KEY_NPAGE);
+    EXPECT_EQ(first(), "   17   1.000e+00");
+    press('t');
+    EXPECT_EQ(first(), "   17   2.000e+00") << "the other sweep on the same page";
+    for (int i = 0; i < 4; ++i)
+        press(KEY_NPAGE);
+    EXPECT_EQ(first(), "   51   2.000e+00");
+    EXPECT_EQ(row(SEMS, 11).substr(0, 5), "   59");
+    EXPECT_EQ(row(SEMS, 12), "");
+    press('t');
+    EXPECT_EQ(first(), "   51   1.000e+00");
+    type("tht");
+    EXPECT_EQ(first(), "    0   1.000e+00") << "from elsewhere: upward, first page";
+}
+
+TEST_F(Sizers, EachGraphKeyShowsTheUpwardThenTheDownwardSweep) {
+    meet_sems();
+    const auto caption = [] {
+        const std::string text = row(SEMS, 1);
+        return text.substr(text.find_first_not_of(' '));
+    };
+    EXPECT_EQ(caption(), "dN/dlogD, upward sweep");
+    struct {
+        const char* keys;
+        const char* caption;
+    } const cases[] = {{"n", "dN/dlogD, downward sweep"}, {"N", "dN/dlogD, upward sweep"},
+                       {"v", "dV/dlogD, upward sweep"},   {"V", "dV/dlogD, downward sweep"},
+                       {"c", "cum N(D), upward sweep"},   {"C", "cum N(D), downward sweep"},
+                       {"c", "cum N(D), upward sweep"},   {"hc", "cum N(D), upward sweep"},
+                       {"cn", "dN/dlogD, upward sweep"},  {"mN", "dN/dlogD, downward sweep"},
+                       {"mV", "dV/dlogD, upward sweep"},  {"mC", "cum N(D), upward sweep"},
+                       {"mC", "cum N(D), downward sweep"}};
+    for (const auto& c : cases) {
+        type(c.keys);
+        EXPECT_EQ(caption(), c.caption) << c.keys;
+    }
+    type("m");
+    for (const char* label : {"N Display dN/dlogD", "V Display dV/dlogD", "C Display cum N(D)",
+                              "T Display tabular mode", "H Display housekeeping information"})
+        EXPECT_THAT(screen_text(), HasSubstr(label));
+    EXPECT_THAT(screen_text(), Not(HasSubstr("A ")));
+    type("T");
+    EXPECT_THAT(row(SEMS, 1), HasSubstr("    D           dN  cum N(D)    dN/dlogD       dV/dlogD"));
+    type("mH");
+    EXPECT_THAT(row(SEMS, 1), HasSubstr("Integrals:"));
+}
+
+TEST_F(Sizers, TheSweepsGraphShowsSixtyBins) {
+    meet_sems();
+    get(MSG_SEMS_D, bins([](std::size_t i) { return 10 * static_cast<double>(i) + 10; }));
+    get(MSG_SEMS_DLOGD, all_bins(0.05));
+    get(MSG_SEMS_DN_UP, bins([](std::size_t i) { return i == 59 ? 1900.0 : 100.0; }));
+    get(MSG_SEMS_DN_DOWN, bins([](std::size_t i) { return i == 0 ? 1900.0 : 100.0; }));
+    EXPECT_EQ(bars(SEMS), std::string(7 + 59, '0') + 'i');
+    EXPECT_EQ(row(SEMS, 2), "3.8e+04" + std::string(59, ' ') + "#");
+    EXPECT_EQ(row(SEMS, 19), "2.0e+03" + std::string(59, ' ') + "#");
+    // Bins 0, 7, 14, 22, 29, 36, 44, 51, 59: the last label ends at the border.
+    EXPECT_EQ(row(SEMS, 20), "       10     80     150     230    300    370     450    520   600");
+    press('n');
+    EXPECT_EQ(bars(SEMS), std::string(7, '0') + 'i');
+    press('c');
+    EXPECT_EQ(row(SEMS, 2), "   7800" + std::string(59, ' ') + "#");
+}
+
+TEST_F(Sizers, SweepsOfNonsenseAreSurvived) {
+    meet_sems();
+    get(MSG_SEMS_D, all_bins(INFINITE));
+    get(MSG_SEMS_DLOGD, bins([](std::size_t i) { return i % 2 == 0 ? NOT_A_NUMBER : 1e-300; }));
+    get(MSG_SEMS_DN_UP, bins([](std::size_t i) { return i % 3 == 0 ? -INFINITE : 1e300; }));
+    for (const char* keys : {"n", "v", "c", "t", "h"}) {
+        type(keys);
+        EXPECT_NE(inside(SEMS), "\n") << keys;
+    }
+    EXPECT_EQ(bars(SEMS), "");
+}
+
+class SmallSizers : public DisplayRig {
+  protected:
+    SmallSizers() : DisplayRig(10, 24) {}
+};
+
+TEST_F(SmallSizers, BarsAndLabelsStayInsideASmallWindow) {
+    announce("S11", "grimm", "Sizer with a long name");
+    focus("grimm:S11");
+    receive("S11", MSG_GRIMM_STATUS, NET_GRIMM_Status{TRUE});
+    NET_GRIMM_Info info;
+    auto in = NETDSD_default<NET_GRIMM_Instant>();
+    for (std::size_t i = 0; i < NET_GRIMM_BINS; ++i) {
+        info.D[i] = static_cast<double>(i) + 1;
+        in.dN[i] = static_cast<double>(NET_GRIMM_BINS - i);
+    }
+    receive("S11", MSG_GRIMM_INFO, info);
+    receive("S11", MSG_GRIMM_INSTANT, in);
+    press('n');
+    EXPECT_EQ(inside("grimm:S11"), R"(
+   dN - Instantanous
+   31.0#
+       ###
+   26.0#####
+       ######
+       ########
+   21.0##########
+)");
+}
+
+}  // namespace
