@@ -85,15 +85,19 @@ struct optical_sizer {
     K extra;  // what the kind reports besides
 };
 
+// The names of a kind's records and messages.
+#define OPTICAL_NAMES(KIND)                                      \
+    using Avg = NET_##KIND##_Avg;                                \
+    using Instant = NET_##KIND##_Instant;                        \
+    using Info = NET_##KIND##_Info;                              \
+    using Status = NET_##KIND##_Status;                          \
+    static constexpr NETMSG_type AVERAGE = MSG_##KIND##_AVERAGE; \
+    static constexpr NETMSG_type INSTANT = MSG_##KIND##_INSTANT; \
+    static constexpr NETMSG_type INFO = MSG_##KIND##_INFO;       \
+    static constexpr NETMSG_type STATUS = MSG_##KIND##_STATUS
+
 struct grimm {
-    using Avg = NET_GRIMM_Avg;
-    using Instant = NET_GRIMM_Instant;
-    using Info = NET_GRIMM_Info;
-    using Status = NET_GRIMM_Status;
-    static constexpr NETMSG_type AVERAGE = MSG_GRIMM_AVERAGE;
-    static constexpr NETMSG_type INSTANT = MSG_GRIMM_INSTANT;
-    static constexpr NETMSG_type INFO = MSG_GRIMM_INFO;
-    static constexpr NETMSG_type STATUS = MSG_GRIMM_STATUS;
+    OPTICAL_NAMES(GRIMM);
     static constexpr std::array<double, NET_GRIMM_BINS> diameters{
         0.25, 0.28, 0.3, 0.35, 0.4, 0.45, 0.5, 0.58, 0.65, 0.7,  0.8,  1.0,  1.3,  1.6,  2.0, 2.5,
         3.0,  3.5,  4.0, 5.0,  6.5, 7.5,  8.5, 10.0, 12.5, 15.0, 17.5, 20.0, 25.0, 30.0, 32.0};
@@ -115,14 +119,7 @@ struct grimm {
 };
 
 struct lasair {
-    using Avg = NET_LASAIR_Avg;
-    using Instant = NET_LASAIR_Instant;
-    using Info = NET_LASAIR_Info;
-    using Status = NET_LASAIR_Status;
-    static constexpr NETMSG_type AVERAGE = MSG_LASAIR_AVERAGE;
-    static constexpr NETMSG_type INSTANT = MSG_LASAIR_INSTANT;
-    static constexpr NETMSG_type INFO = MSG_LASAIR_INFO;
-    static constexpr NETMSG_type STATUS = MSG_LASAIR_STATUS;
+    OPTICAL_NAMES(LASAIR);
     static constexpr std::array<double, NET_LASAIR_BINS> diameters{0.1, 0.2, 0.3, 0.4, 0.5, 0.7, 1.0, 2.0};
     static constexpr SIM_channel channels[] = {{"Q", 0.028, 0.0001}, {"V_laser", 4.95, 0.01}};
 
