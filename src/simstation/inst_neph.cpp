@@ -138,25 +138,9 @@ struct neph {
         auto r = NETDSD_default<NET_NEPH_Avg>();
         r.start_time = time;
         SIM_neph_put(r.s, scattering);
-        put_counts(r.pc);
-        const SIM_neph_climate& c = model.cell.climate();
-        r.T_inlet = c.T_inlet;
-        r.T_neph = c.T_neph;
-        r.RH_inlet = c.RH_inlet;
-        r.RH_neph = c.RH_neph;
-        r.P_neph = c.P;
+        SIM_neph_put_counts(r.pc, model.cell);
+        SIM_neph_put_climate(r, model.cell.climate());
         return with_exponents(r);
-    }
-
-    void put_counts(NET_NEPH_PhotonCounts& pc) const {
-        for (std::size_t i = 0; i < 3; ++i) {
-            pc.calTS[i] = model.cell.calibrator_counts()[i];
-            pc.calBS[i] = model.cell.calibrator_counts()[i + 3];
-            pc.darkTS[i] = model.cell.dark_counts()[i];
-            pc.darkBS[i] = model.cell.dark_counts()[i + 3];
-            pc.sampTS[i] = model.cell.sample_counts()[i];
-            pc.sampBS[i] = model.cell.sample_counts()[i + 3];
-        }
     }
 
     // Those of averages come from the averaged scattering: exponents of noise do not average.

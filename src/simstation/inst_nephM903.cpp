@@ -20,12 +20,7 @@ struct nephM903 {
         now.start_time = sim.time();
         now.bspg = model.outer_air()[1];
         if (model.lit()) now.greenref = REFERENCE * sim.noise().normal(1, 0.004);
-        const SIM_neph_climate& c = model.cell.climate();
-        now.T_neph = c.T_neph;
-        now.RH_neph = c.RH_neph;
-        now.T_inlet = c.T_inlet;
-        now.RH_inlet = c.RH_inlet;
-        now.P = c.P;
+        SIM_neph_put_climate(now, model.cell.climate());
         averages.add(sim.time(), now);
         sim.send_instant(
             MSG_NEPHM903_INSTANT,

@@ -12,13 +12,8 @@ constexpr double NORMAL_WATTS = 75;
 
 NET_COMMON_Neph_Shared shared_of(const SIM_nephcell& cell, const SIM_neph_six& scattering) {
     auto r = NETDSD_default<NET_COMMON_Neph_Shared>();
-    const SIM_neph_climate& c = cell.climate();
     SIM_neph_put(r, scattering);
-    r.T_inlet = c.T_inlet;
-    r.T_neph = c.T_neph;
-    r.RH_inlet = c.RH_inlet;
-    r.RH_neph = c.RH_neph;
-    r.P_neph = c.P;
+    SIM_neph_put_climate(r, cell.climate());
     return r;
 }
 
@@ -30,14 +25,7 @@ void put_exponents(NET_COMMON_Neph_Shared& r, const SIM_nephcell& cell) {
 NET_COMMON_Neph_SpancheckRun run_second(const SIM_nephcell& cell, double watts) {
     auto r = NETDSD_default<NET_COMMON_Neph_SpancheckRun>();
     SIM_neph_put(r, cell.scattering());
-    for (std::size_t i = 0; i < 3; ++i) {
-        r.calTS[i] = cell.calibrator_counts()[i];
-        r.calBS[i] = cell.calibrator_counts()[i + 3];
-        r.darkTS[i] = cell.dark_counts()[i];
-        r.darkBS[i] = cell.dark_counts()[i + 3];
-        r.sampTS[i] = cell.sample_counts()[i];
-        r.sampBS[i] = cell.sample_counts()[i + 3];
-    }
+    SIM_neph_put_counts(r, cell);
     r.T = cell.climate().T_neph;
     r.RH = cell.climate().RH_neph;
     r.P = cell.climate().P;

@@ -96,3 +96,30 @@ class SIM_nephcell {
     SIM_neph_six m_dark = SIM_neph_nothing();
     SIM_neph_climate m_climate{};
 };
+
+// Writes the counts into a record's fields sampTS, sampBS and so on.
+template <class R>
+void SIM_neph_put_counts(R& record, const SIM_nephcell& cell) {
+    for (std::size_t i = 0; i < 3; ++i) {
+        record.calTS[i] = cell.calibrator_counts()[i];
+        record.calBS[i] = cell.calibrator_counts()[i + 3];
+        record.darkTS[i] = cell.dark_counts()[i];
+        record.darkBS[i] = cell.dark_counts()[i + 3];
+        record.sampTS[i] = cell.sample_counts()[i];
+        record.sampBS[i] = cell.sample_counts()[i + 3];
+    }
+}
+
+// Writes temperatures, humidities and pressure.
+template <class R>
+void SIM_neph_put_climate(R& record, const SIM_neph_climate& climate) {
+    record.T_inlet = climate.T_inlet;
+    record.T_neph = climate.T_neph;
+    record.RH_inlet = climate.RH_inlet;
+    record.RH_neph = climate.RH_neph;
+    if constexpr (requires { record.P_neph; }) {
+        record.P_neph = climate.P;
+    } else {
+        record.P = climate.P;
+    }
+}

@@ -2,6 +2,8 @@
 #include "journey.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <fstream>
 #include <set>
 #include <tuple>
 
@@ -161,4 +163,10 @@ testing::AssertionResult left_restored(Terminal& console, int code) {
     if (!console.cursor_visible()) return testing::AssertionFailure() << "the cursor is hidden";
     if (console.settings_changed()) return testing::AssertionFailure() << "the line settings changed";
     return testing::AssertionSuccess();
+}
+
+void save_screen(const Terminal& console, const std::string& name) {
+    const char* folder = std::getenv("VESK_SCREENS");
+    if (folder != nullptr)
+        std::ofstream(std::string(folder) + "/" + name + ".svg") << console.svg("vesk.cursclient");
 }

@@ -16,11 +16,14 @@ class Password : public testing::Test {
     void flush() {
         ASSERT_TRUE(choose_from_menu(*console_, "Disk operations"));
         ASSERT_TRUE(choose(*console_, "Flush buffers"));
+        // The dialog's title reads like the menu's entry: it must be gone before the menu is read again.
+        ASSERT_TRUE(console_->hides("Flush buffers"));
         EXPECT_TRUE(monitor_->wait_line({"\"msg\":\"MSG_LOG_FLUSH\"", "\"src\":\"CLIENT\""}));
     }
     void ask_for_new_files() {
         ASSERT_TRUE(choose_from_menu(*console_, "Disk operations"));
         ASSERT_TRUE(choose(*console_, "Start new files"));
+        ASSERT_TRUE(console_->hides("Start new files"));
     }
     void answer(std::string_view password) {
         ASSERT_TRUE(console_->shows("Enter password"));

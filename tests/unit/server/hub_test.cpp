@@ -128,7 +128,10 @@ TEST_F(Hub, RefusesWithAReasonAndClosesThen) {
     HUB_params params;
     params.most_peers = 2;
     start(params);
-    instrument("A1");
+    wire::End& a = instrument("A1");
+    a.send(message(MSG_CPC_3010_STATUS, SHARED));
+    settle(a);
+    a.frames().clear();
     struct {
         FRAME_bytes hello;
         const char* text;
@@ -153,7 +156,12 @@ TEST_F(Hub, RefusesWithAReasonAndClosesThen) {
         refused.hang_up();
         ASSERT_TRUE(until([&] { return hub_->count() == 1; }));
     }
-    client();
+    // Whoever was refused under its name has not taken it along.
+    settle(a);
+    EXPECT_THAT(names(a), IsEmpty());
+    wire::End& console = client();
+    settle(console);
+    EXPECT_THAT(names(console), ElementsAre("MSG_CPC_3010_STATUS"));
     wire::End& late = raw();
     ASSERT_TRUE(until([&] { return late.ended(); }));
     ASSERT_EQ(late.frames().size(), 1U);

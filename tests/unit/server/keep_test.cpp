@@ -29,6 +29,9 @@ TEST(Keep, ReplacesInPlaceAndCountsBytes) {
     EXPECT_EQ(keep.messages().front().frame.size(), 300U);
     keep.forget("N1");
     EXPECT_EQ(keep.bytes(), 300U);
+    EXPECT_EQ(keep.put(entry("N1", 1, 200, true)), KEEP::KEPT);  // it has come back
+    EXPECT_EQ(keep.messages().back().source, "N1");
+    EXPECT_EQ(keep.bytes(), 500U);
 }
 
 TEST(Keep, OldestOfConsolesMakeRoomAndInstrumentsDoNot) {
