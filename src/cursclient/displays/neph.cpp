@@ -43,22 +43,23 @@ void draw_counts(const CANVAS& d, const NET_NEPH_PhotonCounts& pc) {
 // Left pairs, then right ones.
 template <class View>
 void draw_lower_block(const CANVAS& d, const NEPH_prv_data* pd, const View& v) {
-    const auto [left, middle, right] = NEPH_COLUMNS;
-    static_cast<void>(middle);
-    d.field(8, 1, "Mode:", left, "   %4s", static_cast<const char*>(pd->modes.mode));
-    d.field(9, 1, "Flags:", left, "   %04X", pd->modes.flags);
-    d.field(10, 1, "P hPa:", left, " *~4.1f", v.P_neph);
-    d.field(11, 1, "Alpha GR:", left, "*~4.2f", v.alphaGR);
-    d.field(12, 1, "AlphaB GR:", left, "*~4.2f", v.alphabGR);
-    d.field(13, 1, "Lamp V:", left, "  *~2.2f", pd->instant.lamp_V);
-    d.field(14, 1, "Green Ref:", left, "*~7.0f", pd->instant.ref_green);
-    d.field(8, NEPH_RIGHT, "Sample T:", right, "  *~3.1f", v.T_neph);
-    d.field(9, NEPH_RIGHT, "Inlet T:", right, "  *~3.1f", v.T_inlet);
-    d.field(10, NEPH_RIGHT, "Sample RH:", right, "   *~2.1f", v.RH_neph);
-    d.field(11, NEPH_RIGHT, "Inlet RH:", right, "   *~2.1f", v.RH_inlet);
-    d.field(12, NEPH_RIGHT, "Sec rem:", right, "*~7.0f", pd->instant.sec_left);
-    d.field(13, NEPH_RIGHT, "Lamp I:", right, "  *~2.2f", pd->instant.lamp_I);
-    d.field(14, NEPH_RIGHT, "BNC in mV:", right, "  *~5.0f", pd->instant.aux_in);
+    static constexpr int LEFT = NEPH_LEFT_VALUE;
+    static constexpr int LABEL = NEPH_RIGHT_LABEL;
+    static constexpr int RIGHT = NEPH_RIGHT_VALUE;
+    d.field(8, 1, "Mode:", LEFT, "   %4s", static_cast<const char*>(pd->modes.mode));
+    d.field(9, 1, "Flags:", LEFT, "   %04X", pd->modes.flags);
+    d.field(10, 1, "P hPa:", LEFT, " *~4.1f", v.P_neph);
+    d.field(11, 1, "Alpha GR:", LEFT, "*~4.2f", v.alphaGR);
+    d.field(12, 1, "AlphaB GR:", LEFT, "*~4.2f", v.alphabGR);
+    d.field(13, 1, "Lamp V:", LEFT, "  *~2.2f", pd->instant.lamp_V);
+    d.field(14, 1, "Green Ref:", LEFT, "*~7.0f", pd->instant.ref_green);
+    d.field(8, LABEL, "Sample T:", RIGHT, "  *~3.1f", v.T_neph);
+    d.field(9, LABEL, "Inlet T:", RIGHT, "  *~3.1f", v.T_inlet);
+    d.field(10, LABEL, "Sample RH:", RIGHT, "   *~2.1f", v.RH_neph);
+    d.field(11, LABEL, "Inlet RH:", RIGHT, "   *~2.1f", v.RH_inlet);
+    d.field(12, LABEL, "Sec rem:", RIGHT, "*~7.0f", pd->instant.sec_left);
+    d.field(13, LABEL, "Lamp I:", RIGHT, "  *~2.2f", pd->instant.lamp_I);
+    d.field(14, LABEL, "BNC in mV:", RIGHT, "  *~5.0f", pd->instant.aux_in);
 }
 
 void draw(NEPH_prv_data* pd, const CANVAS& d) {

@@ -30,15 +30,16 @@ void draw_counts(const CANVAS& d, const NET_NEPHAURORA3000_Counts& c) {
 
 template <class View>
 void draw_lower_block(const CANVAS& d, const R* pd, const View& v) {
-    const auto [left, middle, right] = NEPH_COLUMNS;
-    static_cast<void>(middle);
-    d.field(8, 1, "Flags:", left, "   %04X", pd->modes.flags);
-    d.field(9, 1, "P hPa:", left, " *~4.1f", v.P_sample);
-    d.field(10, 1, "Ang GR:", left, "*~4.2f", v.aGR);
-    d.field(11, 1, "AnbB GR:", left, "*~4.2f", v.abGR);
-    d.field(8, NEPH_RIGHT, "Sample T:", right, "  *~3.1f", v.T_sample);
-    d.field(9, NEPH_RIGHT, "Sample RH:", right, "   *~2.1f", v.RH_sample);
-    d.field(10, NEPH_RIGHT, "Cell T:", right, "  *~3.1f", v.T_cell);
+    static constexpr int LEFT = NEPH_LEFT_VALUE;
+    static constexpr int LABEL = NEPH_RIGHT_LABEL;
+    static constexpr int RIGHT = NEPH_RIGHT_VALUE;
+    d.field(8, 1, "Flags:", LEFT, "   %04X", pd->modes.flags);
+    d.field(9, 1, "P hPa:", LEFT, " *~4.1f", v.P_sample);
+    d.field(10, 1, "Ang GR:", LEFT, "*~4.2f", v.aGR);
+    d.field(11, 1, "AnbB GR:", LEFT, "*~4.2f", v.abGR);
+    d.field(8, LABEL, "Sample T:", RIGHT, "  *~3.1f", v.T_sample);
+    d.field(9, LABEL, "Sample RH:", RIGHT, "   *~2.1f", v.RH_sample);
+    d.field(10, LABEL, "Cell T:", RIGHT, "  *~3.1f", v.T_cell);
 }
 
 void draw(R* pd, const CANVAS& d) {

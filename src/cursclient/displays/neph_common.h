@@ -6,7 +6,10 @@
 #include "libvesk/records/neph.h"
 
 inline constexpr int NEPH_COLUMNS[] = {18, 30, 44};  // of blue, green and red
-inline constexpr int NEPH_RIGHT = 30;                // of the right labels in the lower block
+// In the lower block: of the left values, the right labels and the right values.
+inline constexpr int NEPH_LEFT_VALUE = 18;
+inline constexpr int NEPH_RIGHT_LABEL = 30;
+inline constexpr int NEPH_RIGHT_VALUE = 44;
 
 enum NEPH_mode { NEPH_INSTANTANEOUS, NEPH_RUNNING_AVERAGE, NEPH_LAST_AVERAGE };
 

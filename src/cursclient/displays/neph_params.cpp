@@ -1,6 +1,7 @@
 // The parameters of the three-wavelength nephelometer: the dialog starts with what the instrument last
 // reported and sends a whole configuration, and an order to the zero valve when one was chosen.
 #include <cstdio>
+#include <iterator>
 
 #include "cursclient/displays/neph.h"
 

@@ -1,6 +1,5 @@
 // The dialogs that start a span check, and the messages that start and end it. The start dialog owns the
 // operator's choice of instruments; the selection dialog works on that and never outlives it.
-#include <cmath>
 #include <cstdio>
 
 #include "cursclient/displays/commonstate.h"
