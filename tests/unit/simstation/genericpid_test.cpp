@@ -167,7 +167,7 @@ TEST(PidTune, GoesThroughItsStatesInOrder) {
     EXPECT_THAT(seen, ElementsAre("1 at 2.875000 run 1/2", "2 at 3.595000 run 1/2", "3 at 2.155000 run 1/1",
                                   "4 at 3.595000 run 1/1", "5 at 2.155000 run 1/2", "6 at 3.595000 run 1/2",
                                   "5 at 2.155000 run 2/2", "6 at 3.595000 run 2/2"));
-    EXPECT_EQ(out, request.start_out);
+    EXPECT_EQ(out, +request.start_out);
 }
 
 TEST(PidTune, GivesUpWhenTheValueDoesNotFollow) {
