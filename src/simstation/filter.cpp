@@ -9,7 +9,7 @@ namespace {
 constexpr double PER_M = 1e-6;                          // 1/Mm in 1/m
 constexpr double M3_PER_S = 1e-3 / 60;                  // slpm in m3/s
 constexpr double PUMP_LAG = 2;                          // seconds
-constexpr double MEMORY = 20;                           // seconds, of a ripple
+constexpr double MEMORY = 10;                           // seconds, of a ripple
 constexpr double DARK = 1200;                           // counts
 constexpr SIM_colors LAMPS = {265000, 420000, 380000};  // counts behind a reference
 constexpr double DAYLIGHT = 2e-4;                       // relative unrest of a reading while the lid is open

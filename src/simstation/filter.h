@@ -90,7 +90,7 @@ class SIM_filter_cell {
     double m_loading = 1;
     double m_drawn = 0;  // by the pump, slpm
     SIM_filter_lid m_lid = SIM_LID_CLOSED;
-    SIM_drift m_lamp{0.01, 4 * 3600};
+    SIM_drift m_lamp{5e-4, 4 * 3600};
     BOOL m_begun = FALSE;
 };
 

@@ -1,0 +1,285 @@
+// The filter absorption photometers: filters that darken by what the air carries, and a whole life of one
+// with everything that an operator can do to it.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+
+#include "libvesk/records/clap3w.h"
+#include "libvesk/records/log.h"
+#include "libvesk/records/psap.h"
+#include "simstation/average.h"
+#include "simstation/filter.h"
+#include "support/sim_probe.h"
+
+namespace {
+
+constexpr double PER_M = 1e-6;
+
+TEST(Ripple, TellsTheRelativeDeviationAndForgetsASteps) {
+    SIM_noise noise(1, "ripple");
+    SIM_ripple ripple;
+    EXPECT_EQ(ripple.rsd(), 0);
+    for (int i = 0; i < 400; ++i)
+        ripple.add(noise.normal(-1000, 5));
+    EXPECT_NEAR(ripple.rsd(), 0.005, 0.002);
+    ripple.add(-2000);
+    EXPECT_GT(ripple.rsd(), 0.05);
+    for (int i = 0; i < 400; ++i)
+        ripple.add(noise.normal(-2000, 10));
+    EXPECT_NEAR(ripple.rsd(), 0.005, 0.002);
+}
+
+// ---- with one spot
+
+TEST(Psap, MeasuresTheAirAndLoadsItsFilter) {
+    SimProbe probe("psap");
+    probe.run(600);
+    const auto first = probe.last<NET_PSAP_Instant>(MSG_PSAP_INSTANT);
+    EXPECT_NEAR(+first.Q_slpm, 1.0, 0.01);
+    EXPECT_GT(+first.I_sample, 100000);
+    EXPECT_GT(+first.I_reference, +first.I_sample);
+    EXPECT_NEAR(+first.I, static_cast<double>(first.I_sample) / first.I_reference, 0.01)
+        << "but for the dark";
+    EXPECT_NEAR(+first.trc, 1 / (1.0796 * first.tr + 0.71), 1e-9);
+    EXPECT_GT(+first.smoothed_I_sam_rsd, 0);
+    EXPECT_LT(+first.smoothed_I_sam_rsd, 1e-4);
+
+    SIM_stats air, measured;
+    for (int i = 0; i < 3600; ++i) {
+        probe.forget();
+        probe.run(1);
+        const auto now = probe.last<NET_PSAP_Instant>(MSG_PSAP_INSTANT);
+        air.add(probe.world.air.absorption(565) * PER_M);
+        measured.add(now.bap);
+    }
+    EXPECT_GT(air.mean(), 0.4 * PER_M);
+    EXPECT_NEAR(measured.mean(), air.mean(), 0.1 * air.mean());
+    const auto later = probe.last<NET_PSAP_Instant>(MSG_PSAP_INSTANT);
+    EXPECT_LT(+later.tr, +first.tr);
+    EXPECT_GT(+later.tr, 0.5 * first.tr) << "in an hour the air does not blacken a filter";
+    probe.run(60);
+    const auto average = probe.last<NET_PSAP_Avg>(MSG_PSAP_AVERAGE);
+    EXPECT_EQ(std::fmod(average.start_time, 60), 0);
+    EXPECT_LT(std::fabs(average.bapG), 30 * PER_M);
+}
+
+TEST(Psap, ThreeColoursOfSootAbsorbBlueMost) {
+    SimProbe probe("psap3");
+    EXPECT_TRUE(probe.set("loading", "50"));
+    EXPECT_TRUE(probe.set("transmittance", "1"));
+    probe.run(1200);
+    const auto now = probe.last<NET_PSAP3_Instant>(MSG_PSAP3_INSTANT);
+    EXPECT_GT(+now.bap[0], +now.bap[1]);
+    EXPECT_GT(+now.bap[1], +now.bap[2]);
+    EXPECT_GT(+now.bap[2], 0.3 * PER_M);
+    EXPECT_LT(+now.tr[0], +now.tr[2]);
+    const auto average = probe.last<NET_PSAP3_Avg>(MSG_PSAP3_AVERAGE);
+    EXPECT_NEAR(+average.tr[1], +now.tr[1], 0.05);
+    EXPECT_GT(+average.bap[0], +average.bap[2]);
+}
+
+TEST(Psap, AFilterChangeStopsTheFlowUnsettlesTheReadingsAndEndsWithACleanFilter) {
+    SimProbe probe("psap");
+    probe.run(120);
+    EXPECT_FALSE(probe.last<NET_PSAP_FilterStatus>(MSG_PSAP_FILTERSTATUS).changing_filter);
+    const auto before = probe.last<NET_PSAP_Instant>(MSG_PSAP_INSTANT);
+    EXPECT_FALSE(probe.command(MSG_PSAP_SETFILTERSATUS)) << "without a record";
+    EXPECT_TRUE(probe.command(MSG_PSAP_SETFILTERSATUS, NET_PSAP_FilterStatus{TRUE}));
+    EXPECT_TRUE(probe.last<NET_PSAP_FilterStatus>(MSG_PSAP_FILTERSTATUS).changing_filter);
+    probe.forget();
+    probe.run(90);
+    const auto during = probe.last<NET_PSAP_Instant>(MSG_PSAP_INSTANT);
+    EXPECT_NEAR(+during.Q_slpm, 0, 0.01);
+    EXPECT_GT(+during.smoothed_I_ref_rsd, 5 * before.smoothed_I_ref_rsd);
+    probe.run(60);
+    EXPECT_TRUE(VESK_is_missing(+probe.last<NET_PSAP_Avg>(MSG_PSAP_AVERAGE).bapG)) << "nothing to average";
+
+    EXPECT_TRUE(probe.command(MSG_PSAP_SETFILTERSATUS, NET_PSAP_FilterStatus{FALSE}));
+    probe.run(60);
+    const auto after = probe.last<NET_PSAP_Instant>(MSG_PSAP_INSTANT);
+    EXPECT_FALSE(probe.last<NET_PSAP_FilterStatus>(MSG_PSAP_FILTERSTATUS).changing_filter);
+    EXPECT_NEAR(+after.tr, 1, 0.001);
+    EXPECT_NEAR(+after.Q_slpm, 1, 0.01);
+    EXPECT_LT(std::fabs(after.bap), 20 * PER_M);
+}
+
+TEST(Psap, AUsedUpFilterIsReportedOnce) {
+    SimProbe probe("psap");
+    EXPECT_FALSE(probe.set("transmittance", "1.5"));
+    EXPECT_FALSE(probe.set("loading", "0"));
+    probe.run(10);
+    EXPECT_EQ(probe.count(MSG_LOG_MONITOR), 0u);
+    EXPECT_TRUE(probe.set("transmittance", "0.69"));
+    probe.run(100);
+    EXPECT_EQ(probe.count(MSG_LOG_MONITOR), 1u);
+}
+
+// ---- with eight
+
+class ClapLife : public testing::Test {
+  protected:
+    [[nodiscard]] NET_CLAP3W_FilterStatus said() const {
+        return probe.last<NET_CLAP3W_FilterStatus>(MSG_CLAP3W_FILTERSTATUS);
+    }
+    [[nodiscard]] NET_CLAP3W_Instant now() const {
+        return probe.last<NET_CLAP3W_Instant>(MSG_CLAP3W_INSTANT);
+    }
+    [[nodiscard]] bool flows() const { return now().Q > 0.4; }
+    // Runs until it is in that state, for a while; how many seconds it took.
+    int until(NET_CLAP3W_State state) {
+        int seconds = 0;
+        for (; said().status != state && seconds < 1000; ++seconds)
+            probe.run(1);
+        EXPECT_EQ(said().status, state);
+        return seconds;
+    }
+    void command(NETMSG_type msg, NET_CLAP3W_State expected) {
+        EXPECT_TRUE(probe.command(msg));
+        EXPECT_EQ(said().status, expected) << NETMSG_by_type(msg)->name;
+    }
+    SimProbe probe{"clap3w"};
+};
+
+TEST_F(ClapLife, MeasuresTheAirOnItsActiveSpot) {
+    probe.run(600);
+    EXPECT_EQ(said().status, NET_CLAP3W_NORMAL);
+    const auto in = now();
+    const std::size_t spot = in.spot_index;
+    ASSERT_TRUE(spot >= 1 && spot <= NET_CLAP3W_SPOTS);
+    EXPECT_EQ(+said().active_spot, spot);
+    EXPECT_NEAR(+in.Q, 0.83, 0.01);
+    EXPECT_GT(+in.VQ, 2);
+    EXPECT_EQ(+in.Isam[1], +in.in.IG[spot + 1]);
+    EXPECT_NEAR(+in.tr[1], +in.IrzG[spot - 1], 1e-9);
+    EXPECT_LT(+in.Inormrsd[1], 1e-4);
+    for (std::size_t i = spot; i < NET_CLAP3W_SPOTS; ++i)
+        EXPECT_NEAR(+in.IrzR[i], 1, 1e-3) << "unused";
+    const auto average = probe.last<NET_CLAP3W_Avg>(MSG_CLAP3W_AVERAGE);
+    EXPECT_NEAR(+average.bap[1], probe.world.air.absorption(528) * PER_M, 1 * PER_M);
+    EXPECT_GT(+average.bap[0], -1 * PER_M);
+    EXPECT_NEAR(+average.Qt, 0.83e-3 * 10, 0.5e-3) << "ten minutes of 0.83 slpm";
+    EXPECT_NEAR(+said().Qt, +average.Qt, 1e-6);
+}
+
+TEST_F(ClapLife, SpotsAdvanceByThemselvesUntilTheLastDemandsAChange) {
+    EXPECT_TRUE(probe.set("loading", "500"));
+    std::vector<int> spots;
+    int demands = 0;
+    probe.run(7200);
+    for (const auto& s : probe.records<NET_CLAP3W_FilterStatus>(MSG_CLAP3W_FILTERSTATUS)) {
+        if (s.status == NET_CLAP3W_WAIT_SPOT && (spots.empty() || spots.back() != s.active_spot))
+            spots.push_back(s.active_spot);
+        demands += s.status == NET_CLAP3W_CHANGE_REQUIRED;
+    }
+    ASSERT_FALSE(spots.empty());
+    for (std::size_t i = 0; i < spots.size(); ++i)
+        EXPECT_EQ(spots[i], spots[0] + static_cast<int>(i));
+    EXPECT_EQ(spots.back(), NET_CLAP3W_SPOTS);
+    EXPECT_GT(demands, 1) << "it keeps saying so";
+    EXPECT_EQ(said().status, NET_CLAP3W_CHANGE_REQUIRED);
+    EXPECT_FALSE(flows());
+    const auto in = now();
+    for (int i = 0; i < NET_CLAP3W_SPOTS; ++i)
+        EXPECT_TRUE(in.IrzG[i] < 0.701 && in.IrzG[i] > 0.6) << i << ": " << +in.IrzG[i];
+}
+
+TEST_F(ClapLife, AFilterChangeEndsOnTheFirstSpotOfACleanFilter) {
+    const WORD number = said().clap_filter_number;
+    command(MSG_CLAP3W_FILTERCHANGE, NET_CLAP3W_CHANGING_FILTER);
+    probe.run(120);
+    EXPECT_FALSE(flows());
+    EXPECT_EQ(+now().spot_index, 0);
+    EXPECT_GT(+now().Inormrsd[0], 1.5e-4) << "daylight";
+    command(MSG_CLAP3W_SPOTADVANCE, NET_CLAP3W_CHANGING_FILTER);
+    command(MSG_CLAP3W_FLOWOVERRIDE, NET_CLAP3W_CHANGING_FILTER);
+    command(MSG_CLAP3W_FILTERCHANGE, NET_CLAP3W_WAIT_FILTER);
+    EXPECT_EQ(+said().clap_filter_number, number + 1);
+    EXPECT_NEAR(until(NET_CLAP3W_WAIT_SPOT), 120, 1);
+    EXPECT_EQ(+said().active_spot, 1);
+    EXPECT_NEAR(until(NET_CLAP3W_NORMAL), 60, 1);
+    EXPECT_TRUE(flows());
+    EXPECT_NEAR(+now().tr[1], 1, 1e-3);
+    EXPECT_LT(+now().Inormrsd[0], 1e-4) << "stable again";
+    for (int i = 0; i < NET_CLAP3W_SPOTS; ++i)
+        EXPECT_NEAR(+now().IrzB[i], 1, 1e-3);
+}
+
+TEST_F(ClapLife, AWhiteFilterCheckSetsWhatTheRatiosAreTakenTo) {
+    command(MSG_CLAP3W_FILTERCHANGE, NET_CLAP3W_CHANGING_FILTER);
+    command(MSG_CLAP3W_FILTERCHANGE, NET_CLAP3W_WAIT_FILTER);
+    probe.run(200);
+    double off = 0;
+    for (int i = 0; i < NET_CLAP3W_SPOTS; ++i)
+        off = std::max(off, std::fabs(now().IrwG[i] - 1));
+    EXPECT_GT(off, 2e-3) << "another filter than the white one";
+
+    command(MSG_CLAP3W_FILTERCHANGE, NET_CLAP3W_CHANGING_FILTER);
+    command(MSG_CLAP3W_WHITECHANGE, NET_CLAP3W_WHITE_CHECK);
+    probe.run(60);
+    command(MSG_CLAP3W_WHITECHANGE, NET_CLAP3W_WHITE_CHECK);
+    command(MSG_CLAP3W_FILTERCHANGE, NET_CLAP3W_WAIT_WHITE);
+    until(NET_CLAP3W_WAIT_SPOT);
+    probe.run(1);
+    for (int i = 0; i < NET_CLAP3W_SPOTS; ++i)
+        EXPECT_NEAR(+now().IrwG[i], 1, 1e-3);
+}
+
+TEST_F(ClapLife, FlowAndSpotsWithAndWithoutOverride) {
+    const WORD spot = said().active_spot;
+    command(MSG_CLAP3W_FLOW, NET_CLAP3W_NORMAL);
+    command(MSG_CLAP3W_NOFLOW, NET_CLAP3W_FLOW_OFF);
+    probe.run(30);
+    EXPECT_FALSE(flows());
+    EXPECT_EQ(said().paused, 1);
+    EXPECT_NEAR(+now().tr[1], +now().tr[2], 0.2) << "no new load, no jump";
+    command(MSG_CLAP3W_SPOTADVANCE, NET_CLAP3W_FLOW_OFF_PENDING);
+    EXPECT_EQ(+said().active_spot, spot + 1);
+    command(MSG_CLAP3W_FLOW, NET_CLAP3W_WAIT_SPOT);
+    command(MSG_CLAP3W_NOFLOW, NET_CLAP3W_WAIT_SPOT);
+    command(MSG_CLAP3W_NOFLOWOVERRIDE, NET_CLAP3W_FLOW_OFF_PENDING);
+    command(MSG_CLAP3W_FLOWOVERRIDE, NET_CLAP3W_WAIT_SPOT);
+    command(MSG_CLAP3W_FLOWOVERRIDE, NET_CLAP3W_NORMAL);
+    EXPECT_EQ(said().paused, 0);
+    command(MSG_CLAP3W_SPOTADVANCE, NET_CLAP3W_WAIT_SPOT);
+    EXPECT_EQ(+said().active_spot, spot + 2);
+    EXPECT_FALSE(probe.command(MSG_CLAP3W_FLOWMULTI));
+}
+
+TEST_F(ClapLife, AnOverriddenDemandUsesTheLastSpotOn) {
+    while (said().active_spot < NET_CLAP3W_SPOTS)
+        command(MSG_CLAP3W_SPOTADVANCE, NET_CLAP3W_WAIT_SPOT);
+    command(MSG_CLAP3W_SPOTADVANCE, NET_CLAP3W_CHANGE_REQUIRED);
+    command(MSG_CLAP3W_FLOW, NET_CLAP3W_CHANGE_REQUIRED);
+    command(MSG_CLAP3W_FLOWOVERRIDE, NET_CLAP3W_NORMAL);
+    EXPECT_TRUE(probe.set("transmittance", "0.5"));
+    probe.run(100);
+    EXPECT_EQ(said().status, NET_CLAP3W_NORMAL);
+    EXPECT_TRUE(flows());
+}
+
+TEST_F(ClapLife, EveryFifthFilterWantsAWhiteFilterCheck) {
+    for (int filter = 0; filter < 5; ++filter) {
+        command(MSG_CLAP3W_FILTERCHANGE, NET_CLAP3W_CHANGING_FILTER);
+        command(MSG_CLAP3W_FILTERCHANGE, NET_CLAP3W_WAIT_FILTER);
+    }
+    until(NET_CLAP3W_NORMAL);
+    for (int i = 0; i < NET_CLAP3W_SPOTS; ++i)
+        EXPECT_TRUE(probe.command(MSG_CLAP3W_SPOTADVANCE));
+    EXPECT_EQ(said().status, NET_CLAP3W_WHITE_REQUIRED);
+}
+
+TEST_F(ClapLife, ScenariosRaiseErrorsAndDemands) {
+    probe.instrument.set_alarm_flags(NET_CLAP3W_FILTER_OR_LED);
+    EXPECT_TRUE(probe.set("demand", "9"));
+    EXPECT_EQ(said().status, NET_CLAP3W_WHITE_REQUIRED);
+    EXPECT_FALSE(probe.set("demand", "7"));
+    EXPECT_FALSE(probe.set("demand", "8.5"));
+    EXPECT_FALSE(probe.set("transmittance", "0"));
+    probe.run(60);
+    EXPECT_EQ(+now().flags, NET_CLAP3W_FILTER_OR_LED);
+    EXPECT_EQ(+probe.last<NET_CLAP3W_Avg>(MSG_CLAP3W_AVERAGE).flags, NET_CLAP3W_FILTER_OR_LED);
+    EXPECT_TRUE(VESK_is_missing(+probe.last<NET_CLAP3W_Avg>(MSG_CLAP3W_AVERAGE).bap[0])) << "without flow";
+}
+
+}  // namespace
