@@ -106,6 +106,20 @@ void NETDSD_sanitize(const NETDSD_entry* dsd, void* record) {
     }
 }
 
+void NETDSD_clear_padding(const NETDSD_entry* dsd, void* record) {
+    if (!dsd->padded) return;
+    char* const bytes = static_cast<char*>(record);
+    std::size_t end = 0;
+    for (const NETDSD_field& f : NETDSD_fields(dsd)) {
+        std::memset(bytes + end, 0, f.offset - end);
+        end = f.offset + f.size;
+        if (f.nested == nullptr || !f.nested->padded) continue;
+        for (std::size_t i = 0; i < f.count; ++i)
+            NETDSD_clear_padding(f.nested, bytes + f.offset + i * f.nested->total_size);
+    }
+    std::memset(bytes + end, 0, dsd->total_size - end);
+}
+
 void NETDSD_set_defaults(const NETDSD_entry* dsd, void* record) {
     char* const bytes = static_cast<char*>(record);
     std::memset(bytes, 0, dsd->total_size);

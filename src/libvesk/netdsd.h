@@ -72,6 +72,7 @@ struct NETDSD_entry {
     const char* name;        // "NET_LOG_MonitorMessage"
     std::size_t total_size;  // bytes on the wire
     BOOL numbers_only;       // holds no text, char or BOOL, so that nothing in it ever needs cleaning
+    BOOL padded;             // has bytes that no member owns
 };
 
 // Specialised by NETDSD_RECORD for every record.
@@ -164,6 +165,16 @@ constexpr BOOL numbers_only(const NETDSD_field* fields, std::size_t n) {
     return TRUE;
 }
 
+constexpr BOOL padded(const NETDSD_field* fields, std::size_t n, std::size_t total) {
+    std::size_t end = 0;
+    for (std::size_t i = 0; i < n; ++i) {
+        const NETDSD_field& f = fields[i];
+        if (f.offset != end || (f.nested != nullptr && f.nested->padded)) return TRUE;
+        end = f.offset + f.size;
+    }
+    return end != total;
+}
+
 }  // namespace netdsd_detail
 
 #define NETDSD_MEMBER(m) netdsd_detail::member<decltype(R::m)>(#m, offsetof(R, m), false)
@@ -174,8 +185,13 @@ constexpr BOOL numbers_only(const NETDSD_field* fields, std::size_t n) {
     struct NETDSD_traits<record> {                                                                        \
         using R = record;                                                                                 \
         static constexpr auto fields = std::to_array<NETDSD_field>({__VA_ARGS__});                        \
-        static constexpr NETDSD_entry entry{fields.data(), fields.size(), #record, sizeof(record),        \
-                                            netdsd_detail::numbers_only(fields.data(), fields.size())};   \
+        static constexpr NETDSD_entry entry{                                                              \
+            fields.data(),                                                                                \
+            fields.size(),                                                                                \
+            #record,                                                                                      \
+            sizeof(record),                                                                               \
+            netdsd_detail::numbers_only(fields.data(), fields.size()),                                    \
+            netdsd_detail::padded(fields.data(), fields.size(), sizeof(record))};                         \
     };                                                                                                    \
     static_assert(sizeof(record) == (size_in_bytes), #record ": size");                                   \
     static_assert(std::is_trivially_copyable_v<record>, #record ": trivially copyable");                  \
@@ -195,6 +211,10 @@ constexpr BOOL numbers_only(const NETDSD_field* fields, std::size_t n) {
 // their field and zero-filled behind it, bytes that are not printable become blanks (a NUL char stays), a
 // BOOL becomes 0 or 1. Numbers stay as they are. `record` has total_size bytes, any alignment.
 void NETDSD_sanitize(const NETDSD_entry* dsd, void* record);
+
+// Zeroes the bytes that no member owns, in place: what stood in memory before a record was made there is not
+// for others to see, and equal values become equal bytes.
+void NETDSD_clear_padding(const NETDSD_entry* dsd, void* record);
 
 // Fills a record with the values of a payload that says nothing: doubles missing, times -1, all else zero.
 void NETDSD_set_defaults(const NETDSD_entry* dsd, void* record);

@@ -73,11 +73,11 @@ BOOL selector_matches(VESKMSG_state* state, const char* source, const char* sele
 }
 
 // Null when the message may be queued, else what is wrong with it.
-const char* fault_of(VESKMSG_link* link, const FRAME_message& m, std::size_t payload_size) {
+const char* fault_of(VESKMSG_link* link, const FRAME_message& m, std::size_t payload_size,
+                     MSGCHECK_found* found) {
     if (!link->state || link->stat != VESKMSG_S_OPEN) return "the link is not open";
     if (payload_size != m.payload.size()) return "a payload without bytes";
-    MSGCHECK_found found;
-    const MSGCHECK_fault fault = MSGCHECK_from_peer(m, &found);
+    const MSGCHECK_fault fault = MSGCHECK_from_peer(m, found);
     return fault != MSGCHECK_OK ? MSGCHECK_text(fault) : nullptr;
 }
 
@@ -132,11 +132,12 @@ BOOL VESKMSG_queue_message(VESKMSG_link* link, NETMSG_type msg, DWORD flags, con
                            const void* payload, std::size_t size, const char* record) {
     const FRAME_span bytes(static_cast<const std::byte*>(payload), payload != nullptr ? size : 0);
     const FRAME_message m{msg, flags, {}, text(dest), text(record), bytes};
-    if (const char* fault = fault_of(link, m, size)) {
+    MSGCHECK_found found;
+    if (const char* fault = fault_of(link, m, size, &found)) {
         UTIL_complain("cannot send %s: %s", MSGCHECK_describe(m).c_str(), fault);
         return FALSE;
     }
-    return link->state->send(m);
+    return link->state->send(m, found.dsd);
 }
 
 BOOL VESKMSG_announce(VESKMSG_link* link, const NET_SERVER_InstrumentInfo& info) {

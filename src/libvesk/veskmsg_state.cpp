@@ -205,7 +205,7 @@ void VESKMSG_state::complain_once(MSGCHECK_fault fault, const FRAME_message& m) 
     UTIL_complain("received and ignored: %s (%s)", MSGCHECK_describe(m).c_str(), MSGCHECK_text(fault));
 }
 
-BOOL VESKMSG_state::send(const FRAME_message& m) {
+BOOL VESKMSG_state::send(const FRAME_message& m, const NETDSD_entry* dsd) {
     if (stream_->queued() > OUTPUT_LIMIT) {
         if (!queue_full_)
             UTIL_complain("the server does not take messages: %s is lost", MSGCHECK_describe(m).c_str());
@@ -215,6 +215,7 @@ BOOL VESKMSG_state::send(const FRAME_message& m) {
     queue_full_ = false;
     scratch_.clear();
     if (!FRAME_encode_message(&scratch_, m)) return FALSE;
+    if (dsd != nullptr) NETDSD_clear_padding(dsd, scratch_.data() + scratch_.size() - m.payload.size());
     stream_->append(scratch_);
     return TRUE;
 }

@@ -35,7 +35,8 @@ class VESKMSG_state final : private STREAM::owner {
     void close(const std::string& why);
     // Moves bytes both ways as far as that goes without blocking; heartbeats, time-outs.
     void pump();
-    BOOL send(const FRAME_message& message);
+    // `dsd` describes the payload, null without one; its padding does not leave.
+    BOOL send(const FRAME_message& message, const NETDSD_entry* dsd);
     [[nodiscard]] BOOL all_sent() const { return stream_ == nullptr || stream_->queued() == 0; }
 
     [[nodiscard]] std::size_t waiting() const { return inbox_.size(); }

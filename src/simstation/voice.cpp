@@ -11,11 +11,9 @@ namespace {
 
 // The record's values without whatever stands in its padding.
 std::vector<char> clean_bytes(const NETDSD_entry* dsd, const void* record) {
-    std::vector<char> bytes(dsd->total_size);
-    NETDSD_for_each_leaf(dsd, [&](const NETDSD_field& f, std::size_t at) {
-        const std::size_t size = f.ft == NETDSD_FT_STRING ? f.size : f.size / f.count;
-        std::memcpy(bytes.data() + at, static_cast<const char*>(record) + at, size);
-    });
+    const char* const from = static_cast<const char*>(record);
+    std::vector<char> bytes(from, from + dsd->total_size);
+    NETDSD_clear_padding(dsd, bytes.data());
     return bytes;
 }
 

@@ -2,14 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "libvesk/records/cpc.h"
 #include "libvesk/records/server.h"
+#include "support/records.h"
 
 // Records that exist for these tests only: one field of every type, packed as wire records are.
 #pragma pack(push, 4)
@@ -161,6 +164,26 @@ TEST(Netdsd, BoolsAndCharsAreCleanedAndNumbersAreNot) {
     EXPECT_EQ(NETDSD_load<std::uint64_t>(record + offsetof(TEST_All, two[1].value)), 0x9393939393939393u);
     EXPECT_EQ(bytes.front(), '\x93');
     EXPECT_EQ(bytes.back(), '\x93');
+}
+
+TEST(Netdsd, PaddingIsZeroedAndNothingElse) {
+    std::set<const NETDSD_entry*> records = all_records();
+    records.insert(
+        NETDSD_of<TEST_All>());  // gaps between members, within nested records and in an array of them
+    std::size_t padded = 0;
+    for (const NETDSD_entry* dsd : records) {
+        std::vector<char> expected(dsd->total_size + 1, '\0');
+        NETDSD_for_each_leaf(dsd, [&](const NETDSD_field& f, std::size_t at) {
+            const std::size_t size = f.ft == NETDSD_FT_STRING ? f.size : f.size / f.count;
+            std::fill_n(expected.data() + at, size, '\x93');
+        });
+        expected.back() = '\x93';  // what stands behind the record
+        padded += std::count(expected.begin(), expected.end(), '\0') > 0;
+        std::vector<char> record(expected.size(), '\x93');
+        NETDSD_clear_padding(dsd, record.data());
+        EXPECT_EQ(record, expected) << dsd->name;
+    }
+    EXPECT_GT(padded, 10U);
 }
 
 TEST(Netdsd, KnowsWhichRecordsNeedNoCleaning) {

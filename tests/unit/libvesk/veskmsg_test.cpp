@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include "libvesk/records/log.h"
+#include "libvesk/records/loopctl.h"
 #include "libvesk/records/server.h"
 #include "link_rig.h"
 
@@ -227,10 +228,15 @@ TEST_F(Link, QueuedMessagesArriveAndWrongOnesAreRefusedHere) {
     EXPECT_EQ(std::count(complaints.begin(), complaints.end(), '\n'), 7);
     EXPECT_TRUE(
         VESKMSG_queue_message(link(), MSG_COMMON_NEPH_SPANCHECK_ISSUE, 0, "N12", nullptr, 0, nullptr));
+    // What stood in memory between the members of a record stays here.
+    unsigned char setpoint[sizeof(NET_LOVEPID_Setpoint)];
+    std::memset(setpoint, 0x93, sizeof setpoint);
+    EXPECT_TRUE(VESKMSG_queue_message(link(), MSG_LOVEPID_SET, 0, "N12", setpoint, sizeof setpoint,
+                                      "NET_LOVEPID_Setpoint"));
     EXPECT_TRUE(VESKMSG_flush(link(), 5));
-    ASSERT_TRUE(until([this] { return server_->frames().size() >= 3; }));
+    ASSERT_TRUE(until([this] { return server_->frames().size() >= 4; }));
     const auto& sent = server_->frames();
-    ASSERT_EQ(sent.size(), 3U);
+    ASSERT_EQ(sent.size(), 4U);
     EXPECT_EQ(sent[0].value, MSG_LOG_SET_STATE);
     EXPECT_EQ(sent[0].dest, "LOGGER");
     EXPECT_EQ(sent[0].payload, FRAME_bytes{std::byte{1}});
@@ -238,6 +244,9 @@ TEST_F(Link, QueuedMessagesArriveAndWrongOnesAreRefusedHere) {
     EXPECT_EQ(sent[1].flags, VESKMSG_TO_ALL | VESKMSG_KEEP);
     EXPECT_EQ(sent[2].dest, "N12");
     EXPECT_EQ(sent[2].record, "");
+    FRAME_bytes without_padding(sizeof setpoint, std::byte{0x93});
+    without_padding[10] = without_padding[11] = std::byte{0};
+    EXPECT_EQ(sent[3].payload, without_padding);
 }
 
 TEST_F(Link, ServerThatDoesNotReadBoundsWhatIsQueued) {
