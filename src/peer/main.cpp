@@ -1,10 +1,11 @@
-// vesk.peer: the link as JSON lines on standard input and output.
+// vesk.peer: the link as JSON lines on standard input and output, and recordings of it played back.
 #include <fcntl.h>
 #include <unistd.h>
 
 #include "libvesk/util.h"
 #include "peer/options.h"
 #include "peer/peer.h"
+#include "peer/replay.h"
 
 namespace {
 
@@ -26,7 +27,7 @@ int main(int argc, char** argv) {
     open_closed_streams();
     if (!LIBVESK_init("PEER")) return PEER_EXIT_NO_LINK;
     UTIL_exit_signal_poll_setup_hup();
-    status = PEER_run(options);
+    status = options.replay.empty() ? PEER_run(options) : REPLAY_run(options);
     LIBVESK_cleanup();
     return status;
 }

@@ -14,7 +14,13 @@ struct PEER_options {
     std::vector<std::string> only;  // shell patterns of message or source names; empty: everything
     std::size_t count = 0;          // end after so many printed lines; 0: never
     double timeout = 0;             // seconds after which to end; 0: never
+    std::string replay;             // the recording to play, "-" for standard input; empty: none
+    double speed = 1;               // seconds of the recording per second
 };
+
+// TRUE when one of the patterns matches the message's or the source's name, or there is none.
+[[nodiscard]] BOOL PEER_is_wanted(const std::vector<std::string>& only, const char* message,
+                                  const char* source);
 
 // FALSE when the program ends here, with `status` for main to return: help was asked for, or the command
 // line is wrong (said on standard error).

@@ -9,35 +9,30 @@
 #include <cerrno>
 #include <cmath>
 #include <cstring>
-#include <span>
 
-#include "libvesk/msgcheck.h"
 #include "libvesk/util.h"
 #include "libvesk/veskmsg.h"
-#include "peer/json_line.h"
-#include "peer/lines.h"
+#include "peer/input.h"
 
 namespace {
 
 constexpr double LAST_FLUSH_SECONDS = 10;
 // An exit signal that arrives just before a wait is noticed after this long.
 constexpr double PASS_SECONDS = 0.5;
-constexpr std::size_t LINE_LIMIT = std::size_t{1} << 20;
-// Small, since a short line may become a record of 8 KiB in the link's queue.
-constexpr std::size_t READ_BYTES = std::size_t{16} << 10;
 
 struct peer {
     const PEER_options& options;
     int in_fd;
     int out_fd;
     VESKMSG_link link{};
-    LINES_reader lines{LINE_LIMIT};
+    LINES_reader lines{INPUT_LINE_LIMIT};
     std::string out{};  // lines not yet written
     BOOL in_open = TRUE;
     std::size_t printed = 0;
     std::size_t given = 0;  // lines that asked for something, right or wrong
     std::size_t refused = 0;
-    FTIME now = 0;  // of this pass
+    std::size_t unsent = 0;  // messages that may not have left yet
+    FTIME now = 0;           // of this pass
     BOOL done = FALSE;
     PEER_exit status = PEER_EXIT_OK;
 };
@@ -47,17 +42,9 @@ void finish(peer* p, PEER_exit status) {
     p->status = status;
 }
 
-BOOL is_wanted(const PEER_options& options, const VESKMSG_proc_msg* pm) {
-    return options.only.empty() ||
-           std::any_of(options.only.begin(), options.only.end(), [pm](const std::string& pattern) {
-               return UTIL_wildcard_match(pm->msg->name, pattern.c_str()) ||
-                      UTIL_wildcard_match(pm->src_name, pattern.c_str());
-           });
-}
-
 void print_message(VESKMSG_proc_msg* pm, void* param) {
     peer* p = static_cast<peer*>(param);
-    if (p->done || !is_wanted(p->options, pm)) return;
+    if (p->done || !PEER_is_wanted(p->options.only, pm->msg->name, pm->src_name)) return;
     JSONLINE_write(&p->out, pm, p->now);
     if (++p->printed == p->options.count) finish(p, PEER_EXIT_OK);
 }
@@ -67,44 +54,20 @@ BOOL is_watching(const PEER_options& options) {
     return options.monitor || !options.only.empty() || options.count > 0 || options.timeout > 0;
 }
 
-BOOL is_blank(std::string_view line) {
-    return line.find_first_not_of(" \t\r") == std::string_view::npos;
-}
-
-BOOL read_line(const LINES_line& line, JSONLINE_message* message, std::string* error) {
-    if (line.too_long) {
-        *error = "longer than " + std::to_string(LINE_LIMIT) + " bytes";
-        return FALSE;
-    }
-    if (!JSONLINE_read(line.text, message, error)) return FALSE;
-    // The link asks the same, but its complaint does not know the line.
-    MSGCHECK_found found;
-    const char* record = message->dsd != nullptr ? message->dsd->name : "";
-    const MSGCHECK_fault fault = MSGCHECK_from_peer({message->msg->msg,
-                                                     message->flags,
-                                                     {},
-                                                     message->dest,
-                                                     record,
-                                                     std::as_bytes(std::span(message->payload))},
-                                                    &found);
-    if (fault != MSGCHECK_OK) *error = std::string(message->msg->name) + ": " + MSGCHECK_text(fault);
-    return fault == MSGCHECK_OK;
-}
-
 void send_line(peer* p, const LINES_line& line) {
-    if (p->link.stat != VESKMSG_S_OPEN || (is_blank(line.text) && !line.too_long)) return;
+    if (p->link.stat != VESKMSG_S_OPEN || INPUT_is_blank(line)) return;
     ++p->given;
     JSONLINE_message m;
     std::string error;
-    if (!read_line(line, &m, &error)) {
+    if (!INPUT_read(line, &m, &error) || !INPUT_may_send(m, &error)) {
         ++p->refused;
-        return UTIL_complain("line %zu: %s", line.number, error.c_str());
+        return INPUT_complain(line, error);
     }
     const void* payload = m.dsd != nullptr ? m.payload.data() : nullptr;
     const char* record = m.dsd != nullptr ? m.dsd->name : nullptr;
     const BOOL queued = VESKMSG_queue_message(&p->link, m.msg->msg, m.flags, m.dest.c_str(), payload,
                                               m.payload.size(), record);
-    if (!queued) ++p->refused;  // the link has said why
+    ++(queued ? p->unsent : p->refused);  // the link has said why it was not
 }
 
 void end_of_input(peer* p) {
@@ -115,12 +78,16 @@ void end_of_input(peer* p) {
 }
 
 void read_input(peer* p) {
-    char bytes[READ_BYTES];
-    const ssize_t n = read(p->in_fd, bytes, sizeof bytes);
-    if (n < 0 && (errno == EINTR || errno == EAGAIN)) return;
-    if (n < 0) UTIL_complain("cannot read standard input: %s", std::strerror(errno));
-    if (n <= 0) return end_of_input(p);
-    p->lines.feed({bytes, static_cast<std::size_t>(n)}, [p](const LINES_line& line) { send_line(p, line); });
+    std::string bytes;
+    const BOOL more = INPUT_take(p->in_fd, "standard input", &bytes);
+    p->lines.feed(bytes, [p](const LINES_line& line) { send_line(p, line); });
+    if (!more) end_of_input(p);
+}
+
+BOOL flush(peer* p, double seconds) {
+    if (!VESKMSG_flush(&p->link, seconds)) return FALSE;
+    p->unsent = 0;
+    return TRUE;
 }
 
 // Writes the lines of this pass. Whoever reads may have had enough, as head(1) does: that is no fault.
@@ -165,7 +132,7 @@ void pass(peer* p, FTIME deadline) {
     VESKMSG_link* const links[] = {&p->link};
     const readiness before = look_at(*p);
     // Input is read only when what it asked for before has left: that bounds what waits in the link.
-    const BOOL may_read = before.in_ready && VESKMSG_flush(&p->link, seconds_left(*p, deadline));
+    const BOOL may_read = before.in_ready && flush(p, seconds_left(*p, deadline));
     VESKMSG_wait(links, before.in_ready ? 0 : seconds_left(*p, deadline),
                  p->in_open && !before.in_ready ? p->in_fd : -1);
     p->now = UTIL_ftime();
@@ -198,10 +165,11 @@ BOOL connect(peer* p) {
     return p->link.stat == VESKMSG_S_OPEN;
 }
 
+// What did not leave is lost, and that is said.
 void send_the_rest(peer* p) {
-    if (p->status == PEER_EXIT_LOST || p->given == 0) return;
-    if (VESKMSG_flush(&p->link, UTIL_exit_poll() ? PASS_SECONDS : LAST_FLUSH_SECONDS)) return;
-    UTIL_complain("not everything could be sent: %s", VESKMSG_error(&p->link).c_str());
+    if (p->unsent == 0 || flush(p, UTIL_exit_poll() ? PASS_SECONDS : LAST_FLUSH_SECONDS)) return;
+    UTIL_complain("%zu of %zu messages may not have been sent: %s", p->unsent, p->given - p->refused,
+                  VESKMSG_error(&p->link).c_str());
     p->status = PEER_EXIT_LOST;
 }
 

@@ -31,6 +31,9 @@ TEST(PeerOptions, AreReadInFull) {
     EXPECT_EQ(options.timeout, 0.5);
     ASSERT_TRUE(parse({"--as", "Pd P01"}, &options, &status));
     EXPECT_EQ(options.as, "Pd P01");
+    ASSERT_TRUE(parse({"--replay", "day.json", "--speed", "60", "--only", "N11"}, &options, &status));
+    EXPECT_EQ(options.replay, "day.json");
+    EXPECT_EQ(options.speed, 60);
 }
 
 TEST(PeerOptions, WrongOnesEndTheProgramWithAReason) {
@@ -46,6 +49,11 @@ TEST(PeerOptions, WrongOnesEndTheProgramWithAReason) {
         {"--timeout", "x"},
         {"--monitor", "yes"},
         {"--as", "N11", "--monitor"},
+        {"--speed", "60"},
+        {"--replay", ""},
+        {"--replay", "day.json", "--speed", "0"},
+        {"--replay", "day.json", "--as", "N11"},
+        {"--replay", "day.json", "--monitor"},
         {"--nonsense"},
         {"file"},
     };

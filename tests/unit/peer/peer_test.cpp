@@ -248,6 +248,22 @@ TEST_F(PeerLoop, SendsWhatIsRightRefusesWhatIsNotAndEndsWithItsInput) {
               "PEER: line 5: MSG_LOG_FLUSH: no destination\n");
 }
 
+// The server takes nothing more and goes: the records, 8 KiB each, cannot all have left.
+TEST_F(PeerLoop, TellsWhatMayNotHaveBeenSent) {
+    far_side server(options.host);
+    testing::internal::CaptureStderr();
+    std::string lines;
+    for (int i = 0; i < 250; ++i)
+        lines += "{\"msg\":\"MSG_LOG_MONITOR\",\"payload\":{}}\n";
+    type(lines);
+    start_welcomed(&server);
+    EXPECT_EQ(server.hear(), "MSG_LOG_MONITOR 1  NET_LOG_MonitorMessage 8204");
+    server.hang_up();
+    EXPECT_EQ(status(), PEER_EXIT_LOST);
+    EXPECT_THAT(testing::internal::GetCapturedStderr(),
+                HasSubstr("PEER: 250 of 250 messages may not have been sent: "));
+}
+
 TEST_F(PeerLoop, AskedToWatchItStaysAfterItsInput) {
     far_side server(options.host);
     options.count = 1;

@@ -1,0 +1,73 @@
+// A recording, which is what --monitor printed, as the events of a play: what each instrument said to all or
+// to consoles, and when it left. What consoles said and what was for one instrument alone is left out: there
+// is nobody now to obey it, or the wrong one.
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <map>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "peer/json_line.h"
+#include "peer/lines.h"
+
+struct RECORDING_event {
+    double at = 0;             // seconds since the first line; never less than of the event before
+    BOOL leaves = FALSE;       // the source's connection ended; else it said `message`
+    JSONLINE_message message;  // names the source
+};
+
+// Lines that are no events.
+struct RECORDING_counts {
+    std::size_t refused = 0;         // wrong ones
+    std::size_t of_consoles = 0;     // said by a console
+    std::size_t to_instruments = 0;  // said by one instrument to another alone
+};
+
+class RECORDING_reader {
+  public:
+    // Messages whose name or source matches one of the patterns are events; all when there are none.
+    // Announcements and departures are events of every source that has others.
+    explicit RECORDING_reader(std::vector<std::string> only);
+
+    // Takes bytes of the recording; each wrong line is told on standard error.
+    void feed(std::string_view bytes);
+    void finish();  // at the end of the recording
+
+    // Events read and not yet taken.
+    [[nodiscard]] std::deque<RECORDING_event>& events() { return m_events; }
+    [[nodiscard]] const RECORDING_counts& counts() const { return m_counts; }
+
+  private:
+    void take(const LINES_line& line);
+    [[nodiscard]] BOOL take_event(RECORDING_event* event, std::string* error);
+    void select(RECORDING_event event);
+    void announce(RECORDING_event event);
+    void move_time(FTIME time);
+
+    std::vector<std::string> m_only;
+    LINES_reader m_lines;
+    std::deque<RECORDING_event> m_events;
+    RECORDING_counts m_counts;
+    std::set<std::string> m_on_stage;               // sources of events
+    std::map<std::string, RECORDING_event> m_held;  // announcements of those that may yet become one
+    double m_at = 0;
+    FTIME m_last = VESK_MISSING;
+};
+
+// How far a play has come. Time in which the program was stopped is not made up for, and a clock that is set
+// moves nothing.
+class RECORDING_position {
+  public:
+    explicit RECORDING_position(double speed) : m_speed(speed) {}
+    // Seconds of the recording at real time `now`; 0 at the first call.
+    double at(FTIME now);
+
+  private:
+    double m_speed;
+    double m_at = 0;
+    FTIME m_last = VESK_MISSING;
+};
