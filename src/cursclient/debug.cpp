@@ -15,6 +15,7 @@
 #include <ctime>
 #include <string>
 
+#include "cursclient/crash.h"
 #include "cursclient/wins.h"
 #include "cursclient/wintext.h"
 #include "libvesk/sfmt.h"
@@ -130,7 +131,10 @@ BOOL DEBUG_preinit() {
     }
     close(ends[1]);
     g_stderr_fh = VESKFILE_associate_fh(ends[0], 0);
-    if (g_stderr_fh != -1) return TRUE;
+    if (g_stderr_fh != -1) {
+        CRASH_set_captured_stderr(g_stderr_real, ends[0]);
+        return TRUE;
+    }
     DEBUG_release_stderr();
     close(ends[0]);
     return capture_failed("Error associating stderr", 230, FALSE);
@@ -149,6 +153,7 @@ void DEBUG_cleanup() {
 }
 
 void DEBUG_release_stderr() {
+    CRASH_set_captured_stderr(-1, -1);
     if (g_stderr_real != -1) {
         dup2(g_stderr_real, STDERR_FILENO);
         close(g_stderr_real);

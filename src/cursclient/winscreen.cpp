@@ -2,12 +2,14 @@
 #include "cursclient/winscreen.h"
 
 #include <curses.h>
+#include <unistd.h>
 
 #include <clocale>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 
+#include "cursclient/crash.h"
 #include "libvesk/util.h"
 
 namespace {
@@ -50,6 +52,8 @@ void end_curses() {
 BOOL WINSCREEN_start() {
     // Characters only: numbers on the screen and in files keep their point in every language.
     std::setlocale(LC_CTYPE, "");
+    termios settings{};
+    const bool is_line = tcgetattr(STDOUT_FILENO, &settings) == 0;
     g_screen = newterm(nullptr, stdout, stdin);
     if (g_screen == nullptr || tigetstr("cup") == nullptr) {
         end_curses();
@@ -61,6 +65,7 @@ BOOL WINSCREEN_start() {
     nonl();
     def_prog_mode();
     watch_size();
+    if (is_line) CRASH_arm(settings);
     return TRUE;
 }
 
@@ -74,4 +79,5 @@ void WINSCREEN_end() {
     if (g_screen == nullptr) return;
     sigaction(SIGWINCH, &g_curses_action, nullptr);
     end_curses();
+    CRASH_disarm();
 }
