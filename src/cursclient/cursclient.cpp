@@ -4,9 +4,7 @@
 #include "cursclient/cursclient.h"
 
 #include <curses.h>
-#include <fcntl.h>
 #include <panel.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
@@ -20,6 +18,7 @@
 #include "cursclient/status.h"
 #include "cursclient/wins.h"
 #include "libvesk/io.h"
+#include "libvesk/savefile.h"
 #include "libvesk/util.h"
 #include "libveskcurs/cursdialog.h"
 #include "libveskcurs/curskeys.h"
@@ -104,18 +103,6 @@ int start_link() {
     return INST_wait_connected(&g_lnk) ? 0 : connection_failed();
 }
 
-void redraw() {
-    werase(stdscr);
-    STATUS_update();
-    WINS_update();
-    MAINMENU_update();
-    CURSDIALOG_update();
-    DISPLAY_update();
-    DEBUG_update();
-    update_panels();
-    doupdate();
-}
-
 [[noreturn]] void main_loop(FTIME ticktime) {
     for (;;) {
         VESKMSG_process_messages(&g_lnk.msg_lnk, message_proc, nullptr);
@@ -197,16 +184,21 @@ void distribute_key(int key) {
     MAINMENU_keypress(key);
 }
 
+void redraw() {
+    werase(stdscr);
+    STATUS_update();
+    WINS_update();
+    MAINMENU_update();
+    CURSDIALOG_update();
+    DISPLAY_update();
+    DEBUG_update();
+    update_panels();
+    doupdate();
+}
+
 std::FILE* open_conf_file(const char* mode) {
     const std::string name = conf_file_name();
-    if (name.empty()) return nullptr;
-    if (mode[0] != 'w') return std::fopen(name.c_str(), mode);
-    // The file may hold the password: what is created is for its owner alone.
-    const int fd = open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    if (fd == -1) return nullptr;
-    std::FILE* file = fdopen(fd, mode);
-    if (file == nullptr) close(fd);
-    return file;
+    return name.empty() ? nullptr : std::fopen(name.c_str(), mode);
 }
 
 BOOL load_conf_file() {
@@ -220,15 +212,15 @@ BOOL load_conf_file() {
 }
 
 BOOL save_conf_file() {
-    std::FILE* file = open_conf_file("w");
-    if (file == nullptr) return save_failed(errno);
+    const std::string name = conf_file_name();
+    if (name.empty()) return save_failed(errno);
+    SAVEFILE save(name);  // the file may hold the password: what is created is for its owner alone
+    if (save.file() == nullptr) return save_failed(errno);
     if (g_conf == nullptr) g_conf = CONF_alloc();
     MAINMENU_save_config();
     WINS_save_window_setup();
     PASSWD_save_config();
-    int error = CONF_write(g_conf, file) ? 0 : errno;
-    if (std::fclose(file) != 0 && error == 0) error = errno;
-    return error == 0 ? TRUE : save_failed(error);
+    return CONF_write(g_conf, save.file()) && save.keep() ? TRUE : save_failed(errno);
 }
 
 int CURSCLIENT_main(int argc, char** argv) {

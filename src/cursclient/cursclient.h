@@ -26,10 +26,12 @@ void proc_arguments(int argc, char** argv);
 void print_usage();
 void message_proc(VESKMSG_proc_msg* pm, void* param);
 void distribute_key(int key);
+// The drawing of one pass: every layer from bottom to top, then one physical update of the terminal.
+void redraw();
 
-// The settings file, opened for `mode`; null (errno says why) when that fails. New files get mode 0600.
+// The settings file, opened for `mode`; null (errno says why) when that fails.
 [[nodiscard]] std::FILE* open_conf_file(const char* mode);
 BOOL load_conf_file();
-// Lets every owner store its settings in the tree and writes it. FALSE, with a line on standard error that
-// names the file and the reason, when that fails.
+// Lets every owner store its settings in the tree and writes it; the file keeps what it had when that fails,
+// and a line on standard error names it and the reason. New files get mode 0600.
 BOOL save_conf_file();

@@ -3,12 +3,15 @@
 #include "cursclient/cursclient.h"
 
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -77,6 +80,10 @@ class Settings : public DisplayRig {
         std::ifstream in(file_);
         return {std::istreambuf_iterator<char>(in), {}};
     }
+    long files() const {
+        return std::distance(std::filesystem::directory_iterator(dir_),
+                             std::filesystem::directory_iterator());
+    }
 
     std::string dir_, file_;
 };
@@ -115,6 +122,59 @@ TEST_F(Settings, AFailedSaveNamesTheFileAndTheReason) {
     ::testing::internal::CaptureStderr();
     EXPECT_FALSE(save_conf_file());
     EXPECT_THAT(::testing::internal::GetCapturedStderr(), HasSubstr("/dev/full: No space left on device\n"));
+}
+
+// The size that a file may have stands in for a disk that is full.
+TEST_F(Settings, AFullDiskCostsNothing) {
+    const std::string before = "# " + std::string(200, 'x') + "\nSettings;Password = old\n";
+    std::ofstream(file_) << before;
+    ASSERT_TRUE(load_conf_file());
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit small{100, RLIM_INFINITY};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    EXPECT_THAT(complaints_of([] { EXPECT_FALSE(save_conf_file()); }), HasSubstr("File too large"));
+    const rlimit any{RLIM_INFINITY, RLIM_INFINITY};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &any), 0);
+    EXPECT_EQ(content(), before);
+    EXPECT_EQ(files(), 1) << "nothing is left beside it";
+    EXPECT_TRUE(save_conf_file());
+    EXPECT_EQ(files(), 1);
+}
+
+TEST_F(Settings, ASaveKeepsModesAndLinks) {
+    struct row {
+        const char* name;
+        std::function<void(const std::string& target, const std::string& file)> make;
+        std::function<bool(const std::string& target, const std::string& file)> kept;
+    };
+    namespace fs = std::filesystem;
+    const auto mode = [](const std::string& f) { return static_cast<int>(fs::status(f).permissions()); };
+    const row rows[] = {
+        {"mode", [](auto& target, auto&) { fs::permissions(target, fs::perms{0640}); },
+         [&](auto& target, auto&) { return mode(target) == 0640; }},
+        {"symbolic link", [](auto& target, auto& file) { fs::create_symlink(target, file); },
+         [](auto&, auto& file) { return fs::is_symlink(file); }},
+        {"link to nothing",
+         [](auto& target, auto& file) { fs::create_symlink(target, file), fs::remove(target); },
+         [&](auto& target, auto& file) { return fs::is_symlink(file) && mode(target) == 0600; }},
+        {"second name", [](auto& target, auto& file) { fs::create_hard_link(target, file); },
+         [](auto& target, auto& file) { return fs::equivalent(target, file); }},
+    };
+    for (const row& r : rows) {
+        SCOPED_TRACE(r.name);
+        forget();
+        const std::string target = dir_ + "/target";
+        std::ofstream(target) << "# mine\n";
+        fs::remove(file_);
+        r.make(target, file_);
+        if (!fs::exists(fs::symlink_status(file_))) fs::rename(target, file_);
+        const std::string real = fs::exists(target) || fs::is_symlink(file_) ? target : file_;
+        load_conf_file();
+        ASSERT_TRUE(save_conf_file());
+        EXPECT_TRUE(r.kept(real, file_));
+        EXPECT_THAT(content(), HasSubstr("Settings;Password = "));
+        fs::remove(target);
+    }
 }
 
 TEST_F(Settings, WithoutANameTheFileIsTheUsers) {
