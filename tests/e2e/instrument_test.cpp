@@ -119,6 +119,22 @@ TEST(Instrument, TwoWithOneHotKeyComeUpTogether) {
                                   "both windows side by side"));
 }
 
+TEST(Instrument, ShowsOnAConsoleOverTcp) {
+    Station station({"--listen", "127.0.0.1:0"});
+    auto counter = start_counter(station);
+    const std::string& log = station.server().err();
+    const std::string listening = "listening on 127.0.0.1:";
+    ASSERT_TRUE(station.server().wait_for([&] {
+        const std::size_t at = log.find(listening);
+        return at != std::string::npos && log.find('\n', at) != std::string::npos;
+    })) << log;
+    const std::size_t port = log.find(listening) + listening.size();
+    const std::string host = "127.0.0.1:" + log.substr(port, log.find('\n', port) - port);
+    // After the host nothing is an option any more; the local socket is not even looked for.
+    Terminal console({{program("vesk.cursclient"), host, "-h"}, {{"VESK_SOCKET", "/nonexistent/socket"}}});
+    EXPECT_TRUE(open_counter(console));
+}
+
 // The real simulated station through the real server.
 TEST(Instrument, SimulatedStationComesUp) {
     Station station;

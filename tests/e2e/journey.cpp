@@ -105,11 +105,14 @@ testing::AssertionResult open_counter(Terminal& console) {
 
 testing::AssertionResult highlight(Terminal& console, std::string_view label) {
     if (auto result = console.shows(label); !result) return result;
+    // Half a drawing would count as a step.
+    if (auto result = console.settles(); !result) return result;
     for (int step = 0; step < MENU_STEPS && !is_highlighted(console, label); ++step) {
         const Cells before = highlights(console);
         console.press(Key::down);
         auto moved = console.wait_for([&] { return has_moved(console, before); }, "the highlight to move");
         if (!moved) return moved;
+        if (auto result = console.settles(); !result) return result;
     }
     return console.wait_for([&] { return is_highlighted(console, label); },
                             "the highlight on \"" + std::string(label) + "\"");

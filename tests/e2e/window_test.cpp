@@ -154,6 +154,16 @@ TEST_F(Window, SmallTerminalLosesNothing) {
     }
 }
 
+// A terminal drops what it has no room for, though its size is the old one again when the console looks.
+TEST_F(Window, ScreenIsWholeAfterAShrinkThatWasUndoneAtOnce) {
+    for (int i = 0; i < 3; ++i) {
+        console_->resize({2, 2});
+        console_->resize({24, 80});
+        EXPECT_TRUE(shows_all(*console_, counter_rows()));
+        EXPECT_TRUE(is_up(*console_, "N"));
+    }
+}
+
 TEST_F(Window, MenuLongerThanTheScreenScrolls) {
     console_->resize({6, 40});
     ASSERT_TRUE(console_->shows("Last Average:"));

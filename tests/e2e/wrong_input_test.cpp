@@ -40,8 +40,13 @@ TEST(WrongArguments, HelpIsTheUsageAndStatusOne) {
 }
 
 TEST(WrongArguments, NoServerOrWrongHostFailsWithTheTextAndStatusOne) {
-    const std::vector<std::vector<std::string>> rows{
-        {}, {"/nonexistent/socket"}, {"127.0.0.1:1"}, {"127.0.0.1:99999"}, {"[::1"}, {""}};
+    const std::vector<std::vector<std::string>> rows{{},
+                                                     {"/nonexistent/socket"},
+                                                     {"no-such-host.invalid"},
+                                                     {"127.0.0.1:1"},
+                                                     {"127.0.0.1:99999"},
+                                                     {"[::1"},
+                                                     {""}};
     for (const auto& arguments : rows) {
         SCOPED_TRACE(testing::PrintToString(arguments));
         Process console(console_command(arguments));
@@ -94,6 +99,16 @@ TEST(WrongSettings, BrokenLineIsReportedAndKeptAndTheRestIsRead) {
     std::istringstream lines(HALF_BROKEN);
     for (std::string line; std::getline(lines, line);)
         EXPECT_NE(("\n" + saved).find("\n" + line + "\n"), std::string::npos) << line << "\nin\n" << saved;
+}
+
+TEST(WrongSettings, TheLastFileNamedCountsAndAnOptionWithoutOneIsIgnored) {
+    Station station;
+    auto counter = start_counter(station);
+    const std::string file = station.folder() / "second.conf";
+    write_file(file, HALF_BROKEN);
+    auto console =
+        station.console({.arguments = {"-c", "/nonexistent/first.conf", "-c", file, "-c"}, .size = {}});
+    EXPECT_TRUE(stands_at(*console, "Counter", 2, 3));
 }
 
 // A folder in the file's place can be neither read nor written, not even by root.

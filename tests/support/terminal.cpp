@@ -15,6 +15,8 @@
 #include <array>
 #include <csignal>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 
 namespace {
@@ -94,6 +96,7 @@ struct Terminal::Impl {
     void start(const Command& command);
     void pump(int milliseconds);
     void take_the_rest();
+    bool idle();
     void write(std::string_view bytes) const;
     std::string row(int y) const;
     static int on_property(VTermProp prop, VTermValue* value, void* self);
@@ -122,6 +125,19 @@ void Terminal::Impl::pump(int milliseconds) {
     std::array<char, 65536> bytes{};
     const ssize_t n = read(master, bytes.data(), bytes.size());
     if (n > 0) vterm_input_write(vt, bytes.data(), static_cast<std::size_t>(n));
+}
+
+// The program waits for something to happen, has no key left to read, and all it wrote was taken.
+bool Terminal::Impl::idle() {
+    pump(0);
+    std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
+    const std::string text{std::istreambuf_iterator<char>(stat), {}};
+    const std::size_t state = text.rfind(") ");  // behind the program's name, which may hold anything
+    int keys = 0;
+    if (state == std::string::npos || text[state + 2] != 'S' || ioctl(line, FIONREAD, &keys) != 0)
+        return false;
+    pollfd fd{master, POLLIN, 0};
+    return keys == 0 && poll(&fd, 1, 0) == 0;
 }
 
 // After the program's end: takes what is still on its way. What the test itself writes to the line comes out
@@ -246,6 +262,12 @@ void Terminal::hang_up() {
         if (*fd >= 0) close(*fd);
         *fd = -1;
     }
+}
+
+testing::AssertionResult Terminal::settles() {
+    for (const Deadline deadline(PATIENCE); !deadline.passed(); impl_->pump(1))
+        if (impl_->idle()) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "does not come to rest; the screen:\n" << text();
 }
 
 testing::AssertionResult Terminal::wait_for(const std::function<bool()>& condition, std::string_view what,

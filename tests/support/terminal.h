@@ -67,6 +67,8 @@ class Terminal {
     // Waits until the text stands on some row, or on none any more.
     testing::AssertionResult shows(std::string_view text);
     testing::AssertionResult hides(std::string_view text);
+    // Waits until the program has taken all keys and drawn what they caused: it sleeps, nothing is on its way.
+    testing::AssertionResult settles();
     // Watches for WATCH that the text does not come up.
     testing::AssertionResult never_shows(std::string_view text);
     // The program's exit code (128 plus a signal), taking output meanwhile; the failure prints the screen.
