@@ -169,7 +169,7 @@ constexpr BOOL padded(const NETDSD_field* fields, std::size_t n, std::size_t tot
     std::size_t end = 0;
     for (std::size_t i = 0; i < n; ++i) {
         const NETDSD_field& f = fields[i];
-        if (f.offset != end || (f.nested != nullptr && f.nested->padded)) return TRUE;
+        if (f.offset != end || (f.ft == NETDSD_FT_BIN && f.nested->padded)) return TRUE;
         end = f.offset + f.size;
     }
     return end != total;
