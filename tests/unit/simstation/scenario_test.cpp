@@ -3,10 +3,6 @@
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-
 #include "simstation/roster.h"
 
 namespace {
@@ -96,25 +92,6 @@ TEST(Scenario, ChecksTargetsAndSettingsAgainstTheInstruments) {
                 ElementsAre("line 2: no instrument \"N99\"", "line 3: cpc_3010 has no setting \"filter\"",
                             "line 4: \"empty\" is no number and neither on nor off",
                             "line 5: inst_skel has no setting \"liquid\""));
-}
-
-// The files that come with the program can be played by the whole station.
-TEST(Scenario, TheFilesOfTheManualAreRight) {
-    const auto folder = std::filesystem::path(__FILE__).parent_path() / "../../../docs/scenarios";
-    int files = 0;
-    std::vector<std::string> errors;
-    const auto members = SIM_roster("", errors);
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        SCOPED_TRACE(entry.path());
-        std::ifstream file(entry.path());
-        const std::string text{std::istreambuf_iterator<char>(file), {}};
-        const auto events = parse(text, errors);
-        SIM_check_scenario(events, members, errors);
-        EXPECT_THAT(errors, IsEmpty());
-        EXPECT_FALSE(events.empty());
-        ++files;
-    }
-    EXPECT_GE(files, 3);
 }
 
 }  // namespace
