@@ -75,6 +75,11 @@ std::string rectangle(int x, int y, int width, int height, std::uint32_t rgb, in
            color(rgb) + "\"/>\n";
 }
 
+// Text is pale: behind it, red has to be darker than in front.
+std::uint32_t background(std::uint32_t rgb) {
+    return rgb == TERMINAL_RED ? 0xa01c1c : rgb;
+}
+
 class Picture {
   public:
     explicit Picture(const Terminal& terminal) : terminal_(terminal) {}
@@ -115,7 +120,7 @@ class Picture {
             end =
                 run_end(row, from, [](const TerminalCell& a, const TerminalCell& b) { return a.bg == b.bg; });
             svg_ += rectangle(left(from), top(row), (end - from) * CELL_WIDTH, CELL_HEIGHT,
-                              terminal_.cell(row, from).bg);
+                              background(terminal_.cell(row, from).bg));
         }
     }
 

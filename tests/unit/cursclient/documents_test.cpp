@@ -1,0 +1,404 @@
+// The documents against the program: every kind of display has its page, and the keys and menu entries that
+// pages and manual name are those that the console has, with the same guards. The pages are read as they
+// stand: in tables headed "Key" and "Menu", what is in backquotes in the first cell counts; "Keys and menu:
+// as [kind](kind.md)" takes over another page's.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+
+#include "cursclient/display.h"
+#include "cursclient/displays_generated.h"
+#include "cursclient/passwd.h"
+#include "display_rig.h"
+#include "libvesk/records/all.h"
+#include "libvesk/util.h"
+#include "libveskcurs/cursdialog.h"
+#include "libveskcurs/curskeys.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::Contains;
+using ::testing::HasSubstr;
+
+const fs::path DOCS = VESK_DOCS;
+constexpr const char* EVERY_MENU = "1 Hide window";
+constexpr int ENTER = 13;
+
+// ---- the documents
+
+struct page {
+    std::set<std::string> keys;
+    std::map<std::string, bool> menu;  // entry: asks for the password
+};
+
+std::string read(const fs::path& path) {
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::vector<std::string> lines_of(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+std::vector<std::string> quoted(const std::string& text) {
+    static const std::regex QUOTED("`([^`]+)`");
+    std::vector<std::string> result;
+    for (std::sregex_iterator it(text.begin(), text.end(), QUOTED), end; it != end; ++it)
+        result.push_back((*it)[1]);
+    return result;
+}
+
+page read_page(const fs::path& path);
+
+// "Keys and menu: as [grimm](grimm.md)".
+void take_over(const fs::path& path, const std::string& line, page* p) {
+    static const std::regex AS(R"(^([^:]*): as \[[^\]]*\]\(([^)]*)\))");
+    std::smatch m;
+    if (!std::regex_search(line, m, AS)) return;
+    const std::string what = m[1];
+    page other = read_page(path.parent_path() / m[2].str());
+    if (what.find("eys") != std::string::npos) p->keys.merge(other.keys);
+    if (what.find("enu") != std::string::npos) p->menu.merge(other.menu);
+}
+
+page read_page(const fs::path& path) {
+    page p;
+    enum { TEXT, KEYS, MENU } table = TEXT;
+    for (const std::string& line : lines_of(read(path))) {
+        if (!line.starts_with("|")) {
+            table = TEXT;
+            take_over(path, line, &p);
+        }
+        const std::string first = line.substr(0, line.find('|', 1));
+        if (table == KEYS)
+            for (const std::string& key : quoted(first))
+                p.keys.insert(key);
+        if (table == MENU)
+            for (const std::string& entry : quoted(first))
+                p.menu[entry] = line.ends_with("| password |");
+        if (line.starts_with("| Key |")) table = KEYS;
+        if (line.starts_with("| Menu |")) table = MENU;
+    }
+    return p;
+}
+
+// The kinds that an instrument brings up.
+std::vector<std::string> kinds() {
+#define NAME(kind) #kind,
+#define NOTHING(kind)
+    std::vector<std::string> names{DISPLAYS_LIST(NAME, NOTHING)};
+#undef NAME
+#undef NOTHING
+    std::erase_if(names, [](const std::string& name) { return name.starts_with("PERSISTENT_"); });
+    return names;
+}
+
+fs::path page_of(const std::string& kind) {
+    return DOCS / "displays" / ((kind == "inst_skel" ? "skel" : kind) + ".md");
+}
+
+// ---- the console
+
+class Documents : public DisplayRig {
+  protected:
+    static constexpr const char* SOURCE = "S1";
+
+    static std::string ident(const std::string& kind) { return kind + ":" + SOURCE; }
+
+    // The instrument comes with nothing known about it; its window has the focus.
+    static void bring_up(const std::string& kind) {
+        leave(SOURCE);
+        announce(SOURCE, kind.c_str());
+        ASSERT_NE(focus(ident(kind).c_str()), nullptr) << kind;
+    }
+
+    static void close_dialogs() {
+        for (int i = 0; i < 10 && CURSDIALOG_active(); ++i)
+            press(CURSKEYS_ESCAPE);
+        EXPECT_FALSE(CURSDIALOG_active());
+    }
+
+    // The labels of the open menu, which is small enough for the screen.
+    static std::vector<std::string> entries(const std::string& title) {
+        const std::vector<std::string> rows = lines_of(screen_text());
+        std::vector<std::string> labels;
+        const std::regex top("\\+-*" + (title.empty() ? "-" : " " + title + " ") + "-*\\+");
+        std::smatch m;
+        std::size_t at = 0;
+        while (at < rows.size() && !std::regex_search(rows[at], m, top))
+            ++at;
+        if (at == rows.size()) return labels;
+        const auto left = static_cast<std::size_t>(m.position()) + 1;
+        const auto width = static_cast<std::size_t>(m.length()) - 2;
+        for (++at; at < rows.size() && rows[at][left - 1] != '+'; ++at) {
+            std::string label = rows[at].substr(left, width);
+            label.erase(label.find_last_not_of(' ') + 1);
+            label.erase(0, label.find_first_not_of(' '));
+            labels.push_back(label);
+        }
+        return labels;
+    }
+
+    // Presses every button of the menu once, with the password asked for; adds what it found to `found`.
+    static void try_menu(const std::string& kind, page* found) {
+        const std::string title = kind == "verticalprofile" ? "Schedule" : "Instrument";
+        press('m');
+        const std::vector<std::string> labels = entries(title);
+        ASSERT_THAT(labels, Contains(EVERY_MENU)) << kind << screen_text();
+        close_dialogs();
+        for (std::size_t i = 1; i < labels.size(); ++i) {
+            press('m');
+            for (std::size_t step = 0; step < i; ++step)
+                press(KEY_DOWN);
+            press(ENTER);
+            found->menu[labels[i]] = screen_text().find("Enter password") != std::string::npos;
+            close_dialogs();
+        }
+    }
+
+    // Letters that count in both cases, and the keys that turn pages, whatever view they count in.
+    static void try_keys(BOOL both_cases, page* found) {
+        for (int c = 'A'; c <= 'Z'; ++c) {
+            if (c == 'M' || !DISPLAY_distribute_keypress(c)) continue;
+            found->keys.insert(std::string(1, static_cast<char>(c)));
+            if (both_cases) {
+                EXPECT_TRUE(DISPLAY_distribute_keypress(std::tolower(c))) << static_cast<char>(c);
+            }
+            if (DISPLAY_distribute_keypress(KEY_NPAGE)) found->keys.insert("Page Down");
+            if (DISPLAY_distribute_keypress(KEY_PPAGE)) found->keys.insert("Page Up");
+        }
+        for (int c = '!'; c < 127; ++c) {
+            if (std::isalpha(c) == 0 && DISPLAY_distribute_keypress(c))
+                found->keys.insert(std::string(1, static_cast<char>(c)));
+        }
+    }
+
+    static page found_in(const std::string& kind);
+};
+
+// What brings a kind into another state, in which its menu offers something else.
+struct situation {
+    const char* kind;
+    void (*report)(void (*send)(NETMSG_type, const NETDSD_entry*, const void*));
+};
+
+template <class R>
+void say(void (*send)(NETMSG_type, const NETDSD_entry*, const void*), NETMSG_type msg, R record) {
+    send(msg, NETDSD_of<R>(), &record);
+}
+
+void span_check(void (*send)(NETMSG_type, const NETDSD_entry*, const void*)) {
+    say(send, MSG_COMMON_NEPH_SPANCHECK_PHASE,
+        NET_COMMON_Neph_SpancheckPhase{.phase = NET_COMMON_NEPH_SC_FLUSH_CO2, .next_time = 0});
+}
+void span_checked(void (*send)(NETMSG_type, const NETDSD_entry*, const void*)) {
+    say(send, MSG_COMMON_NEPH_SPANCHECK_RESULTS, NETDSD_default<NET_COMMON_Neph_SpancheckResults>());
+}
+template <std::int32_t STATE>
+void clap_state(void (*send)(NETMSG_type, const NETDSD_entry*, const void*)) {
+    auto filter = NETDSD_default<NET_CLAP3W_FilterStatus>();
+    filter.status = STATE;
+    say(send, MSG_CLAP3W_FILTERSTATUS, filter);
+}
+
+constexpr situation SITUATIONS[] = {
+    {"psap", [](auto send) { say(send, MSG_PSAP_FILTERSTATUS, NET_PSAP_FilterStatus{TRUE}); }},
+    {"psap3", [](auto send) { say(send, MSG_PSAP3_FILTERSTATUS, NET_PSAP3_FilterStatus{TRUE}); }},
+    {"clap3w", clap_state<NET_CLAP3W_CHANGING_FILTER>},
+    {"clap3w", clap_state<NET_CLAP3W_WHITE_CHECK>},
+    {"ccn",
+     [](auto send) {
+         auto scanning = NETDSD_default<NET_CCN_Scanning>();
+         scanning.enabled = TRUE;
+         say(send, MSG_CCN_SCANNING, scanning);
+         auto status = NETDSD_default<NET_CCN_Status>();
+         status.in_calibration = TRUE;
+         say(send, MSG_CCN_STATUS, status);
+     }},
+    {"genericpid",
+     [](auto send) {
+         say(send, MSG_GENERICPID_TUNING_STATUS, NET_GENERICPID_TuningSatus{GENERICPID_UPWARD, 0, 8});
+     }},
+    {"verticalprofile",
+     [](auto send) {
+         auto all = NETDSD_default<NET_VERTICALPROFILE_All>();
+         all.enabled = TRUE;
+         say(send, MSG_VERTICALPROFILE_ALL, all);
+     }},
+    {"neph", span_check},
+    {"neph", span_checked},
+    {"nephM903", span_check},
+    {"nephM903", span_checked},
+    {"neph_aurora3000", span_check},
+    {"neph_aurora3000", span_checked},
+    {"neph_passive", span_check},
+    {"neph_passive", span_checked},
+};
+
+constexpr int ROUNDS = 8;  // through the modes of which the label names one
+
+page Documents::found_in(const std::string& kind) {
+    page found;
+    const auto look_around = [&] {
+        for (int round = 0; round < ROUNDS; ++round) {
+            focus(ident(kind).c_str());  // a command may have brought up another window
+            try_menu(kind, &found);
+            try_keys(round == 0, &found);
+        }
+    };
+    bring_up(kind);
+    look_around();
+    for (const situation& s : SITUATIONS) {
+        if (kind != s.kind) continue;
+        bring_up(kind);
+        s.report([](NETMSG_type msg, const NETDSD_entry* dsd, const void* payload) {
+            receive(SOURCE, msg, dsd, payload);
+        });
+        look_around();
+    }
+    return found;
+}
+
+TEST_F(Documents, EveryKindHasAPageWithItsKeysAndItsMenu) {
+    UTIL_strcpynt(g_passwd, "secret");
+    std::set<fs::path> pages{DOCS / "displays/spancheck.md"};  // of several kinds
+    for (const std::string& kind : kinds()) {
+        SCOPED_TRACE(kind);
+        pages.insert(page_of(kind));
+        ASSERT_TRUE(fs::exists(page_of(kind))) << page_of(kind);
+        const page documented = read_page(page_of(kind));
+        const page found = found_in(kind);
+        EXPECT_EQ(documented.keys, found.keys);
+        EXPECT_EQ(documented.menu, found.menu);
+    }
+    for (const auto& file : fs::directory_iterator(DOCS / "displays"))
+        EXPECT_THAT(pages, Contains(file.path())) << "a page of nothing";
+    g_passwd[0] = '\0';
+}
+
+// ---- the manual
+
+std::string upper(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::toupper(c); });
+    return text;
+}
+
+TEST_F(Documents, TheManualHasTheKeysOfTheHelpPageAndTheMainMenu) {
+    const page manual = read_page(DOCS / "manual.md");
+    std::set<std::string> keys;
+    for (const std::string& key : manual.keys)
+        keys.insert(upper(key));
+    press(KEY_F(1));
+    int on_page = 0;
+    for (int scrolled = 0; scrolled < 6; ++scrolled) {
+        static const std::regex ROW(R"(\|(CTRL-[A-Z]|ALT-X|ESC|ENTER|F[0-9]+|M|TAB)[ ,])");
+        const std::string text = screen_text();
+        for (std::sregex_iterator it(text.begin(), text.end(), ROW), end; it != end; ++it, ++on_page)
+            EXPECT_THAT(keys, Contains((*it)[1].str()));
+        press(KEY_NPAGE);
+    }
+    EXPECT_GT(on_page, 11) << "the help page was read";
+    press(CURSKEYS_ESCAPE);
+
+    press(ENTER);
+    const std::vector<std::string> labels = entries("");
+    EXPECT_THAT(labels, Contains("Quit")) << screen_text();
+    for (const std::string& label : labels)
+        EXPECT_TRUE(manual.menu.contains(label)) << label;
+    EXPECT_EQ(manual.menu.size(), labels.size() + 1);
+    EXPECT_TRUE(manual.menu.contains(EVERY_MENU));
+}
+
+TEST_F(Documents, EveryKeyOfTheManualDoesSomething) {
+    static const std::map<std::string, int> CODES{
+        {"Enter", ENTER},
+        {"Esc", CURSKEYS_ESCAPE},
+        {"Ctrl-M", ENTER},
+        {"Alt-X", CURSKEYS_ALT + 'x'},
+        {"Ctrl-D", CURSKEYS_CTRL_D},
+        {"Ctrl-E", CURSKEYS_CTRL_E},
+        {"Ctrl-W", CURSKEYS_CTRL_W},
+        {"F1", KEY_F(1)},
+        {"Ctrl-H", 8},
+        {"F12", KEY_F(12)},
+        {"M", 'M'},
+        {"Tab", CURSKEYS_TAB},
+        {"Shift-Tab", CURSKEYS_BTAB},
+        {"Left", KEY_LEFT},
+        {"Right", KEY_RIGHT},
+        {"Up", KEY_UP},
+        {"Down", KEY_DOWN},
+    };
+    // These two go other ways: a signal, and the debug console, which this rig leaves out.
+    for (const std::string& key : read_page(DOCS / "manual.md").keys) {
+        if (key == "Ctrl-C" || key == "F5") continue;
+        ASSERT_TRUE(CODES.contains(key)) << "no such key: " << key;
+        for (const char* source : {"N1", "N2"}) {
+            announce(source, "cpc_3010", source, source[1] == '1' ? 'x' : 'y');
+            focus((std::string("cpc_3010:") + source).c_str());
+        }
+        const std::string before = screen_text();
+        press(CODES.at(key));
+        EXPECT_NE(screen_text(), before) << key;
+        close_dialogs();
+        for (const char* source : {"N1", "N2"})
+            leave(source);
+    }
+}
+
+TEST(Manual, NamesEveryScenario) {
+    const std::string manual = read(DOCS / "manual.md");
+    for (const auto& file : fs::directory_iterator(DOCS / "scenarios"))
+        EXPECT_THAT(manual, HasSubstr("(scenarios/" + file.path().filename().string() + ")"));
+}
+
+// ---- all documents
+
+TEST(DocumentLinks, LeadSomewhereAndEveryPictureIsShown) {
+    static const std::regex LINK(R"(\]\(([^)#]+)[^)]*\))");
+    std::set<fs::path> linked;
+    std::vector<fs::path> documents{DOCS.parent_path() / "README.md"};
+    for (const auto& file : fs::recursive_directory_iterator(DOCS))
+        if (file.path().extension() == ".md") documents.push_back(file.path());
+    for (const fs::path& document : documents) {
+        const std::string text = read(document);
+        for (std::sregex_iterator it(text.begin(), text.end(), LINK), end; it != end; ++it) {
+            const std::string target = (*it)[1];
+            if (target.find("://") != std::string::npos) continue;
+            const fs::path path = (document.parent_path() / target).lexically_normal();
+            EXPECT_TRUE(fs::exists(path)) << document << " links to " << target;
+            linked.insert(path);
+        }
+    }
+    for (const auto& file : fs::recursive_directory_iterator(DOCS / "images")) {
+        if (file.is_regular_file()) {
+            EXPECT_THAT(linked, Contains(file.path())) << "shown nowhere";
+        }
+    }
+}
+
+TEST(DriversGuide, QuotesTheExamplesAsTheyAre) {
+    const fs::path examples = DOCS.parent_path() / "examples";
+    const std::string source = read(examples / "serial_counter.cpp") + read(examples / "serial_counter.sh");
+    static const std::regex BLOCK("```(cpp|sh)\n([^`]*)```");
+    const std::string guide = read(DOCS / "drivers.md");
+    int blocks = 0;
+    for (std::sregex_iterator it(guide.begin(), guide.end(), BLOCK), end; it != end; ++it, ++blocks)
+        EXPECT_THAT(source, HasSubstr((*it)[2].str()));
+    EXPECT_GE(blocks, 8);
+}
+
+}  // namespace
