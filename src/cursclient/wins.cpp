@@ -425,6 +425,11 @@ void WINS_center_string(WINS_window* win, const char* str, int y) {
 void WINS_window_border(WINS_window* win, int attr) {
     if (!checked(win)) return;
     const auto a = static_cast<chtype>(attr);
+    // In a window of one column curses looks for, and may write to, the cell behind it.
+    if (getmaxx(win->win) < 2) {
+        mvwvline(win->win, 0, 0, ACS_VLINE | a, getmaxy(win->win));
+        return;
+    }
     wborder(win->win, ACS_VLINE | a, ACS_VLINE | a, ACS_HLINE | a, ACS_HLINE | a, ACS_ULCORNER | a,
             ACS_URCORNER | a, ACS_LLCORNER | a, ACS_LRCORNER | a);
 }
