@@ -30,15 +30,29 @@ constexpr int LINE_SIZE = 70;
 constexpr int WIDTH = 72;
 constexpr int HEIGHT = 19;
 
-// The last four lines; the next slot to fill is also the oldest line.
-struct line_ring {
-    char lines[RING_LINES][LINE_SIZE];
+using text_line = char[LINE_SIZE];
+
+// The last four entries; the next slot to fill is also the oldest one.
+template <class T>
+struct ring {
+    T entries[RING_LINES];
     int next;
 
     void clear() { *this = {}; }
-    char* slot() { return lines[next]; }
+    T& slot() { return entries[next]; }
     void advance() { next = (next + 1) % RING_LINES; }
-    const char* oldest(int i) const { return lines[(next + i) % RING_LINES]; }
+    [[nodiscard]] const T& oldest(int i) const { return entries[(next + i) % RING_LINES]; }
+};
+
+// What is shown of a message, kept as it is: thousands may come for each one that is drawn.
+struct DEBUG_message {
+    FTIME tm;
+    const NETMSG_entry* msg;  // null in a slot that was never filled
+    const NETDSD_entry* dsd;
+    const void* pds;
+    DWORD flags;
+    text_line dest;
+    text_line src;
 };
 
 struct DEBUG_keyevent {
@@ -48,8 +62,8 @@ struct DEBUG_keyevent {
 
 int g_stderr_fh = -1;    // handle of the read end
 int g_stderr_real = -1;  // the standard error that the program was started with
-line_ring g_stderr_buffer;
-line_ring g_dmsg_buffer;
+ring<text_line> g_stderr_buffer;
+ring<DEBUG_message> g_dmsg_buffer;
 std::array<DEBUG_keyevent, RING_LINES> g_debug_keys;  // newest first
 int g_debug_last_interp_key;
 WINS_window* g_debug_window;
@@ -65,7 +79,7 @@ BOOL capture_failed(const char* what, int line, BOOL with_errno) {
 void read_stderr() {
     char line[LINE_SIZE];
     while (g_stderr_fh != -1 && VESKFILE_readuntil_int(g_stderr_fh, line, sizeof line, "\n", 1) > 0) {
-        UTIL_strcpynt(g_stderr_buffer.lines[g_stderr_buffer.next], line);
+        UTIL_strcpynt(g_stderr_buffer.slot(), line);
         g_stderr_buffer.advance();
     }
 }
@@ -105,10 +119,23 @@ void draw_keys() {
     }
 }
 
-void draw_ring(int y, const char* title, const line_ring& ring) {
-    WINTEXT_rule(g_debug_window, y, title);
+void draw_message(int y, const DEBUG_message& m) {
+    SFMT_printf(&g_line, "%0.1f,%s,%s,%s,0x%08X", m.tm, m.msg->name, m.dest, m.src, m.flags);
+    if (m.dsd != nullptr && m.dsd->name != nullptr)
+        SFMT_printfcat(&g_line, ",(%s)0x%08lx", m.dsd->name, reinterpret_cast<unsigned long>(m.pds));
+    WINTEXT_put(g_debug_window, y, 1, std::string_view(SFMT_get_buffer(&g_line)).substr(0, LINE_SIZE - 1));
+}
+
+void draw_messages() {
+    WINTEXT_rule(g_debug_window, 8, "Messages");
     for (int i = 0; i < RING_LINES; ++i)
-        WINTEXT_put(g_debug_window, y + 1 + i, 1, ring.oldest(i));
+        if (const DEBUG_message& m = g_dmsg_buffer.oldest(i); m.msg != nullptr) draw_message(9 + i, m);
+}
+
+void draw_stderr() {
+    WINTEXT_rule(g_debug_window, 13, "Standard Error");
+    for (int i = 0; i < RING_LINES; ++i)
+        WINTEXT_put(g_debug_window, 14 + i, 1, g_stderr_buffer.oldest(i));
 }
 
 }  // namespace
@@ -185,22 +212,24 @@ BOOL DEBUG_keypress(int key) {
 
 BOOL DEBUG_handle_message(const VESKMSG_proc_msg* pm) {
     const auto text = [](const char* s) { return s != nullptr ? s : ""; };
-    char* line = g_dmsg_buffer.slot();
-    const int n = std::snprintf(line, LINE_SIZE, "%0.1f,%s,%s,%s,0x%08X", UTIL_ftime(), text(pm->msg->name),
-                                text(pm->dest_name), text(pm->src_name), pm->flags);
-    if (n > 0 && n < LINE_SIZE && pm->dsd != nullptr && pm->dsd->name != nullptr)
-        std::snprintf(line + n, static_cast<std::size_t>(LINE_SIZE - n), ",(%s)0x%08lx", pm->dsd->name,
-                      reinterpret_cast<unsigned long>(pm->pds));
+    DEBUG_message& m = g_dmsg_buffer.slot();
+    m.tm = UTIL_ftime();
+    m.msg = pm->msg;
+    m.dsd = pm->dsd;
+    m.pds = pm->pds;
+    m.flags = pm->flags;
+    UTIL_strcpynt(m.dest, text(pm->dest_name));
+    UTIL_strcpynt(m.src, text(pm->src_name));
     g_dmsg_buffer.advance();
     return FALSE;
 }
 
 void DEBUG_update() {
     read_stderr();
-    if (g_debug_window == nullptr) return;
+    if (g_debug_window == nullptr || !g_debug_window->visible) return;
     WINS_draw_frame(g_debug_window, "Debug");
     draw_clock();
     draw_keys();
-    draw_ring(8, "Messages", g_dmsg_buffer);
-    draw_ring(13, "Standard Error", g_stderr_buffer);
+    draw_messages();
+    draw_stderr();
 }

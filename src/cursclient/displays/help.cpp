@@ -118,7 +118,7 @@ void HELP_cleanup(void* prv_data) {
 
 void HELP_update(void* prv_data, DISPLAY_common_params*, void*) {
     HELP_prv_data* pd = record(prv_data);
-    if (pd->win == nullptr) return;
+    if (pd->win == nullptr || !pd->win->visible) return;
     WINS_draw_frame(pd->win, "Help");
     pd->line_count = page(pd).draw(pd->use_msg);
 }

@@ -128,8 +128,16 @@ template <class R>
 }
 
 template <class R>
+[[nodiscard]] WINS_window* INSTDISP_second_window(const R* pd, const INSTDISP_kind<R>& kind) {
+    return kind.second_window != nullptr ? kind.second_window(pd) : nullptr;
+}
+
+// Most windows of a station are hidden most of the time: what nobody sees is not drawn.
+template <class R>
 void INSTDISP_update(R* pd, const INSTDISP_kind<R>& kind) {
     if (pd->win == nullptr) return;
+    const WINS_window* second = INSTDISP_second_window(pd, kind);
+    if (!pd->win->visible && (second == nullptr || !second->visible)) return;
     if (kind.layout != nullptr) kind.layout(pd);
     WINS_draw_frame(pd->win, kind.title != nullptr ? kind.title : pd->display_name);
     if (kind.draw != nullptr) kind.draw(pd, CANVAS(pd->win, &pd->sbfr));
@@ -165,7 +173,7 @@ void INSTDISP_open_menu(R* pd, const INSTDISP_kind<R>& kind, DWORD uid) {
 template <class R>
 [[nodiscard]] BOOL INSTDISP_keypress(R* pd, const INSTDISP_kind<R>& kind, DWORD uid, int key) {
     if (pd->win == nullptr) return FALSE;
-    WINS_window* second = kind.second_window != nullptr ? kind.second_window(pd) : nullptr;
+    WINS_window* second = INSTDISP_second_window(pd, kind);
     if (!pd->win->focused && (second == nullptr || !second->focused)) return FALSE;
     if (WINS_default_keyhandler(pd->win, key)) return TRUE;
     if (second != nullptr && WINS_default_keyhandler(second, key)) return TRUE;

@@ -121,7 +121,7 @@ void LOGENTRY_cleanup(void* prv_data) {
 // A short text starts at the top; of a long one the last rows show, its end in the last column.
 void LOGENTRY_update(void* prv_data, DISPLAY_common_params*, void*) {
     LOGENTRY_prv_data* pd = record(prv_data);
-    if (pd->win == nullptr) return;
+    if (pd->win == nullptr || !pd->win->visible) return;
     WINS_draw_frame(pd->win, "Online Log Entry");
     WINTEXT_put_centered(pd->win, PROMPT_ROW, A_REVERSE | WINS_attr_normal(),
                          "Press ENTER to make entry, ESC/CTRL-W to abort");

@@ -99,7 +99,7 @@ void MESSAGE_msg_proc(void* prv_data, DISPLAY_common_params*, DISPLAY_msg_params
 
 void MESSAGE_update(void* prv_data, DISPLAY_common_params*, void*) {
     MESSAGE_prv_data* pd = record(prv_data);
-    if (pd->win == nullptr) return;
+    if (pd->win == nullptr || !pd->win->visible) return;
     WINS_draw_frame(pd->win, "Messaging");
     for (int i = 0; i < ROWS; ++i)
         WINTEXT_put(pd->win, 1 + i, 1, std::string_view(pd->display_buffer + i * COLUMNS, COLUMNS));

@@ -101,7 +101,7 @@ void display_results(const CANVAS& d, const SCRESULTS_entry& entry, SCRESULTS_di
 
 void SCRESULTS_update(void* prv_data, DISPLAY_common_params*, void*) {
     SCRESULTS_prv_data* pd = record(prv_data);
-    if (pd->win == nullptr) return;
+    if (pd->win == nullptr || !pd->win->visible) return;
     WINS_draw_frame(pd->win, "Spancheck Results");
     if (pd->results.count == 0) return;
     const CANVAS d(pd->win, &pd->sbfr);

@@ -30,6 +30,7 @@ class Debug : public DisplayRig {
         DEBUG_release_stderr();
     }
     static std::string console_row(int y) {
+        window(CONSOLE)->visible = TRUE;
         DEBUG_update();
         return row(CONSOLE, y);
     }

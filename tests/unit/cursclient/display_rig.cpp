@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <utility>
+
 #include "cursclient/cursclient.h"
 #include "cursclient/display.h"
 #include "cursclient/displays/command.h"
@@ -87,9 +89,18 @@ void DisplayRig::redraw() {
     look();
 }
 
-std::string DisplayRig::inside(const char* ident) {
+// What is hidden is not drawn: the window is in view for this one pass.
+WINS_window* DisplayRig::redrawn(const char* ident) {
+    WINS_window* win = window(ident);
+    const BOOL was_visible = win != nullptr && std::exchange(win->visible, TRUE);
     redraw();
-    const WINS_window* win = window(ident);
+    win = window(ident);
+    if (win != nullptr) win->visible = was_visible;
+    return win;
+}
+
+std::string DisplayRig::inside(const char* ident) {
+    const WINS_window* win = redrawn(ident);
     if (win == nullptr) return "(no window)";
     std::string all = "\n";
     for (int y = 1; y < getmaxy(win->win) - 1; ++y) {
@@ -108,8 +119,7 @@ std::string DisplayRig::inside(const char* ident) {
 }
 
 std::string DisplayRig::row(const char* ident, int y) {
-    redraw();
-    const WINS_window* win = window(ident);
+    const WINS_window* win = redrawn(ident);
     if (win == nullptr) return "(no window)";
     std::string line = TestScreen::row(win->win, y).substr(1);
     line.pop_back();
@@ -118,8 +128,7 @@ std::string DisplayRig::row(const char* ident, int y) {
 }
 
 int DisplayRig::color(const char* ident, int y, int x) {
-    redraw();
-    const WINS_window* win = window(ident);
+    const WINS_window* win = redrawn(ident);
     if (win == nullptr) return 0;
     const int pair = TestScreen::color_pair(win->win, y, x);
     return (TestScreen::attributes(win->win, y, x) & A_BOLD) != 0 ? -pair : pair;

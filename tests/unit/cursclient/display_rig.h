@@ -55,6 +55,8 @@ class DisplayRig : public ConsoleTest {
     // Shows and focuses it.
     static WINS_window* focus(const char* ident);
     static void redraw();
+    // The window after a redraw that has drawn it, whether it was in view or not.
+    static WINS_window* redrawn(const char* ident);
     // The inside of a window after a redraw: one line per row, trailing blanks cut, empty rows at the end
     // left out; begins with a newline, so that it compares with a raw text.
     static std::string inside(const char* ident);

@@ -48,8 +48,7 @@ class GenericPid : public DisplayRig {
         receive("C13", MSG_GENERICPID_TUNING_STATUS, NET_GENERICPID_TuningSatus{state, run, 8});
     }
     static Size size() {
-        redraw();
-        WINDOW* win = window(IDENT)->win;
+        WINDOW* win = redrawn(IDENT)->win;
         return {getmaxx(win), getmaxy(win)};
     }
     // Opens the menu and presses the button with that hot key.

@@ -194,6 +194,15 @@ TEST_F(Skeleton, LongestNamesMakeAnIdentityOf63Characters) {
         << "the title is clipped to the border";
 }
 
+TEST_F(Skeleton, AWindowThatComesUpShowsTheLatestAtOnce) {
+    announce("N61", "cpc_3010", "Counter");
+    receive("N61", MSG_CPC_3010_AVERAGE, NET_CPC_3010_Avg{START, 1234.5, 3});
+    EXPECT_THAT(screen_text(), Not(HasSubstr("1234.5")));
+    receive("N61", MSG_CPC_3010_AVERAGE, NET_CPC_3010_Avg{START, 77.5, 3});
+    focus("cpc_3010:N61");
+    EXPECT_THAT(screen_text(), HasSubstr(" 77.5"));
+}
+
 TEST_F(InstrumentDisplay, WithoutIdentifierHasNoIndicatorAndNoHotKey) {
     meet(0);
     ASSERT_NE(pd(), nullptr);
