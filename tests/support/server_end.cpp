@@ -30,8 +30,10 @@ bool readable(int fd) {
     return poll(&p, 1, 0) == 1;
 }
 
-void send_all(int fd, const FRAME_bytes& bytes) {
-    if (send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(bytes.size())) die("send");
+void send_all(int fd, FRAME_span bytes) {
+    if (::send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT) !=
+        static_cast<ssize_t>(bytes.size()))
+        die("send");
 }
 
 }  // namespace
@@ -88,6 +90,10 @@ void ServerEnd::read_some() {
     const auto space = reader_.space();
     const ssize_t n = recv(peer_, space.data(), space.size(), MSG_DONTWAIT);
     if (n > 0) reader_.commit(static_cast<std::size_t>(n));
+}
+
+void ServerEnd::send(FRAME_span frames) {
+    send_all(peer_, frames);
 }
 
 std::vector<ServerEnd::Sent> ServerEnd::received() {

@@ -25,6 +25,8 @@ class ServerEnd {
         bool operator==(const Sent&) const = default;
         friend std::ostream& operator<<(std::ostream& out, const Sent& s);
     };
+    // Frames for the console; no more at a time than the socket holds.
+    void send(FRAME_span frames);
     // Everything that the console sent since the last call.
     std::vector<Sent> received();
 

@@ -1,0 +1,233 @@
+// What one pass of the console costs with a window of every kind in view at 200x60 and values that change,
+// beside a bare curses loop that draws the same boxes and texts: a record of what the windows showed, drawn
+// again with box and waddnstr. Both draw for the same terminal, which throws its output away, and the bare
+// loop's screen is compared with the console's before anything is timed.
+#include <benchmark/benchmark.h>
+#include <curses.h>
+#include <panel.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "console_rig.h"
+#include "cursclient/cursclient.h"
+#include "cursclient/wins.h"
+
+namespace {
+
+constexpr std::size_t FRAMES = 32;  // seconds of the station that go round
+
+struct text_run {
+    int y, x;
+    attr_t attr;
+    short pair;
+    std::string text;
+};
+
+struct bare_window {
+    WINDOW* win;
+    bool has_box;
+    attr_t box_attr;
+    short box_pair;
+    std::vector<text_run> runs[FRAMES];
+};
+
+struct second {
+    FTIME now;
+    std::vector<STATION_message> messages;
+};
+
+// A row's cells as curses hands them out.
+std::vector<chtype> cells(WINDOW* win, int y) {
+    std::vector<chtype> row(static_cast<std::size_t>(getmaxx(win)) + 1);
+    const int old_y = getcury(win);
+    const int old_x = getcurx(win);
+    mvwinchnstr(win, y, 0, row.data(), getmaxx(win));
+    wmove(win, old_y, old_x);
+    row.pop_back();
+    return row;
+}
+
+bool is_blank(chtype c) {
+    return (c & A_CHARTEXT) == ' ';
+}
+
+attr_t attributes_of(chtype c) {
+    return c & (A_ATTRIBUTES & ~A_COLOR);
+}
+
+short pair_of(chtype c) {
+    return static_cast<short>(PAIR_NUMBER(c));
+}
+
+// The texts of a row: what differs from the plain box, cut where two blanks or another attribute follow.
+void record_row(const std::vector<chtype>& row, const std::vector<chtype>& plain, int y,
+                std::vector<text_run>* runs) {
+    const auto is_text = [&](std::size_t x) {
+        return x < row.size() && !is_blank(row[x]) && (row[x] & A_CHARTEXT) != 0 &&
+               ((row[x] ^ plain[x]) & (A_CHARTEXT | A_ALTCHARSET)) != 0;
+    };
+    for (std::size_t x = 0; x < row.size(); ++x) {
+        if (!is_text(x)) continue;
+        text_run run{y, static_cast<int>(x), attributes_of(row[x]), pair_of(row[x]), ""};
+        const auto belongs = [&](std::size_t at) {
+            return is_text(at) && attributes_of(row[at]) == run.attr && pair_of(row[at]) == run.pair;
+        };
+        // A single blank belongs to a text, but not to line drawing.
+        const auto goes_on = [&](std::size_t at) {
+            return belongs(at) || ((run.attr & A_ALTCHARSET) == 0 && at < row.size() && is_blank(row[at]) &&
+                                   belongs(at + 1));
+        };
+        while (goes_on(x))
+            run.text += static_cast<char>(row[x++] & A_CHARTEXT);
+        --x;
+        runs->push_back(std::move(run));
+    }
+}
+
+void draw_box(const bare_window& w) {
+    werase(w.win);
+    if (!w.has_box) return;
+    wattr_set(w.win, w.box_attr, w.box_pair, nullptr);
+    box(w.win, 0, 0);
+}
+
+void draw_bare(const std::vector<bare_window>& windows, std::size_t frame) {
+    for (const bare_window& w : windows) {
+        draw_box(w);
+        for (const text_run& run : w.runs[frame]) {
+            wattr_set(w.win, run.attr, run.pair, nullptr);
+            wmove(w.win, run.y, run.x);
+            waddnstr(w.win, run.text.data(), static_cast<int>(run.text.size()));
+        }
+        wnoutrefresh(w.win);
+    }
+    doupdate();
+}
+
+class scene {
+  public:
+    scene() {
+        for (std::size_t f = 0; f < FRAMES; ++f) {
+            seconds_.push_back({0, rig_.station.next_second()});
+            seconds_.back().now = rig_.station.now();
+            draw_console(f);
+            if (f == 0) make_bare_windows();
+            record(f);
+            screens_.push_back(TestScreen::dump(curscr));
+        }
+        compare();
+    }
+
+    void prepare(std::size_t frame) {
+        CONSOLE_rig::deliver(seconds_[frame].messages, seconds_[frame].now);
+        ++g_tick;
+    }
+    void draw_console(std::size_t frame) {
+        prepare(frame);
+        redraw();
+    }
+    void draw_bare(std::size_t frame) { ::draw_bare(bare_, frame); }
+    [[nodiscard]] std::size_t windows() const { return bare_.size() - 1; }
+
+  private:
+    // In the order in which they are stacked, the screen behind them first.
+    void make_bare_windows() {
+        originals_.push_back(stdscr);
+        for (PANEL* p = panel_above(nullptr); p != nullptr; p = panel_above(p))
+            if (panel_window(p) != stdscr) originals_.push_back(panel_window(p));
+        for (WINDOW* from : originals_) {
+            WINDOW* win = newwin(getmaxy(from), getmaxx(from), getbegy(from), getbegx(from));
+            wbkgd(win, getbkgd(from));
+            const chtype corner = cells(from, 0).front();
+            bare_.push_back(
+                {win, from != stdscr, attributes_of(corner) & ~A_ALTCHARSET, pair_of(corner), {}});
+        }
+    }
+    void record(std::size_t frame) {
+        for (std::size_t i = 0; i < bare_.size(); ++i) {
+            draw_box(bare_[i]);
+            for (int y = 0; y < getmaxy(bare_[i].win); ++y)
+                record_row(cells(originals_[i], y), cells(bare_[i].win, y), y, &bare_[i].runs[frame]);
+        }
+    }
+    void compare() {
+        for (std::size_t f = 0; f < FRAMES; ++f) {
+            draw_bare(f);
+            const std::string drawn = TestScreen::dump(curscr);
+            if (drawn == screens_[f]) continue;
+            std::fprintf(stderr, "the bare loop does not draw what the console drew:\n%s\n%s\n",
+                         drawn.c_str(), screens_[f].c_str());
+            std::abort();
+        }
+    }
+
+    CONSOLE_rig rig_;
+    std::vector<second> seconds_;
+    std::vector<WINDOW*> originals_;
+    std::vector<bare_window> bare_;
+    std::vector<std::string> screens_;
+};
+
+scene& the_scene() {
+    static scene s;
+    return s;
+}
+
+// Of this thread's own time, so that the other programs of a busy machine do not count.
+double thread_seconds() {
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+template <class DRAW>
+double seconds_of(DRAW draw) {
+    const double began = thread_seconds();
+    draw();
+    return thread_seconds() - began;
+}
+
+void pass_console(benchmark::State& state) {
+    scene& s = the_scene();
+    std::size_t frame = 0;
+    for (auto _ : state) {
+        s.prepare(frame++ % FRAMES);
+        state.SetIterationTime(seconds_of(redraw));
+    }
+    state.counters["windows"] = static_cast<double>(s.windows());
+}
+
+void pass_bare(benchmark::State& state) {
+    scene& s = the_scene();
+    std::size_t frame = 0;
+    for (auto _ : state)
+        state.SetIterationTime(seconds_of([&] { s.draw_bare(frame++ % FRAMES); }));
+}
+
+// An ordinary day: the windows of four instruments in view, the others hidden.
+void pass_four_windows(benchmark::State& state) {
+    scene& s = the_scene();
+    std::vector<WINS_window*> shown;
+    for (WINS_window& win : LL_each<WINS_window>(g_window_list))
+        if (win.visible) shown.push_back(&win);
+    for (std::size_t i = 4; i < shown.size(); ++i)
+        WINS_hide_window(shown[i]);
+    std::size_t frame = 0;
+    for (auto _ : state) {
+        s.prepare(frame++ % FRAMES);
+        state.SetIterationTime(seconds_of(redraw));
+    }
+    for (WINS_window* win : shown)
+        WINS_show_window(win);
+}
+
+BENCHMARK(pass_console)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(pass_four_windows)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(pass_bare)->UseManualTime()->Unit(benchmark::kMicrosecond);
+
+}  // namespace
