@@ -91,10 +91,12 @@ struct Terminal::Impl {
     VTermScreen* screen = nullptr;
     bool alternate = false;
     bool cursor = true;
+    std::string output;
     std::optional<int> exit;
 
     void start(const Command& command);
     void pump(int milliseconds);
+    void take(std::string_view bytes);
     void take_the_rest();
     bool idle();
     void write(std::string_view bytes) const;
@@ -124,7 +126,12 @@ void Terminal::Impl::pump(int milliseconds) {
     if (poll(&fd, 1, milliseconds) <= 0) return;
     std::array<char, 65536> bytes{};
     const ssize_t n = read(master, bytes.data(), bytes.size());
-    if (n > 0) vterm_input_write(vt, bytes.data(), static_cast<std::size_t>(n));
+    if (n > 0) take({bytes.data(), static_cast<std::size_t>(n)});
+}
+
+void Terminal::Impl::take(std::string_view bytes) {
+    output += bytes;
+    vterm_input_write(vt, bytes.data(), bytes.size());
 }
 
 // The program waits for something to happen, has no key left to read, and all it wrote was taken.
@@ -153,7 +160,7 @@ void Terminal::Impl::take_the_rest() {
         if (n > 0) rest.append(bytes.data(), static_cast<std::size_t>(n));
     }
     if (rest.ends_with(MARK)) rest.resize(rest.size() - MARK.size());
-    vterm_input_write(vt, rest.data(), rest.size());
+    take(rest);
 }
 
 void Terminal::Impl::write(std::string_view bytes) const {
@@ -353,6 +360,10 @@ std::optional<Terminal::Place> Terminal::find(std::string_view text) const {
             return Place{y, static_cast<int>(columns(std::string_view(line).substr(0, at)))};
     }
     return std::nullopt;
+}
+
+const std::string& Terminal::output() const {
+    return impl_->output;
 }
 
 bool Terminal::alternate_screen() const {

@@ -67,7 +67,8 @@ class Terminal {
     // Waits until the text stands on some row, or on none any more.
     testing::AssertionResult shows(std::string_view text);
     testing::AssertionResult hides(std::string_view text);
-    // Waits until the program has taken all keys and drawn what they caused: it sleeps, nothing is on its way.
+    // Waits until the program has taken all keys and drawn what they caused: it sleeps, nothing is on its
+    // way.
     testing::AssertionResult settles();
     // Watches for WATCH that the text does not come up.
     testing::AssertionResult never_shows(std::string_view text);
@@ -85,6 +86,9 @@ class Terminal {
     };
     // Where the text first stands, in columns.
     [[nodiscard]] std::optional<Place> find(std::string_view text) const;
+
+    // Every byte that the program has written.
+    [[nodiscard]] const std::string& output() const;
 
     // How the terminal is: on the alternate screen, the cursor visible, and its line settings others than the
     // program found.
