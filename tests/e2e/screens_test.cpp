@@ -190,7 +190,7 @@ std::optional<TerminalSize> frame_end(const Terminal& console, int row, int col)
     return TerminalSize{bottom + 1, right + 1};
 }
 
-class Screens : public testing::Test {
+class ScreensDrawn : public testing::Test {
   protected:
     // A console with the window of that instrument open in its corner.
     void open(const std::string& kind, const std::string& name) {
@@ -243,7 +243,7 @@ class Screens : public testing::Test {
     std::unique_ptr<Terminal> console_;
 };
 
-class ScreensOfKind : public Screens, public testing::WithParamInterface<kind_case> {};
+class ScreensOfKind : public ScreensDrawn, public testing::WithParamInterface<kind_case> {};
 
 TEST_P(ScreensOfKind, AreAsInTheDocuments) {
     const kind_case& c = GetParam();
@@ -268,7 +268,7 @@ TEST_P(ScreensOfKind, AreAsInTheDocuments) {
 INSTANTIATE_TEST_SUITE_P(Station, ScreensOfKind, testing::ValuesIn(KINDS),
                          [](const auto& param_info) { return std::string(param_info.param.kind); });
 
-TEST_F(Screens, OfEveryKindThatThereIs) {
+TEST_F(ScreensDrawn, OfEveryKindThatThereIs) {
     auto list = station_.start("vesk.simstation", {"--list"});
     ASSERT_EQ(list->wait_exit(), 0);
     std::set<std::string> simulated, shown;
@@ -284,7 +284,7 @@ TEST_F(Screens, OfEveryKindThatThereIs) {
 
 // The controller while it is tuned, and with what was found. The instrument is the test's own, so that every
 // state lasts as long as it looks; the same below.
-TEST_F(Screens, Tuning) {
+TEST_F(ScreensDrawn, Tuning) {
     open("genericpid", "C13");
     auto pid = station_.instrument("C13", "genericpid", "Line heater PID", 'H');
     const auto say = [&](const std::string& msg, const std::string& payload) {
@@ -310,7 +310,7 @@ TEST_F(Screens, Tuning) {
     picture(*console_, "displays/genericpid-results");
 }
 
-TEST_F(Screens, SpanCheck) {
+TEST_F(ScreensDrawn, SpanCheck) {
     const auto phase = [](int number, long until) {
         return R"({"msg":"MSG_COMMON_NEPH_SPANCHECK_PHASE","flags":7,"payload":{"phase":)" +
                std::to_string(number) + R"(,"next_time":)" + std::to_string(until) + "}}";
@@ -345,7 +345,7 @@ TEST_F(Screens, SpanCheck) {
 
 // ---- the console itself
 
-TEST_F(Screens, OfTheConsole) {
+TEST_F(ScreensDrawn, OfTheConsole) {
     console_ = station_.console();
     auto counter = start_counter(station_);
     ASSERT_TRUE(open_counter(*console_));
@@ -376,7 +376,7 @@ TEST_F(Screens, OfTheConsole) {
     ASSERT_TRUE(console_->hides("Enter password"));
 }
 
-TEST_F(Screens, OfThePersistentWindows) {
+TEST_F(ScreensDrawn, OfThePersistentWindows) {
     write_file(station_.settings_file(), "Settings;ErrorDisplayTime = 600\n");
     console_ = station_.console();
     auto peer = station_.peer();
