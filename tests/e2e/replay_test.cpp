@@ -1,0 +1,66 @@
+// A station's minutes, recorded with `vesk.peer --monitor` and shown again.
+#include <csignal>
+
+#include "journey.h"
+
+namespace {
+
+// All rows but the status bar's, which has the clock.
+std::string windows(const Terminal& console) {
+    std::string text;
+    for (int y = 0; y + 1 < console.size().rows; ++y)
+        text += console.row(y) + "\n";
+    return text;
+}
+
+const ConsoleOptions CONSOLE{.arguments = {"-c", VESK_DEMO_CONF}, .size = {32, 92}};
+
+TEST(Replay, ShowsTheSameScreenAsTheStationDid) {
+    Station station;
+    auto monitor = station.peer({"--monitor"});
+    auto simulated =
+        station.simstation({"--kinds", "neph,aethalometer,cpc_3010", "--speed", "60", "--seed", "3"});
+    auto live = station.console(CONSOLE);
+    for (int block = 0; block < 4; ++block)
+        ASSERT_TRUE(monitor->wait_line({"MSG_CPC_3010_AVERAGE"}));
+    simulated->signal(SIGSTOP);
+    // What a console says comes last: whoever has it has all.
+    auto marker = station.peer();
+    ASSERT_TRUE(marker->write_line(R"({"msg":"MSG_LOG_FLUSH"})"));
+    ASSERT_TRUE(monitor->wait_line({"MSG_LOG_FLUSH"}));
+
+    Station stage;
+    auto console = stage.console(CONSOLE);
+    ASSERT_TRUE(is_up(*console));
+    auto replay = stage.peer({"--replay", "-", "--speed", "20"});
+    ASSERT_TRUE(replay->write(monitor->out())) << replay->err();
+    EXPECT_TRUE(console->shows("Last Average:"));
+    const auto same = [&] { return windows(*console) == windows(*live); };
+    // Each shows what it got only while it is looked at.
+    for (const Deadline deadline(PATIENCE); !same() && !deadline.passed();) {
+        static_cast<void>(live->wait_for(same, "", WATCH / 4));
+        static_cast<void>(console->wait_for(same, "", WATCH / 4));
+    }
+    EXPECT_EQ(windows(*console), windows(*live));
+
+    replay->close_input();
+    EXPECT_EQ(replay->wait_exit(), 0);
+    EXPECT_NE(replay->err().find("of 3 sources played, 1 of consoles left out\n"), std::string::npos)
+        << replay->err();
+    EXPECT_TRUE(console->hides("Nephelometer"));
+}
+
+TEST(Replay, EndsWhenANameIsTaken) {
+    Station station;
+    auto counter = start_counter(station);
+    auto console = station.console();
+    ASSERT_TRUE(is_up(*console, "N"));
+    const std::string file = station.folder() / "recording";
+    write_file(file, R"({"time":1,"src":"N11","dest":"","flags":1,"msg":"MSG_TEST_ONE"})"
+                     "\n");
+    auto replay = station.peer({"--replay", file});
+    EXPECT_EQ(replay->wait_exit(), 2);
+    EXPECT_EQ(replay->err(), "PEER: N11: the server refused: name taken\n");
+}
+
+}  // namespace
