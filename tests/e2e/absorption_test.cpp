@@ -80,7 +80,6 @@ TEST_F(Absorption, AWholeFilterLifeOfThePhotometer) {
     EXPECT_TRUE(console_->wait_for(
         [&] { return console_->cell(place->row, place->col).fg == TERMINAL_YELLOW; }, "the focus"));
     EXPECT_TRUE(console_->shows("Spot:            8"));
-    save_screen(*console_, "clap3w-demand");
     reaches(8);
     console_->press(Key::escape);
     ASSERT_TRUE(console_->hides("FILTER CHANGE REQUIRED"));
@@ -156,12 +155,10 @@ TEST_F(Absorption, AllSevenViewsShowTheStationsReadings) {
                            "a view without missing values"));
     EXPECT_TRUE(shows_all(*console_, {"Flags:        0100", "Volts:      3.", "Tcase (C):"}));
     EXPECT_TRUE(console_->shows("FILTER OR LED ERROR"));
-    save_screen(*console_, "clap3w");
     for (const std::string name : {"I", "Ig", "In", "Ing", "Irw", "Irz"}) {
         console_->type("d");
         ASSERT_TRUE(console_->shows(name + " spot 8:")) << name;
         EXPECT_FALSE(console_->find("-.--")) << name;
-        save_screen(*console_, "clap3w-" + name);
     }
 }
 
@@ -186,7 +183,6 @@ TEST_F(Absorption, ThePsapsChangeTheirFilters) {
         choose_in_menu("2 Start filter change");
         sets("true");
         EXPECT_TRUE(console_->shows("Changing filter..."));
-        save_screen(*console_, c.prefix + std::string("change"));
         choose_in_menu("2 Stop filter change");
         confirm("Have you pressed 'RESET Transmitance'?");
         sets("false");
@@ -222,7 +218,6 @@ TEST_F(Absorption, TapesAdvanceAndCavitiesAreZeroedOnCommand) {
             EXPECT_TRUE(monitor_->wait_line({std::string(R"("src":")") + c.dest, c.answer}));
         }
         EXPECT_TRUE(console_->hides("-.--")) << "reported";
-        save_screen(*console_, c.screen);
         console_->press(Key::escape);
         ASSERT_TRUE(console_->hides(c.first_row));
     }

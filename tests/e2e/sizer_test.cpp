@@ -76,7 +76,6 @@ TEST_F(Sizers, AllTwelveStandSideBySide) {
         EXPECT_TRUE(console_->shows(w.text)) << w.ident;
     EXPECT_TRUE(console_->shows("█")) << "bars";
     EXPECT_FALSE(console_->find("NO COMMS"));
-    save_screen(*console_, "counters");
 }
 
 TEST_F(Sizers, TheMobilitySizersScreens) {
@@ -84,18 +83,15 @@ TEST_F(Sizers, TheMobilitySizersScreens) {
     console_->alt('s');
     ASSERT_TRUE(console_->shows("dN/dlogD, upward sweep"));
     EXPECT_TRUE(console_->shows("█"));
-    save_screen(*console_, "sems-graph");
     console_->type("n");
     EXPECT_TRUE(console_->shows("dN/dlogD, downward sweep"));
     EXPECT_TRUE(console_->shows("█"));
     console_->type("t");
     ASSERT_TRUE(console_->shows("(um^3/cm^3)"));
     EXPECT_TRUE(console_->shows("   10   0.000e+00 ----.-      -.-------     -.-------")) << "the blind end";
-    save_screen(*console_, "sems-table");
     console_->type("h");
     EXPECT_TRUE(shows_all(*console_, {"   Upward:  ", " Downward:  ", "Q sheath:          3.0"}));
     EXPECT_TRUE(console_->hides("----")) << "once both sweeps are through";
-    save_screen(*console_, "sems-housekeeping");
 }
 
 TEST_F(Sizers, TheCcnCountersCommandsAreSentAndDone) {
@@ -104,7 +100,6 @@ TEST_F(Sizers, TheCcnCountersCommandsAreSentAndDone) {
     ASSERT_TRUE(console_->shows("cum N(D) - Instantanous"));
     console_->type("h");
     ASSERT_TRUE(console_->shows("Next dT SP:            "));
-    save_screen(*console_, "ccn-housekeeping");
 
     choose_in_menu("2 Disable setpoint scanning");
     auto line = monitor_->wait_line({"\"msg\":\"MSG_CCN_SET_SCANNING\""});
