@@ -21,9 +21,13 @@ if [ $# -eq 0 ]; then
 fi
 cmake --build build/fuzz --parallel "$(nproc)" --target "$@"
 
+# The curses libraries keep their tables until the process ends.
+export LSAN_OPTIONS="suppressions=$PWD/tests/support/lsan.supp:print_suppressions=0"
 for target in "$@"; do
     echo "=== $target, $seconds s"
     mkdir -p "build/fuzz/corpus/$target"
-    (cd build/fuzz && bin/"$target" -max_total_time="$seconds" -print_final_stats=1 \
+    words="$PWD/tests/fuzz/dictionaries/${target#fuzz_}.dict"
+    [ -f "$words" ] || words=
+    (cd build/fuzz && bin/"$target" ${words:+-dict="$words"} -max_total_time="$seconds" -print_final_stats=1 \
         "corpus/$target" "../../tests/fuzz/seeds/${target#fuzz_}")
 done
