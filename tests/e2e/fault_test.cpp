@@ -1,0 +1,182 @@
+// Faults around the console: a server that stops, peers that do not read or say too much, a terminal that
+// goes away, and the console's own crash.
+
+#include <csignal>
+#include <cstdlib>
+
+#include "journey.h"
+#include "libvesk/linktime.h"
+#include "libvesk/records/cpc.h"
+#include "support/wire.h"
+
+namespace {
+
+using std::chrono::seconds;
+
+bool says(Process& program, std::string_view text) {
+    return program.wait_for([&] { return program.err().find(text) != std::string::npos; });
+}
+
+// ---- the server
+
+// Stopped, it neither closes the connection nor says anything: its peers take 30 s of that for its end.
+TEST(ServerFault, StoppedIsFoundOutByItsSilence) {
+    Station station;
+    auto console = station.console();
+    auto peer = station.peer();
+    auto simulation = station.simstation({"--kinds", "cpc_3010"});
+    ASSERT_TRUE(is_up(*console, "1"));
+    station.server().signal(SIGSTOP);
+    ASSERT_TRUE(console->wait_exit(seconds(static_cast<int>(LINKTIME_SILENCE)) + PATIENCE).has_value());
+    EXPECT_TRUE(left_restored(*console));
+    for (Process* program : {peer.get(), simulation.get()}) {
+        EXPECT_NE(program->wait_exit().value_or(0), 0);
+        EXPECT_TRUE(says(*program, "silence")) << program->err();
+    }
+}
+
+TEST(ServerFault, AStopThatEndsInTimeLosesNothing) {
+    Station station;
+    auto counter = start_counter(station);
+    auto console = station.console();
+    ASSERT_TRUE(open_counter(*console));
+    station.server().signal(SIGSTOP);
+    for (int i = 1; i <= 100; ++i)
+        report_reading(*counter, i);
+    EXPECT_TRUE(console->never_shows("Last reading:   100.0"));
+    station.server().signal(SIGCONT);
+    EXPECT_TRUE(console->shows("Last reading:   100.0"));
+}
+
+TEST(ServerFault, ASecondOneTakesADeadOnesSocketOnly) {
+    Station station;
+    auto counter = start_counter(station);
+    auto console = station.console();
+    ASSERT_TRUE(open_counter(*console));
+    for (const int state : {SIGCONT, SIGSTOP}) {  // one that does not answer is alive too
+        station.server().signal(state);
+        auto second = station.start("vesk.server", {});
+        EXPECT_EQ(second->wait_exit(), 1);
+        EXPECT_TRUE(says(*second, "another server is running there")) << second->err();
+    }
+    station.server().signal(SIGCONT);
+    report_reading(*counter, 77.7);
+    EXPECT_TRUE(console->shows("Last reading:    77.7"));
+
+    station.server().signal(SIGKILL);
+    EXPECT_TRUE(left_restored(*console));
+    auto heir = station.start("vesk.server", {});
+    ASSERT_TRUE(says(*heir, "listening on")) << heir->err();
+    auto again = station.console();
+    EXPECT_TRUE(is_up(*again));
+}
+
+// ---- peers
+
+// Everything that `from` has queued is on its way.
+testing::AssertionResult all_sent(wire::End& from) {
+    if (!wire::until([&] { from.look(); }, [&] { return from.unsent() == 0 || from.ended(); }))
+        return testing::AssertionFailure() << from.unsent() << " bytes were not taken";
+    if (from.ended()) return testing::AssertionFailure() << "the server hung up";
+    return testing::AssertionSuccess();
+}
+
+TEST(PeerFault, OneThatNeverReadsIsDroppedAndTheRestGoOn) {
+    Station station({"--queue-bytes", "262144", "--stall-seconds", "0.5"});
+    auto counter = start_counter(station);
+    auto console = station.console();
+    ASSERT_TRUE(open_counter(*console));
+    auto deaf = station.peer({"--monitor"});
+    ASSERT_TRUE(deaf->wait_line({"MSG_CPC_3010_STATUS"}));
+    deaf->ignore_output(true);
+    wire::End talker(station.socket());
+    talker.send(wire::hello(FRAME_PEER_INSTRUMENT, "T11"));
+    for (int i = 0; i < 500; ++i)
+        talker.send(wire::message(MSG_LOG_MONITOR, 0, "CLIENT"));
+    EXPECT_TRUE(all_sent(talker));
+    EXPECT_TRUE(says(station.server(), "it does not read")) << station.server().err();
+    report_reading(*counter, 88.8);
+    EXPECT_TRUE(console->shows("Last reading:    88.8"));
+    const std::string& log = station.server().err();
+    EXPECT_EQ(log.find("disconnected"), log.rfind("disconnected")) << log;
+    deaf->ignore_output(false);
+    EXPECT_NE(deaf->wait_exit().value_or(0), 0) << "it learns of it when it looks";
+}
+
+TEST(PeerFault, AFloodStopsNeitherTheConsoleNorOthers) {
+    Station station;
+    auto counter = start_counter(station);
+    auto console = station.console();
+    ASSERT_TRUE(open_counter(*console));
+    wire::End flood(station.socket());
+    flood.send(wire::hello(FRAME_PEER_INSTRUMENT, "T11"));
+    auto reading = NETDSD_default<NET_CPC_3010_Instant>();
+    FRAME_bytes message;
+    FRAME_encode_message(&message,
+                         {MSG_CPC_3010_INSTANT, 0, "", "CLIENT", NETDSD_of<NET_CPC_3010_Instant>()->name,
+                          std::as_bytes(std::span(&reading, 1))});
+    for (int round = 1; round <= 4; ++round) {
+        for (int i = 0; i < 25'000; ++i)
+            flood.send(message);
+        for (int i = 0; i < 20; ++i)
+            flood.look();
+        // In the midst of it the operator's keys work, and others are heard.
+        console->press(Key::enter);
+        EXPECT_TRUE(console->shows("Quit"));
+        console->press(Key::escape);
+        EXPECT_TRUE(console->hides("Quit"));
+        ASSERT_TRUE(all_sent(flood));
+        report_reading(*counter, 900 + round);
+        EXPECT_TRUE(console->shows("Last reading:   90" + std::to_string(round) + ".0"));
+    }
+}
+
+// ---- the terminal
+
+// A console that no signal tells of its terminal's end: it runs in a session of its own, below a shell that
+// stays and reports how it ended.
+std::unique_ptr<Terminal> console_behind_a_shell(const Station& station, const std::string& before,
+                                                 const std::string& redirections) {
+    const std::string script = before + "'" + program("vesk.cursclient") + "' " + redirections +
+                               "; echo $? >'" + (station.folder() / "status") + "'";
+    return std::make_unique<Terminal>(Command{
+        {"/bin/sh", "-c", script}, {{"VESK_SOCKET", station.socket()}, {"HOME", station.folder() / ""}}});
+}
+
+TEST(TerminalFault, AnErrorOnTheLineAloneEndsTheConsole) {
+    Station station;
+    auto console = console_behind_a_shell(station, "trap '' HUP; setsid --wait ", "");
+    ASSERT_TRUE(is_up(*console));
+    console->hang_up();
+    ASSERT_TRUE(console->wait_exit().has_value());
+    EXPECT_EQ(read_file(station.folder() / "status"), "0\n");
+}
+
+TEST(TerminalFault, TheEndOfItsInputEndsTheConsole) {
+    Station station;
+    auto console = console_behind_a_shell(station, "", "</dev/null");
+    EXPECT_TRUE(left_restored(*console));
+    EXPECT_EQ(read_file(station.folder() / "status"), "0\n");
+}
+
+// ---- the console's own
+
+class Crashes : public testing::TestWithParam<int> {};
+
+TEST_P(Crashes, RestoreTheTerminalAndEndOfTheirSignal) {
+    // Here the sanitizers leave these signals to the program.
+    const char* options = std::getenv("ASAN_OPTIONS");
+    setenv("ASAN_OPTIONS",
+           (std::string(options != nullptr ? options : "") + ":handle_segv=0:handle_sigbus=0").c_str(), 1);
+    Station station;
+    auto counter = start_counter(station);
+    auto console = station.console();
+    ASSERT_TRUE(open_counter(*console));
+    console->signal(GetParam());
+    EXPECT_TRUE(left_restored(*console, 128 + GetParam()));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Crashes, testing::Values(SIGSEGV, SIGBUS, SIGABRT),
+                         [](const auto& param) { return std::string(sigabbrev_np(param.param)); });
+
+}  // namespace
