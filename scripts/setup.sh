@@ -1,10 +1,11 @@
 #!/bin/sh
 # Installs the Debian packages that a job needs and that are not there yet; does nothing when all are.
 #
-#   scripts/setup.sh [build|test|dev|fuzz]
+#   scripts/setup.sh [build|test|dev|fuzz|package]
 #
 # build: compile the programs; test (the default): build and run the tests as well; dev: everything that the
-# checks before a commit use; fuzz: the coverage-guided fuzzers.
+# checks before a commit use; fuzz: the coverage-guided fuzzers; package: make the Debian package and
+# check it.
 set -eu
 
 build="g++ cmake ninja-build pkg-config libncurses-dev libasio-dev nlohmann-json3-dev libcli11-dev"
@@ -15,8 +16,9 @@ case "${1:-test}" in
     test) wanted=$test ;;
     dev) wanted="$test libbenchmark-dev clang-format shellcheck" ;;
     fuzz) wanted="$test clang" ;;
+    package) wanted="$build dpkg-dev file debootstrap" ;;
     *)
-        echo "usage: scripts/setup.sh [build|test|dev|fuzz]" >&2
+        echo "usage: scripts/setup.sh [build|test|dev|fuzz|package]" >&2
         exit 2
         ;;
 esac
