@@ -1,4 +1,5 @@
 // The console and its terminal: kinds of terminals, and how it is left however the console ends.
+#include <cctype>
 #include <csignal>
 #include <fstream>
 
@@ -8,42 +9,69 @@ namespace {
 
 struct Kind {
     const char* term;
+    const char* locale;
     bool colour;
+    TerminalSize size = {};
 };
 
 void PrintTo(const Kind& kind, std::ostream* os) {
-    *os << kind.term;
+    *os << kind.term << " " << kind.locale << " " << kind.size.cols << "x" << kind.size.rows;
+}
+
+// Where the counter's window comes up: in the middle, or as much of it as there is room for.
+struct Frame {
+    int top, left, bottom, right;
+};
+
+Frame frame_on(TerminalSize size) {
+    if (size == TerminalSize{}) return {6, 25, 17, 55};
+    return {0, 0, size.rows - 2, size.cols - 1};
 }
 
 class TerminalKind : public testing::TestWithParam<Kind> {};
 
 TEST_P(TerminalKind, ShowsFramesValuesAndAttributes) {
+    const auto [term, locale, colour, size] = GetParam();
+    const Frame frame = frame_on(size);
     Station station;
     auto counter = start_counter(station);
-    auto console = station.console({.arguments = {}, .size = {}, .term = GetParam().term});
-    ASSERT_TRUE(open_counter(*console));
-    EXPECT_TRUE(stands_at(*console, "Counter", 6, 25));
-    EXPECT_TRUE(console->wait_for([&] { return console->cell(17, 55).text == "┘"; }, "the whole frame"));
-    EXPECT_EQ(console->cell(17, 40).text, "─");
-    EXPECT_EQ(console->cell(10, 25).text, "│");
-    EXPECT_TRUE(console->cell(6, 25).bold) << "the focus shows without colours too";
-    EXPECT_EQ(console->cell(0, 0).bg, GetParam().colour ? TERMINAL_BLUE : TERMINAL_BLACK);
-    EXPECT_FALSE(console->cursor_visible() && std::string_view(GetParam().term) != "vt100");
+    auto console = station.console({.arguments = {}, .size = size, .term = term, .locale = locale});
+    ASSERT_TRUE(console->wait_for([&] { return console->cell(size.rows - 1, 0).text == "N"; }, "its letter"));
+    console->alt('N');
+    ASSERT_TRUE(console->shows("Last reading:"));
+    const auto is_at = [&](int y, int x, const char* text) {
+        return console->wait_for([&] { return console->cell(y, x).text == text; }, text);
+    };
+    EXPECT_TRUE(is_at(frame.top, frame.left, "┌"));
+    EXPECT_TRUE(is_at(frame.top, frame.right, "┐"));
+    EXPECT_TRUE(is_at(frame.bottom, frame.left, "└"));
+    EXPECT_TRUE(is_at(frame.bottom, frame.right, "┘"));
+    EXPECT_TRUE(is_at(frame.bottom, frame.left + 15, "─"));
+    EXPECT_TRUE(is_at(frame.top + 4, frame.left, "│"));
+    EXPECT_TRUE(is_at(frame.top + 4, frame.right, "│"));
+    EXPECT_TRUE(console->cell(frame.top, frame.left).bold) << "the focus shows without colours too";
+    EXPECT_EQ(console->cell(frame.top + 1, frame.left + 1).bg, colour ? TERMINAL_BLUE : TERMINAL_BLACK);
+    EXPECT_FALSE(colour && console->cursor_visible()) << "only some without colours cannot hide it";
 
-    console->press(Key::left);
-    EXPECT_TRUE(stands_at(*console, "Counter", 6, 24));
-    ASSERT_TRUE(choose_from_menu(*console, "Quit"));
+    console->type("\x03");
     EXPECT_TRUE(left_restored(*console));
 }
 
-INSTANTIATE_TEST_SUITE_P(All, TerminalKind,
-                         testing::Values(Kind{"vt100", false}, Kind{"linux", true},
-                                         Kind{"screen-256color", true}, Kind{"xterm-256color", true}),
-                         [](const auto& param) {
-                             std::string name = param.param.term;
-                             std::erase(name, '-');
-                             return name;
-                         });
+constexpr TerminalSize SMALLEST{8, 20};
+
+INSTANTIATE_TEST_SUITE_P(
+    All, TerminalKind,
+    testing::Values(Kind{"vt100", "C.UTF-8", false}, Kind{"vt100", "C", false, SMALLEST},
+                    Kind{"vt220", "C", false}, Kind{"xterm-mono", "C.UTF-8", false, SMALLEST},
+                    Kind{"linux", "C.UTF-8", true}, Kind{"linux", "C", true},
+                    Kind{"screen", "C", true, SMALLEST}, Kind{"screen-256color", "C.UTF-8", true},
+                    Kind{"tmux-256color", "C.UTF-8", true}, Kind{"xterm", "C", true},
+                    Kind{"xterm-256color", "C.UTF-8", true, SMALLEST}, Kind{"xterm-256color", "POSIX", true}),
+    [](const auto& param) {
+        std::string name = testing::PrintToString(param.param);
+        std::erase_if(name, [](unsigned char c) { return std::isalnum(c) == 0; });
+        return name;
+    });
 
 struct Ending {
     const char* name;

@@ -90,5 +90,6 @@ std::unique_ptr<Process> Station::simstation(std::vector<std::string> arguments)
 std::unique_ptr<Terminal> Station::console(const ConsoleOptions& options) {
     Command console = command("vesk.cursclient", options.arguments);
     console.env["TERM"] = options.term;
+    console.env["LANG"] = options.locale;
     return std::make_unique<Terminal>(console, options.size);
 }

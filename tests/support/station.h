@@ -36,6 +36,7 @@ struct ConsoleOptions {
     std::vector<std::string> arguments;
     TerminalSize size;
     std::string term = "xterm-256color";
+    std::string locale = "C.UTF-8";
 };
 
 class Station {
