@@ -42,9 +42,6 @@ id -u vesk >/dev/null || fail "no user vesk"
 for program in vesk.cursclient vesk.server vesk.simstation vesk.peer; do
     page=$(find /usr/share/man -name "$program.[18]")
     [ -s "$page" ] || fail "no manual page of $program"
-    for option in $("$program" --help 2>&1 | grep -oE -- '--[a-z][a-z-]+' | sort -u); do
-        sed 's/\\-/-/g' "$page" | grep -qF -- "$option" || fail "$page does not tell $option"
-    done
 done
 scenarios=/usr/share/doc/vesk/docs/scenarios
 [ -s "$scenarios/ordinary-day.txt" ] || fail "no scenarios"
