@@ -90,7 +90,6 @@ struct Terminal::Impl {
     VTerm* vt = nullptr;
     VTermScreen* screen = nullptr;
     bool alternate = false;
-    bool cursor = true;
     std::string output;
     std::optional<int> exit;
 
@@ -182,7 +181,6 @@ std::string Terminal::Impl::row(int y) const {
 int Terminal::Impl::on_property(VTermProp prop, VTermValue* value, void* self) {
     auto* impl = static_cast<Impl*>(self);
     if (prop == VTERM_PROP_ALTSCREEN) impl->alternate = value->boolean != 0;
-    if (prop == VTERM_PROP_CURSORVISIBLE) impl->cursor = value->boolean != 0;
     return 1;
 }
 
@@ -370,8 +368,12 @@ bool Terminal::alternate_screen() const {
     return impl_->alternate;
 }
 
+// By what the program asked for last: the emulator would bring the cursor's visibility back together with a
+// saved place, which no terminal does.
 bool Terminal::cursor_visible() const {
-    return impl_->cursor;
+    static constexpr std::string_view REQUEST = "\033[?25";
+    const std::size_t last = impl_->output.rfind(REQUEST);
+    return last == std::string::npos || impl_->output.substr(last + REQUEST.size(), 1) == "h";
 }
 
 bool Terminal::settings_changed() const {
