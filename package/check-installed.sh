@@ -111,8 +111,12 @@ apt_install --reinstall /root/release2/vesk_*.deb
 kill -0 "$server" || fail "a reinstallation ended the server"
 
 step "end"
+ended() {
+    ! as observer tmux has-session -t console 2>/dev/null
+}
+ended && fail "the console has ended by itself"
 as observer tmux send-keys -t console C-c
-await sh -c '! pgrep -x vesk.cursclient >/dev/null 2>&1 || false'
+await ended
 kill "$server"
 wait "$server" || fail "the server ended with status $?"
 
