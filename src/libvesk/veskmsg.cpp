@@ -11,6 +11,9 @@
 namespace {
 
 constexpr const char* CLIENT_NAME = "CLIENT";
+// A burst is read and delivered in portions of a full inbox, so that it needs no memory of its own; one that
+// does not end leaves the caller some time for other things.
+constexpr std::size_t MOST_PORTIONS = 4;
 constexpr double LOOK_SECONDS = 1.0;  // a waiting link is looked at that often, for its heartbeats
 
 using steady = std::chrono::steady_clock;
@@ -120,10 +123,15 @@ std::string VESKMSG_error(const VESKMSG_link* link) {
 
 void VESKMSG_process_messages(VESKMSG_link* link, VESKMSG_cb cb, void* param) {
     VESKMSG_state* const state = state_of(link);
-    state->pump();
-    for (std::size_t n = state->waiting(); n > 0 && state->waiting() > 0; --n) {
-        VESKMSG_received received = state->take();
-        state->deliver(&received, cb, param);
+    std::size_t portions = 0;
+    BOOL more = TRUE;  // the reading stopped for lack of room
+    while (more && portions++ < MOST_PORTIONS) {
+        state->pump();
+        more = state->inbox_full();
+        for (std::size_t n = state->waiting(); n > 0 && state->waiting() > 0; --n) {
+            VESKMSG_received received = state->take();
+            state->deliver(&received, cb, param);
+        }
     }
     state->pump();  // what the callbacks queued leaves now
 }

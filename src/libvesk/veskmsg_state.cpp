@@ -12,8 +12,8 @@
 
 namespace {
 
-// A caller that is slow to process stops the reading, not the machine.
-constexpr std::size_t INBOX_LIMIT = 16 * 1024 * 1024;
+// A caller that is slow to process stops the reading, not the machine: what waits then waits in the server.
+constexpr std::size_t INBOX_LIMIT = 4 * 1024 * 1024;
 constexpr std::size_t OUTPUT_LIMIT = 8 * 1024 * 1024;
 constexpr double HANDSHAKE_SECONDS = 10.0;
 

@@ -40,6 +40,8 @@ class VESKMSG_state final : private STREAM::owner {
     [[nodiscard]] BOOL all_sent() const { return stream_ == nullptr || stream_->queued() == 0; }
 
     [[nodiscard]] std::size_t waiting() const { return inbox_.size(); }
+    // So much waits that nothing more is read.
+    [[nodiscard]] bool inbox_full() const;
     // The message at the head of the queue; there is one.
     [[nodiscard]] VESKMSG_received take();
     // Gives one message to the listeners and to the callback, and keeps the list of instruments.
@@ -72,7 +74,6 @@ class VESKMSG_state final : private STREAM::owner {
     void complain_once(MSGCHECK_fault fault, const FRAME_message& m);
     void watch_time();
     void fail(const std::string& why);
-    [[nodiscard]] bool inbox_full() const;
 
     VESKMSG_link* link_;
     asio::io_context context_;  // before all that lives by it

@@ -267,7 +267,7 @@ TEST_F(Link, ServerThatDoesNotReadBoundsWhatIsQueued) {
 
 TEST_F(Link, CallerThatDoesNotTakeMessagesStopsTheReadingAndLosesNothing) {
     open();
-    constexpr std::size_t COUNT = 4000;  // 32 MB, twice what may wait
+    constexpr std::size_t COUNT = 4000;  // 32 MB, many times what may wait
     const FRAME_bytes m = message(MSG_LOG_MONITOR, 1, "", 0, "N11");
     for (std::size_t i = 0; i < COUNT; ++i)
         server_->send(m);
