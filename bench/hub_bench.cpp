@@ -1,5 +1,6 @@
-// Fan-out of one sender to many readers: deliveries per second through vesk.server, beside a raw relay that
-// only copies bytes from socket to sockets, and beside the broker mosquitto (QoS 0) when that is installed.
+// Fan-out of one sender to many readers: deliveries per second through vesk.server, and how long one message
+// takes to each of them, beside a raw relay that only copies bytes from socket to sockets, and beside the
+// broker mosquitto (QoS 0) when that is installed.
 // One load program drives them all, with the same payloads, in one run, so that the ratios hold on any
 // machine.
 //
@@ -12,6 +13,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <csignal>
@@ -27,6 +29,7 @@
 
 #include "libvesk/frame.h"
 #include "libvesk/netmsg.h"
+#include "table.h"
 
 namespace {
 
@@ -36,6 +39,7 @@ using seconds = std::chrono::duration<double>;
 // The record in the table of messages that is nearest to 600 bytes.
 constexpr NETMSG_type MESSAGE = MSG_COMMON_NEPH_SPANCHECK_RESULTS;
 constexpr std::size_t BATCH = 64;  // messages per write of the sender
+constexpr int ROUND_TRIPS = 2000;
 constexpr std::uint16_t FIRST_PORT = 18375;
 
 std::string g_folder;
@@ -199,7 +203,7 @@ contestant broker() {
     const auto serve = [where] {
         const std::string file = g_folder + "/mosquitto.conf";
         std::ofstream(file) << "listener " << where.port
-                            << " 127.0.0.1\nallow_anonymous true\nlog_type none\n";
+                            << " 127.0.0.1\nallow_anonymous true\nset_tcp_nodelay true\nlog_type none\n";
         execlp("mosquitto", "mosquitto", "-c", file.c_str(), nullptr);
         execl("/usr/sbin/mosquitto", "mosquitto", "-c", file.c_str(), nullptr);
         _exit(1);
@@ -260,11 +264,42 @@ void drain(counts* c) {
 }
 
 struct result {
-    double rate = 0;  // deliveries per second
-    double lost = 0;  // per cent of what was due
+    double rate = 0;    // deliveries per second
+    double lost = 0;    // per cent of what was due
+    double median = 0;  // microseconds from the sender's write to a reader
+    double slow = 0;    // the same for one delivery in a hundred
 };
 
-result load(const contestant& who, int sender, const std::vector<int>& readers, double duration) {
+// One message at a time, the next when every reader has it.
+void latency(const contestant& who, int sender, const std::vector<int>& readers, result* r) {
+    std::vector<double> times;
+    std::vector<std::byte> buffer(64 * 1024);
+    for (int i = 0; i < ROUND_TRIPS; ++i) {
+        std::vector<pollfd> waiting;
+        std::vector<std::size_t> missing(readers.size(), who.message.size());
+        for (const int fd : readers)
+            waiting.push_back({fd, POLLIN, 0});
+        const auto began = steady::now();
+        if (!write_all(sender, who.message)) die("latency");
+        for (std::size_t left = readers.size(); left > 0;) {
+            if (poll(waiting.data(), waiting.size(), 5000) <= 0) die("a message did not arrive");
+            for (std::size_t n = 0; n < readers.size(); ++n) {
+                if (waiting[n].revents == 0) continue;
+                const ssize_t got = recv(waiting[n].fd, buffer.data(), buffer.size(), MSG_DONTWAIT);
+                if (got > 0) missing[n] -= static_cast<std::size_t>(got);
+                if (missing[n] > 0) continue;
+                times.push_back(seconds(steady::now() - began).count() * 1e6);
+                waiting[n].fd = -1;
+                --left;
+            }
+        }
+    }
+    std::sort(times.begin(), times.end());
+    r->median = times[times.size() / 2];
+    r->slow = times[times.size() * 99 / 100];
+}
+
+void load(const contestant& who, int sender, const std::vector<int>& readers, double duration, result* r) {
     counts c;
     std::thread reading(read_all, std::cref(readers), &c);
     std::thread sending(send_all, sender, std::cref(who.message), &c);
@@ -282,8 +317,8 @@ result load(const contestant& who, int sender, const std::vector<int>& readers, 
     reading.join();
     const auto size = static_cast<double>(who.message.size());
     const double due = static_cast<double>(c.sent) * static_cast<double>(readers.size()) * size;
-    return {static_cast<double>(after - before) / size / took.count(),
-            100.0 * (1.0 - static_cast<double>(c.received) / due)};
+    r->rate = static_cast<double>(after - before) / size / took.count();
+    r->lost = 100.0 * (1.0 - static_cast<double>(c.received) / due);
 }
 
 // Nothing when the contestant is not there.
@@ -298,7 +333,11 @@ result run(const contestant& who, std::size_t count, double duration) {
         (i < count ? who.join_reader : who.join_sender)(sender);
         if (i < count) readers.push_back(sender);
     }
-    const result r = sender >= 0 ? load(who, sender, readers, duration) : result{};
+    result r;
+    if (sender >= 0) {
+        latency(who, sender, readers, &r);
+        load(who, sender, readers, duration, &r);
+    }
     for (const int fd : readers)
         close(fd);
     close(sender);
@@ -307,26 +346,39 @@ result run(const contestant& who, std::size_t count, double duration) {
     return r;
 }
 
+std::string quotient(double a, double b) {
+    return b > 0 ? TABLE_number(a / b, 2) : "-";
+}
+
+void show_rates(const std::string& what, const result& hub, const result& broker, const result& raw) {
+    const std::string measured = TABLE_number(hub.rate) + "/s";
+    if (broker.rate > 0)
+        TABLE_row(what, measured, "mosquitto " + TABLE_number(broker.rate) + "/s",
+                  quotient(hub.rate, broker.rate), "at least 5");
+    TABLE_row(what, measured, "raw relay " + TABLE_number(raw.rate) + "/s", quotient(hub.rate, raw.rate),
+              "at least 0.25");
+    if (hub.lost > 0.001) TABLE_row(what + ", lost", TABLE_number(hub.lost, 3) + " %");
+}
+
+void show_latency(const std::string& what, const result& hub, const result& broker, const result& raw) {
+    const auto text = [](const result& r) {
+        return TABLE_number(r.median, 1) + " us (1 in 100: " + TABLE_number(r.slow, 1) + ")";
+    };
+    if (broker.rate > 0)
+        TABLE_row(what, text(hub), "mosquitto " + text(broker), quotient(hub.median, broker.median));
+    TABLE_row(what, text(hub), "raw relay " + text(raw), quotient(hub.median, raw.median));
+}
+
 void compare(std::size_t readers, double duration) {
-    const std::vector<contestant> all{relay(readers), broker(),
-                                      hub("vesk.server, unix socket", {g_folder + "/hub.sock", 0}),
-                                      hub("vesk.server, TCP", {"", FIRST_PORT})};
-    double relay_rate = 0;
-    double broker_rate = 0;
-    std::printf("\n%zu readers, %zu bytes a message\n", readers, payload().size());
-    for (const contestant& who : all) {
-        const result r = run(who, readers, duration);
-        if (&who == &all[0]) relay_rate = r.rate;
-        if (&who == &all[1]) broker_rate = r.rate;
-        if (r.rate == 0) {
-            std::printf("  %-26s not installed\n", who.name);
-            continue;
-        }
-        std::printf("  %-26s %10.0f deliveries/s  %5.2f of the relay", who.name, r.rate, r.rate / relay_rate);
-        if (broker_rate > 0) std::printf("  %5.1f times the broker", r.rate / broker_rate);
-        std::printf("  %.1f %% lost\n", r.lost);
-        std::fflush(stdout);
-    }
+    const result raw = run(relay(readers), readers, duration);
+    const result other = run(broker(), readers, duration);
+    const result local = run(hub("vesk.server", {g_folder + "/hub.sock", 0}), readers, duration);
+    const result tcp = run(hub("vesk.server", {"", FIRST_PORT}), readers, duration);
+    const std::string to = " to " + std::to_string(readers) + (readers == 1 ? " reader" : " readers");
+    show_rates("deliveries" + to, local, other, raw);
+    show_rates("deliveries" + to + ", TCP", tcp, other, raw);
+    show_latency("latency" + to, local, other, raw);
+    show_latency("latency" + to + ", TCP", tcp, other, raw);
 }
 
 }  // namespace
