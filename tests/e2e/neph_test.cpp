@@ -201,7 +201,7 @@ TEST_F(Nephelometers, OfTheSimulatedStationGoThroughAllPhases) {
     EXPECT_TRUE(monitor_->wait_for([&] { return was_seen("SPANCHECK_RESULTS"); }));
     EXPECT_FALSE(was_seen(issued_to("N31")));
     EXPECT_FALSE(one_->find("M903 neph:")) << "it did not take part";
-    EXPECT_TRUE(one_->find("Press enter to close this window."));
+    EXPECT_TRUE(one_->shows("Press enter to close this window."));
 }
 
 }  // namespace
