@@ -111,11 +111,13 @@ TEST_F(Storm, OfKeysBreaksNothing) {
 
 TEST_F(Storm, QuitWithEveryWindowOpen) {
     simulate();
-    for (const Deadline end(stress_time(std::chrono::seconds(2))); !end.passed();) {
+    int consoles = 0;
+    for (const Deadline end(stress_time(std::chrono::seconds(2))); !end.passed(); ++consoles) {
         auto console = open();
         ASSERT_TRUE(choose_from_menu(*console, "Quit"));
         ASSERT_TRUE(left_restored(*console));
     }
+    RecordProperty("consoles", consoles);
     EXPECT_TRUE(all_run());
 }
 
