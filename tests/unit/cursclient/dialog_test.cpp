@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 
 #include "cursclient/passwd.h"
@@ -77,18 +76,6 @@ TEST_F(Dialog, SetLoggingIsGuarded) {
                 ElementsAre(ServerEnd::Sent{MSG_LOG_SET_STATE, 1, "N11", "NET_LOG_SetState", {0}}));
     DIALOG_DEFALT_set_logging_passwd(TRUE, nullptr);
     EXPECT_THAT(server.received(), IsEmpty());
-}
-
-TEST_F(Dialog, Attributes) {
-    ASSERT_NE(DIALOG_create("menu", 10), nullptr);
-    const std::string screen = look();
-    const std::size_t at = screen.find("menu");
-    ASSERT_NE(at, std::string::npos) << screen;
-    EXPECT_EQ(TestScreen::color_pair(newscr, static_cast<int>(std::count(&screen[0], &screen[at], '\n')),
-                                     static_cast<int>(at - screen.rfind('\n', at) - 1)) |
-                  1,
-              CP_YELLOW_BLUE)
-        << "white or yellow on blue";
 }
 
 }  // namespace

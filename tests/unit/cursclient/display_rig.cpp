@@ -10,17 +10,32 @@
 #include "cursclient/displays/command.h"
 #include "libvesk/records/server.h"
 #include "libvesk/util.h"
+#include "peer/json_line.h"
+#include "peer/json_record.h"
 
 using ::testing::AnyOf;
-
-std::vector<DisplayRig::Sent> DisplayRig::sent;
 
 namespace {
 
 FTIME g_now = 0;
+std::vector<std::string> g_sent;
 
-std::string text(const char* s) {
-    return s != nullptr ? s : "";
+// The monitor's way to write records shows every value of a message.
+BOOL note_sent(NETMSG_type msg, DWORD flags, const char* dest, const void* payload, std::size_t size,
+               const char* record) {
+    const NETMSG_entry* entry = NETMSG_by_type(msg);
+    std::string line = entry->name;
+    if (flags != 0) line += " flags " + std::to_string(flags);
+    if (dest != nullptr && *dest != '\0') line += std::string(" to ") + dest;
+    if (record != nullptr) {
+        EXPECT_EQ(entry->dsd, NETDSD_by_name(record)) << line << " travels with " << record;
+        EXPECT_EQ(entry->dsd->total_size, size) << line;
+        JSONREC_append_record(&(line += ' '), entry->dsd, payload);
+    } else {
+        EXPECT_EQ(size, 0u) << line;
+    }
+    g_sent.push_back(line);
+    return TRUE;
 }
 
 void cut_blanks(std::string* line) {
@@ -33,13 +48,8 @@ DisplayRig::DisplayRig(int lines, int cols) {
     start(lines, cols);
     set_time(START);
     UTIL_set_clock([] { return g_now; });
-    sent.clear();
-    COMMAND_set_sender([](NETMSG_type msg, DWORD flags, const char* dest, const void* payload,
-                          std::size_t size, const char* record) -> BOOL {
-        const char* bytes = static_cast<const char*>(payload);
-        sent.push_back({msg, flags, text(dest), text(record), std::string(bytes, bytes + size)});
-        return TRUE;
-    });
+    g_sent.clear();
+    COMMAND_set_sender(note_sent);
     EXPECT_TRUE(DISPLAY_init());
 }
 
@@ -72,6 +82,15 @@ void DisplayRig::receive(const char* source, NETMSG_type msg, const NETDSD_entry
     message_proc(&pm, nullptr);
 }
 
+void DisplayRig::report(const char* source, NETMSG_type msg, const std::string& payload) {
+    const std::string line =
+        std::string(R"({"msg":")") + NETMSG_by_type(msg)->name + R"(","payload":)" + payload + "}";
+    JSONLINE_message message;
+    std::string error;
+    ASSERT_TRUE(JSONLINE_read(line, &message, &error)) << error << " in " << line;
+    receive(source, msg, message.dsd, message.payload.data());
+}
+
 WINS_window* DisplayRig::window(const char* ident) {
     WINS_UID uid{};
     UTIL_strcpynt(uid, ident);
@@ -82,6 +101,12 @@ WINS_window* DisplayRig::focus(const char* ident) {
     WINS_window* win = window(ident);
     WINS_focus_window(win);
     return win;
+}
+
+void DisplayRig::choose(const char* ident, std::string_view buttons) {
+    focus(ident);
+    press('m');
+    type(buttons);
 }
 
 void DisplayRig::redraw() {
@@ -137,4 +162,8 @@ int DisplayRig::color(const char* ident, int y, int x) {
 std::string DisplayRig::screen_text() {
     DISPLAY_update();
     return look();
+}
+
+std::vector<std::string> DisplayRig::take_sent() {
+    return std::exchange(g_sent, {});
 }

@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cursclient/wins.h"
@@ -15,24 +15,7 @@
 
 class DisplayRig : public ConsoleTest {
   protected:
-    // One message that a display queued.
-    struct Sent {
-        NETMSG_type msg;
-        DWORD flags;
-        std::string dest;  // "" for none
-        std::string record;
-        std::string payload;  // its bytes
-
-        // The payload as a record; fails the test when it is another.
-        template <class R>
-        [[nodiscard]] R as() const {
-            R value{};
-            EXPECT_EQ(record, NETDSD_of<R>()->name);
-            EXPECT_EQ(payload.size(), sizeof value);
-            if (payload.size() == sizeof value) std::memcpy(&value, payload.data(), sizeof value);
-            return value;
-        }
-    };
+    static constexpr int TAB = 9, ENTER = 13, ESCAPE = 27;
 
     explicit DisplayRig(int lines = 40, int cols = 100);
     ~DisplayRig() override;
@@ -51,9 +34,14 @@ class DisplayRig : public ConsoleTest {
         receive(source, msg, NETDSD_of<R>(), &record);
     }
 
+    // The same from the record's values as JSON; those left out are missing.
+    static void report(const char* source, NETMSG_type msg, const std::string& payload);
+
     static WINS_window* window(const char* ident);
     // Shows and focuses it.
     static WINS_window* focus(const char* ident);
+    // Opens the menu of a window and presses buttons.
+    static void choose(const char* ident, std::string_view buttons);
     static void redraw();
     // The window after a redraw that has drawn it, whether it was in view or not.
     static WINS_window* redrawn(const char* ident);
@@ -66,5 +54,7 @@ class DisplayRig : public ConsoleTest {
     // The whole screen, dialogs included.
     static std::string screen_text();
 
-    static std::vector<Sent> sent;
+    // What displays sent since the last call, a line each: "MSG_LOG_FLUSH flags 1" for all, "MSG_MAAP_ADVANCE
+    // to A82" for one instrument; with a record, its values in order follow as JSON.
+    static std::vector<std::string> take_sent();
 };

@@ -4,7 +4,6 @@
 #include <cstring>
 
 #include "cursclient/displays/watlow.h"
-#include "cursclient/passwd.h"
 #include "display_rig.h"
 #include "libvesk/records/loopctl.h"
 #include "libvesk/util.h"
@@ -12,10 +11,10 @@
 
 namespace {
 
+using ::testing::AllOf;
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using ::testing::Not;
-
-constexpr int ENTER = 13;
+using ::testing::IsEmpty;
 
 class LovePid : public DisplayRig {
   protected:
@@ -30,10 +29,7 @@ class LovePid : public DisplayRig {
         UTIL_strcpynt(s.error[2].error, error);
         receive("C11", MSG_LOVEPID_STATUS, s);
     }
-    static void open_setpoint_dialog() {
-        focus(WINDOW);
-        type("m2");
-    }
+    static void open_setpoint_dialog() { choose(WINDOW, "2"); }
 };
 
 TEST_F(LovePid, OneRowForEachAddressAndNoneForEmptySlots) {
@@ -53,78 +49,34 @@ Addr      SP       PV      Avg  Last Avg
 }
 
 TEST_F(LovePid, TheSetPointGoesToTheChosenAddress) {
+    open_setpoint_dialog();
+    EXPECT_FALSE(CURSDIALOG_active()) << "without an address there is nothing to set";
     receive("C11", MSG_LOVEPID_SETPOINTS, NET_LOVEPID_Setpoints{{40.0, 0, -5.25, 0}});
     status({0x10, 0, 0x2A, 0}, {TRUE, TRUE, TRUE, TRUE});
     open_setpoint_dialog();
-    EXPECT_THAT(screen_text(), HasSubstr("Setpoint: 40.00"));
-    EXPECT_THAT(screen_text(), HasSubstr("Address:  10"));
-    press(KEY_UP);
-    press(KEY_UP);
-    press(ENTER);  // the list of addresses, on the present one
-    press(KEY_DOWN);
-    press(ENTER);
+    EXPECT_THAT(screen_text(), AllOf(HasSubstr("Setpoint: 40.00"), HasSubstr("Address:  10")));
+    press({KEY_UP, KEY_UP, ENTER, KEY_DOWN, ENTER});  // the next in the list of addresses
     EXPECT_THAT(screen_text(), HasSubstr("Address:  2A"));
     press(KEY_UP);
     type("12.5");
-    press(KEY_DOWN);
-    press(KEY_DOWN);
-    press(ENTER);
-    ASSERT_EQ(sent.size(), 1u);
-    EXPECT_EQ(sent[0].msg, MSG_LOVEPID_SET);
-    EXPECT_EQ(sent[0].flags, 0u);
-    EXPECT_EQ(sent[0].dest, "C11");
-    const auto set = sent[0].as<NET_LOVEPID_Setpoint>();
-    EXPECT_EQ(+set.sp, 12.5);
-    EXPECT_EQ(+set.addr, 0x2A);
+    press({KEY_DOWN, KEY_DOWN, ENTER});
+    EXPECT_THAT(take_sent(), ElementsAre(R"(MSG_LOVEPID_SET to C11 {"sp":12.5,"addr":42})"));
     EXPECT_FALSE(CURSDIALOG_active());
 
     open_setpoint_dialog();
     EXPECT_THAT(screen_text(), HasSubstr("Setpoint: -5.25")) << "the address set last is preferred";
-    press(27);
+    press({KEY_UP, KEY_UP, ENTER});
+    EXPECT_THAT(screen_text(), HasSubstr("+ Address +"));
+    press(ESCAPE);
+    EXPECT_THAT(screen_text(), HasSubstr("Change setpoint")) << "only the list is closed";
+    press(ESCAPE);
+    EXPECT_FALSE(CURSDIALOG_active());
     status({0x10, 0, 0, 0}, {TRUE, TRUE, TRUE, TRUE});
     open_setpoint_dialog();
     EXPECT_THAT(screen_text(), HasSubstr("Address:  10")) << "unless its controller is gone";
-}
-
-TEST_F(LovePid, CancelIsFocusedAndADisplayThatWentSendsNothing) {
-    open_setpoint_dialog();
-    EXPECT_FALSE(CURSDIALOG_active()) << "without an address there is nothing to set";
-    status({0x10, 0, 0, 0}, {TRUE, TRUE, TRUE, TRUE});
-    open_setpoint_dialog();
     press(ENTER);
-    EXPECT_FALSE(CURSDIALOG_active());
-    open_setpoint_dialog();
-    press(KEY_LEFT);
-    leave("C11");
-    press(ENTER);
-    EXPECT_FALSE(CURSDIALOG_active());
-    EXPECT_TRUE(sent.empty());
-}
-
-TEST_F(LovePid, ClosingTheSetPointDialogClosesItsListOfAddresses) {
-    status({0x10, 0x11, 0, 0}, {TRUE, TRUE, TRUE, TRUE});
-    open_setpoint_dialog();
-    press(KEY_UP);
-    press(KEY_UP);
-    press(ENTER);
-    EXPECT_THAT(screen_text(), HasSubstr("+ Address +"));
-    press(27);
-    EXPECT_THAT(screen_text(), HasSubstr("Change setpoint"));
-    press(27);
-    EXPECT_FALSE(CURSDIALOG_active());
-}
-
-TEST_F(LovePid, ThePasswordGuardsTheSetPoint) {
-    status({0x10, 0, 0, 0}, {TRUE, TRUE, TRUE, TRUE});
-    UTIL_strcpynt(g_passwd, "abc");
-    open_setpoint_dialog();
-    type("wrong");
-    press(ENTER);
-    EXPECT_FALSE(CURSDIALOG_active());
-    open_setpoint_dialog();
-    type("abc");
-    press(ENTER);
-    EXPECT_THAT(screen_text(), HasSubstr("Change setpoint"));
+    EXPECT_FALSE(CURSDIALOG_active()) << "Cancel is focused";
+    EXPECT_THAT(take_sent(), IsEmpty());
 }
 
 class Watlow : public DisplayRig {
@@ -159,35 +111,24 @@ TEST_F(Watlow, ShowsItsTwoChannelsAndItsErrors) {
     EXPECT_EQ(row(WINDOW, 4), "");
 }
 
-TEST_F(Watlow, OnlyTheChangedChannelIsSent) {
+TEST_F(Watlow, OnlyTheChangedChannelIsSentAndOnlyWhileItIsThere) {
+    const auto open = [this] {
+        WATLOW_change_setpoint(uid_);
+        EXPECT_THAT(screen_text(), HasSubstr("Setpoint A: 25.0"));
+    };
     receive("C12", MSG_WATLOW_SETPOINTS, NET_WATLOW_Channels{25.0, -3.5});
-    WATLOW_change_setpoint(uid_);
-    EXPECT_THAT(screen_text(), HasSubstr("Setpoint A: 25.0"));
-    press(KEY_UP);
-    press(KEY_UP);
-    type("7");
-    press(9);  // on to "Apply"
+    open();
+    press({KEY_UP, KEY_UP, '7', TAB, ENTER});
+    EXPECT_THAT(take_sent(), ElementsAre(R"(MSG_WATLOW_SET to C12 {"chan":"B","val":7})"));
+    open();
+    press({KEY_LEFT, ENTER});
+    EXPECT_THAT(take_sent(), IsEmpty()) << "unchanged channels are not sent";
+    open();
+    press({KEY_UP, KEY_UP, '7', TAB});
+    leave("C12");
     press(ENTER);
-    ASSERT_EQ(sent.size(), 1u);
-    EXPECT_EQ(sent[0].msg, MSG_WATLOW_SET);
-    EXPECT_EQ(sent[0].dest, "C12");
-    EXPECT_EQ(sent[0].as<NET_WATLOW_OneChannel>().chan, 'B');
-    const auto value = sent[0].as<NET_WATLOW_OneChannel>();
-    EXPECT_EQ(+value.val, 7.0);
-
-    WATLOW_change_setpoint(uid_);
-    press(KEY_LEFT);
-    press(ENTER);
-    EXPECT_EQ(sent.size(), 1u) << "unchanged channels are not sent";
-}
-
-TEST_F(Watlow, TheMenuHasOneEntry) {
-    focus(WINDOW);
-    type("m");
-    EXPECT_THAT(screen_text(), HasSubstr("1 Hide window"));
-    EXPECT_THAT(screen_text(), Not(HasSubstr("2 ")));
-    type("1");
-    EXPECT_FALSE(window(WINDOW)->visible);
+    EXPECT_THAT(take_sent(), IsEmpty());
+    EXPECT_FALSE(CURSDIALOG_active());
 }
 
 }  // namespace

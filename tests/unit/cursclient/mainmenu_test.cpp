@@ -21,6 +21,7 @@
 #include "support/console.h"
 #include "support/server_end.h"
 
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -64,7 +65,7 @@ class MainMenu : public ConsoleTest {
     }
 };
 
-TEST_F(MainMenu, Order) {
+TEST_F(MainMenu, OrderAndNames) {
     EXPECT_THAT(names(),
                 ElementsAre("  Client options", "  Disk operations", "  Save configuration", "  Quit"));
     add('c', "third");
@@ -81,17 +82,9 @@ TEST_F(MainMenu, Order) {
     MAINMENU_deleteentry(last);
     MAINMENU_deleteentry(nullptr);
     EXPECT_EQ(names().back(), "  Quit");
-}
 
-TEST_F(MainMenu, Names) {
-    EXPECT_STREQ(add('7', "digit")->name, "7 digit");
     EXPECT_STREQ(add('x', nullptr)->name, "x ");
     EXPECT_EQ(std::string(add('x', std::string(80, 'n').c_str())->name), "x " + std::string(61, 'n'));
-    const MAINMENU_entry* entry = add('y', "y");
-    EXPECT_EQ(MAINMENU_selectbyuid(entry->uid), entry);
-    EXPECT_EQ(MAINMENU_selectbyuid(entry->uid + 1), nullptr);
-    MAINMENU_show_entry(nullptr);
-    MAINMENU_show_entry(MAINMENU_addentry('z', "no callback", nullptr, nullptr));
 }
 
 TEST_F(MainMenu, AltChoosesByCharacter) {
@@ -108,36 +101,28 @@ TEST_F(MainMenu, AltChoosesByCharacter) {
         int character;
         const char* chosen;
     };
-    for (const Row& row : {Row{'A', "A"}, Row{'a', "A"}, Row{'b', "B2b"}, Row{'B', "B2b"}, Row{'C', "C"},
-                           Row{'c', "c"}, Row{'!', "!"}, Row{'x', ""}, Row{' ', ""}, Row{0, ""}}) {
+    for (const Row& row : {Row{'A', "A"}, Row{'a', "A"}, Row{'B', "B2b"}, Row{'C', "C"}, Row{'c', "c"},
+                           Row{'!', "!"}, Row{'x', ""}, Row{' ', ""}, Row{0, ""}}) {
         EXPECT_EQ(chosen_by(CURSKEYS_ALT + row.character), row.chosen) << row.character;
         EXPECT_EQ(chosen_by(0x80 | row.character), row.chosen) << row.character;
         EXPECT_EQ(MAINMENU_keypress(CURSKEYS_ALT + row.character), *row.chosen != '\0') << row.character;
     }
     for (const int key :
-         {0xFF, CURSKEYS_ALT + 0xFE, CURSKEYS_ALT + 0xFF, static_cast<int>('A'), KEY_F(1), -1})
+         {0xFF, CURSKEYS_ALT + 0xFE, CURSKEYS_ALT + 0xFF, static_cast<int>('A'), KEY_DOWN, KEY_F(1), -1}) {
         EXPECT_EQ(chosen_by(key), "") << key;
+        EXPECT_FALSE(MAINMENU_keypress(key)) << key;
+    }
     EXPECT_FALSE(CURSDIALOG_active());
-}
 
-TEST_F(MainMenu, AltBringsUpEveryDisplayOfACharacter) {
-    WINS_window* first = WINS_create("first", 10, 5);
-    WINS_window* second = WINS_create("second", 10, 5);
-    for (WINS_window* w : {first, second})
-        ASSERT_NE(MAINMENU_addentry('n', w->ident, MAINMENU_default_focus_window, w), nullptr);
-    ASSERT_NE(MAINMENU_addentry('n', "none", MAINMENU_default_focus_window, nullptr), nullptr);
-    press(CURSKEYS_ALT + 'N');
-    EXPECT_TRUE(first->visible && second->visible);
-    EXPECT_TRUE(first->focused) << "the older one is called last";
-}
-
-TEST_F(MainMenu, AnEntryMayDeleteOthersWhenItIsChosen) {
     static MAINMENU_entry* victim;
     victim = add('k', "victim", "victim");
     ASSERT_NE(MAINMENU_addentry(
                   'k', "killer", [](void*) { MAINMENU_deleteentry(victim); }, nullptr),
               nullptr);
-    EXPECT_EQ(chosen_by(CURSKEYS_ALT + 'k'), "");
+    EXPECT_EQ(chosen_by(CURSKEYS_ALT + 'k'), "") << "an entry may delete others when it is chosen";
+    MAINMENU_show_entry(nullptr);
+    MAINMENU_default_focus_window(nullptr);
+    MAINMENU_show_entry(MAINMENU_addentry('z', "no callback", nullptr, nullptr));
 }
 
 TEST_F(MainMenu, OpensAndChooses) {
@@ -159,38 +144,34 @@ TEST_F(MainMenu, OpensAndChooses) {
 
 TEST_F(MainMenu, Columns) {
     struct Row {
+        const char* what;
         int entries, lines, cols, width;
-        int rows_per_column, columns;  // expected
+        std::vector<int> heads;  // numbers of the entries that stand in the first row
     };
     for (const Row& row : {
-             Row{60, 50, 80, 20, 30, 2}, Row{40, 50, 80, 20, 40, 1},  // exactly 0.8 of the lines
-             Row{41, 50, 80, 20, 21, 2},                              // halves are rounded up
-             Row{200, 24, 80, 30, 100, 2},  // joined again until narrow enough, then scrolled
-             Row{60, 24, 80, 18, 15, 4}, Row{10, 24, 20, 30, 10, 1},  // a name wider than the screen
+             Row{"0.8 of the lines", 40, 50, 80, 20, {0}},
+             Row{"one more: halves are rounded up", 41, 50, 80, 20, {0, 21}},
+             Row{"many", 60, 24, 80, 18, {0, 15, 30, 45}},
+             Row{"joined again until narrow enough, then scrolled", 200, 24, 80, 30, {0, 100}},
+             Row{"a name wider than the screen", 10, 24, 20, 30, {0}},
          }) {
         start(row.lines, row.cols);
-        for (int i = 0; i < row.entries - 4; ++i) {
-            char name[64];
-            std::snprintf(name, sizeof name, "n%03d%s", i, std::string(row.width - 6, '.').c_str());
-            add('!', name);
+        for (int i = 1; i < row.entries - 3; ++i) {
+            char name[16];
+            std::snprintf(name, sizeof name, "#%03d", i);
+            add('!', (name + std::string(row.width - 6, '.')).c_str());
         }
         ASSERT_EQ(g_mainmenu_entrys.count, row.entries);
+        const auto all = names();
         press('\r');
         const std::string screen = look();
-        const std::size_t first = screen.find("Client options");
+        const std::size_t first = screen.find(all[0].substr(2, 8));
         ASSERT_NE(first, std::string::npos) << screen;
         const std::string line = screen.substr(first, screen.find('\n', first) - first);
-        std::size_t at = 0;
-        for (int column = 1; column < row.columns; ++column) {
-            const std::string head = names()[column * row.rows_per_column].substr(2, 4);
-            if (column * (row.width + 1) + 8 > row.cols) break;  // scrolled out
-            const std::size_t found = line.find(head, at);
-            EXPECT_NE(found, std::string::npos) << head << " heads column " << column << "\n" << screen;
-            at = found;
-        }
-        EXPECT_EQ(std::count(line.begin(), line.end(), 'n') - 1,  // the n's of "Client options" but for one
-                  row.columns)
-            << screen;
+        EXPECT_EQ(std::count(line.begin(), line.end(), '#') + 1, static_cast<long>(row.heads.size()))
+            << row.what;
+        for (const int head : row.heads)
+            EXPECT_THAT(line, HasSubstr(all[head].substr(2, 4))) << row.what << '\n' << screen;
     }
 }
 
@@ -202,7 +183,6 @@ TEST_F(MainMenu, SaveConfigurationWritesEverything) {
     g_conffile = file;
     g_errordisp_show_time = 4.25;
     g_conf_enable_color = FALSE;
-    UTIL_strcpynt(g_passwd, "abc");
     ASSERT_NE(WINS_create("neph:N11", 10, 5), nullptr);
     choose("Save configuration");
     CONF_free(g_conf);
@@ -212,7 +192,6 @@ TEST_F(MainMenu, SaveConfigurationWritesEverything) {
     unlink(file);
     EXPECT_STREQ(CONF_lookup(g_conf, "Settings;ErrorDisplayTime"), "4.2");
     EXPECT_STREQ(CONF_lookup(g_conf, "Settings;EnableColor"), "FALSE");
-    EXPECT_STREQ(CONF_lookup(g_conf, "Settings;Password"), "abc");
     EXPECT_STREQ(CONF_lookup(g_conf, "Windows;neph:N11;XPos"), "35");
 }
 
@@ -250,11 +229,7 @@ TEST_F(MainMenu, QuitRaisesTheInterruptSignal) {
 
 TEST_F(MainMenu, ClientOptions) {
     choose("Client options");
-    std::string screen = look();
-    EXPECT_THAT(screen, HasSubstr("Client options"));
-    EXPECT_THAT(screen, HasSubstr("Error display time: 2.0"));
-    EXPECT_THAT(screen, HasSubstr("[*] Enable colors"));
-
+    EXPECT_THAT(look(), AllOf(HasSubstr("Error display time: 2.0"), HasSubstr("[*] Enable colors")));
     type("5.5\r");
     EXPECT_EQ(g_errordisp_show_time, 5.5);
     EXPECT_THAT(look(), HasSubstr("Error display time: 5.5"));
@@ -263,17 +238,19 @@ TEST_F(MainMenu, ClientOptions) {
         EXPECT_EQ(g_errordisp_show_time, 5.5) << wrong;
     }
 
+    const auto background = [] {
+        short color = -1;
+        short unused = -1;
+        pair_content(CP_RED_BLUE, &unused, &color);
+        return color;
+    };
     press({CURSKEYS_TAB, '\r'});
     EXPECT_FALSE(g_conf_enable_color);
     EXPECT_THAT(look(), HasSubstr("[ ] Enable colors"));
-    short foreground = -1;
-    short background = -1;
-    pair_content(CP_RED_BLUE, &foreground, &background);
-    EXPECT_EQ(background, COLOR_BLACK) << "at once";
+    EXPECT_EQ(background(), COLOR_BLACK) << "at once";
     press('\r');
     EXPECT_TRUE(g_conf_enable_color);
-    pair_content(CP_RED_BLUE, &foreground, &background);
-    EXPECT_EQ(background, COLOR_BLUE);
+    EXPECT_EQ(background(), COLOR_BLUE);
 
     press({CURSKEYS_TAB, CURSKEYS_TAB, '\r'});
     EXPECT_FALSE(CURSDIALOG_active());
@@ -301,7 +278,6 @@ TEST_F(MainMenu, DiskOperations) {
     const ServerEnd::Sent switch_files{
         MSG_LOG_SWITCHFILES, 1, "", "NET_LOG_SwitchFiles", {0x00, 0xF1, 0x53, 0x65}};  // 1700000000
     choose("Disk operations");
-    EXPECT_THAT(look(), HasSubstr("Disk operations"));
     press('\r');
     EXPECT_FALSE(CURSDIALOG_active());
     EXPECT_THAT(server.received(), ElementsAre(flush));
@@ -309,29 +285,17 @@ TEST_F(MainMenu, DiskOperations) {
     const auto start_new_files = [] { press({CURSKEYS_CTRL_D, CURSKEYS_TAB, '\r'}); };
     start_new_files();
     EXPECT_THAT(server.received(), ElementsAre(switch_files)) << "no password, no question";
-
     UTIL_strcpynt(g_passwd, "abc");
     start_new_files();
     type("ABC\r");
     EXPECT_FALSE(CURSDIALOG_active());
-    start_new_files();
-    press(CURSKEYS_ESCAPE);
-    EXPECT_FALSE(CURSDIALOG_active());
-    EXPECT_THAT(server.received(), IsEmpty());
-    start_new_files();
-    type("abc\r");
-    EXPECT_THAT(server.received(), ElementsAre(switch_files));
-
-    press({CURSKEYS_CTRL_D, '\r'});
-    EXPECT_THAT(server.received(), ElementsAre(flush)) << "flushing is not guarded";
     press({CURSKEYS_CTRL_D, CURSKEYS_TAB, CURSKEYS_TAB, '\r'});
     EXPECT_FALSE(CURSDIALOG_active());
-    EXPECT_THAT(server.received(), IsEmpty());
-}
-
-TEST_F(MainMenu, OtherKeysAreLeftAlone) {
-    for (const int key : {static_cast<int>('m'), KEY_DOWN, 1, 0x20002, KEY_F(5)})
-        EXPECT_FALSE(MAINMENU_keypress(key)) << key;
+    EXPECT_THAT(server.received(), IsEmpty()) << "a wrong password, and the button that only closes";
+    start_new_files();
+    type("abc\r");
+    press({CURSKEYS_CTRL_D, '\r'});
+    EXPECT_THAT(server.received(), ElementsAre(switch_files, flush)) << "flushing is not guarded";
 }
 
 }  // namespace

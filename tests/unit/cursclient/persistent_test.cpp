@@ -2,7 +2,6 @@
 // the log entry and the state that displays share.
 #include <gmock/gmock.h>
 
-#include <cstring>
 #include <string>
 
 #include "cursclient/displays/commonstate.h"
@@ -14,8 +13,10 @@
 
 namespace {
 
+using ::testing::AllOf;
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using ::testing::Not;
+using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
 // Windows without a name of their own are numbered in the order in which the displays come up.
@@ -26,8 +27,6 @@ constexpr const char* MESSAGES = "MESSAGING";
 
 constexpr int CTRL_E = 5;
 constexpr int CTRL_H = 8;
-constexpr int ENTER = 13;
-constexpr int ESCAPE = 27;
 
 class Persistent : public DisplayRig {
   protected:
@@ -67,9 +66,17 @@ TEST_F(Persistent, TheStripShowsTheLastFourErrorsForTheConfiguredTime) {
     set_time(START + 3.0);
     redraw();
     EXPECT_FALSE(shown(STRIP));
+
+    log_line("before the clock is set back");
+    set_time(START - 3600.0);
+    redraw();
+    EXPECT_TRUE(shown(STRIP));
+    set_time(START - 3600.0 + 2.1);
+    redraw();
+    EXPECT_FALSE(shown(STRIP)) << "the deadline did not stay in the future";
 }
 
-TEST_F(Persistent, NotesAndOtherRecordsDoNotRaiseTheStrip) {
+TEST_F(Persistent, NotesDoNotRaiseTheStripAndThePinDoesForGood) {
     log_line("a note", NET_LOG_MONITOR_NOTE);
     receive("LOGGER", MSG_LOG_MONITOR);
     receive("LOGGER", MSG_LOG_MONITOR, NET_LOG_Info{TRUE});
@@ -79,28 +86,13 @@ TEST_F(Persistent, NotesAndOtherRecordsDoNotRaiseTheStrip) {
     EXPECT_FALSE(shown(STRIP));
     press(CTRL_E);
     EXPECT_THAT(inside(STRIP), HasSubstr("kept, not shown"));
-}
-
-TEST_F(Persistent, OnceThePinWasUsedNoDeadlineHidesTheStripAgain) {
-    press(CTRL_E);
-    EXPECT_TRUE(shown(STRIP));
     press(CTRL_E);
     EXPECT_FALSE(shown(STRIP));
+    g_errordisp_show_time = 2.0;
     log_line("later");
     set_time(START + 1000.0);
     redraw();
-    EXPECT_TRUE(shown(STRIP));
-}
-
-TEST_F(Persistent, AClockThatIsSetBackDoesNotHoldTheStripUp) {
-    g_errordisp_show_time = 2.0;
-    log_line("before");
-    set_time(START - 3600.0);
-    redraw();
-    EXPECT_TRUE(shown(STRIP));
-    set_time(START - 3600.0 + 2.1);
-    redraw();
-    EXPECT_FALSE(shown(STRIP));
+    EXPECT_TRUE(shown(STRIP)) << "once the pin was used no deadline counts";
 }
 
 TEST_F(Persistent, LongAndUnprintableErrorsStayInsideTheStrip) {
@@ -112,7 +104,8 @@ TEST_F(Persistent, LongAndUnprintableErrorsStayInsideTheStrip) {
 }
 
 TEST_F(Persistent, TheHelpPageScrollsAndKeepsItsArithmetic) {
-    focus(HELP);
+    press(KEY_F(1));
+    EXPECT_TRUE(window(HELP)->focused);
     EXPECT_EQ(inside(HELP), R"(
                   Use PGUP/PGDN to scroll
                     General keystrokes
@@ -130,18 +123,10 @@ CTRL-D        Display the disk operations menu
     EXPECT_EQ(color(HELP, 4, 1), -CP_YELLOW_BLUE);
     press(KEY_NPAGE);
     EXPECT_THAT(row(HELP, 1), StartsWith("CTRL-W"));
-    press(KEY_NPAGE);
-    press(KEY_NPAGE);
+    press({KEY_NPAGE, KEY_NPAGE});
     EXPECT_THAT(row(HELP, 1), StartsWith("CTRL-M")) << "18 lines, the last first line is 4";
-    for (int i = 0; i < 3; ++i)
-        press(KEY_PPAGE);
+    press({KEY_PPAGE, KEY_PPAGE, KEY_PPAGE});
     EXPECT_THAT(row(HELP, 1), HasSubstr("Use PGUP"));
-}
-
-TEST_F(Persistent, F1AndCtrlHShowAndHideTheHelp) {
-    press(KEY_F(1));
-    EXPECT_TRUE(shown(HELP));
-    EXPECT_TRUE(window(HELP)->focused);
     press(CTRL_H);
     EXPECT_FALSE(shown(HELP));
 }
@@ -155,9 +140,6 @@ TEST_F(Persistent, AMessageComesToTheFrontAndWrapsUnderItself) {
     EXPECT_EQ(row(MESSAGES, 3), "         cc");
     message("");
     EXPECT_EQ(row(MESSAGES, 4), "22:13:20");
-}
-
-TEST_F(Persistent, TheThirteenthMessageScrollsTheOldestAway) {
     for (int i = 1; i <= 13; ++i)
         message("number " + std::to_string(i));
     EXPECT_EQ(row(MESSAGES, 1), "22:13:20 number 2");
@@ -167,49 +149,34 @@ TEST_F(Persistent, TheThirteenthMessageScrollsTheOldestAway) {
 TEST_F(Persistent, AMessageIsSentOnceAndShownWhenItComesBack) {
     focus(MESSAGES);
     press(ENTER);
-    EXPECT_TRUE(sent.empty()) << "an empty entry sends nothing";
+    EXPECT_THAT(take_sent(), IsEmpty()) << "an empty entry sends nothing";
     type("hallo");
-    press(KEY_BACKSPACE);
-    press(127);
+    press({KEY_BACKSPACE, 127});
     type("lo there");
     EXPECT_EQ(row(MESSAGES, 13), "hallo there");
     press(ENTER);
-    ASSERT_EQ(sent.size(), 1u);
-    EXPECT_EQ(sent[0].msg, MSG_MESSAGING_MESSAGE);
-    EXPECT_EQ(sent[0].flags, 1u);
-    EXPECT_EQ(sent[0].dest, "");
-    EXPECT_STREQ(sent[0].as<NETDS_MESSAGE_OneMessage>().contents, "hallo there");
+    EXPECT_THAT(take_sent(), ElementsAre(AllOf(StartsWith("MSG_MESSAGING_MESSAGE flags 1 {"),
+                                               HasSubstr(R"("contents":"hallo there"})"))));
     EXPECT_EQ(row(MESSAGES, 13), "");
     EXPECT_EQ(row(MESSAGES, 1), "") << "shown only when the server sends it back";
-}
 
-TEST_F(Persistent, TheEntryHoldsAFullMessageAndNoMore) {
-    focus(MESSAGES);
     type(std::string(2100, 'x') + "y");
     EXPECT_EQ(row(MESSAGES, 13), std::string(58, 'x'));
     press(ENTER);
-    EXPECT_EQ(std::strlen(sent.at(0).as<NETDS_MESSAGE_OneMessage>().contents), 2047u);
+    EXPECT_THAT(take_sent(), ElementsAre(HasSubstr(":\"" + std::string(2047, 'x') + "\"")))
+        << "an entry holds a full message and no more";
 }
 
 TEST_F(Persistent, ANoteGoesIntoTheLogWithoutRaisingTheStrip) {
     press(KEY_F(12));
     ASSERT_TRUE(window(LOG_ENTRY)->focused);
-    type("inlet cleaned");
-    press(ENTER);
+    type("inlet cleaned\r");
     EXPECT_FALSE(shown(LOG_ENTRY));
-    ASSERT_EQ(sent.size(), 1u);
-    EXPECT_EQ(sent[0].msg, MSG_LOG_MONITOR);
-    EXPECT_EQ(sent[0].flags, 1u);
-    const auto note = sent[0].as<NET_LOG_MonitorMessage>();
-    EXPECT_EQ(note.flags, 2);
-    EXPECT_STREQ(note.msg, "USER: inlet cleaned");
-    const double msgtime = note.msgtime;
-    EXPECT_EQ(msgtime, START);
-
+    EXPECT_THAT(take_sent(), ElementsAre("MSG_LOG_MONITOR flags 1 "
+                                         R"({"flags":2,"msgtime":1.7e+09,"msg":"USER: inlet cleaned"})"));
     press(KEY_F(12));
-    type("   ");
-    press(ENTER);
-    EXPECT_EQ(sent.size(), 1u) << "blanks are no note";
+    type("   \r");
+    EXPECT_THAT(take_sent(), IsEmpty()) << "blanks are no note";
     EXPECT_FALSE(shown(LOG_ENTRY));
 }
 
