@@ -106,7 +106,7 @@ class server_side {
 class peer_side {
   public:
     peer_side() {
-        static const wire::Folder folder;
+        static const TemporaryFolder folder;
         static const std::string path = folder / "server.sock";
         static const int listener = listen_at(path);
         VESKMSG_connect_params params;

@@ -2,118 +2,61 @@
 // what those calls have already put into the socket.
 #include "support/server_end.h"
 
-#include <poll.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
-
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
 #include <ostream>
+#include <stdexcept>
 
 #include "cursclient/cursclient.h"
 #include "libvesk/netmsg.h"
-#include "libvesk/util.h"
 
 namespace {
 
-using namespace std::chrono_literals;
-
-[[noreturn]] void die(const char* what) {
-    std::perror(what);
-    std::abort();
-}
-
-bool readable(int fd) {
-    pollfd p{.fd = fd, .events = POLLIN, .revents = 0};
-    return poll(&p, 1, 0) == 1;
-}
-
-void send_all(int fd, FRAME_span bytes) {
-    if (::send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT) !=
-        static_cast<ssize_t>(bytes.size()))
-        die("send");
+void expect(bool holds, const char* what) {
+    if (!holds) throw std::runtime_error(what);
 }
 
 }  // namespace
 
 ServerEnd::ServerEnd() {
-    char name[] = "/tmp/vesk-test-XXXXXX";
-    if (mkdtemp(name) == nullptr) die("mkdtemp");
-    directory_ = name;
-    const std::string path = directory_ + "/server.sock";
-    listen_at(path);
-
+    const std::string path = folder_ / "server.sock";
+    const wire::Listener listener(path);
     VESKMSG_connect_params params;
     VESKMSG_init_params(&params);
     params.id_str = "CLIENT";
     params.host_override = path.c_str();
-    if (!INST_connect(&g_lnk, &params)) die("INST_connect");
-    accept_and_welcome();
+    expect(INST_connect(&g_lnk, &params), "the console does not connect");
+
+    peer_.emplace(listener.next());
+    send(wire::welcome());
+    const auto take = [] {
+        VESKMSG_process_messages(
+            &g_lnk.msg_lnk, [](VESKMSG_proc_msg*, void*) {}, nullptr);
+    };
+    expect(wire::until(take, [] { return g_lnk.msg_lnk.stat == VESKMSG_S_OPEN; }),
+           "the console's link did not open");
 }
 
 ServerEnd::~ServerEnd() {
     INST_disconnect(&g_lnk);
-    close(peer_);
-    close(listener_);
-    unlink((directory_ + "/server.sock").c_str());
-    rmdir(directory_.c_str());
-}
-
-void ServerEnd::listen_at(const std::string& path) {
-    listener_ = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    UTIL_strcpynt(address.sun_path, path.c_str());
-    if (bind(listener_, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||
-        listen(listener_, 1) != 0)
-        die("listening");
-}
-
-void ServerEnd::accept_and_welcome() {
-    const auto deadline = std::chrono::steady_clock::now() + 10s;
-    while (g_lnk.msg_lnk.stat != VESKMSG_S_OPEN) {
-        if (std::chrono::steady_clock::now() > deadline) die("the console's link did not open");
-        VESKMSG_process_messages(
-            &g_lnk.msg_lnk, [](VESKMSG_proc_msg*, void*) {}, nullptr);
-        if (peer_ == -1 && readable(listener_)) {
-            peer_ = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
-            FRAME_bytes welcome;
-            FRAME_encode_welcome(&welcome);
-            send_all(peer_, welcome);
-        }
-    }
-}
-
-void ServerEnd::read_some() {
-    const auto space = reader_.space();
-    const ssize_t n = recv(peer_, space.data(), space.size(), MSG_DONTWAIT);
-    if (n > 0) reader_.commit(static_cast<std::size_t>(n));
 }
 
 void ServerEnd::send(FRAME_span frames) {
-    send_all(peer_, frames);
+    peer_->send(frames);
+    peer_->write();
+    expect(peer_->unsent() == 0, "more than the socket holds");
 }
 
 std::vector<ServerEnd::Sent> ServerEnd::received() {
-    if (!VESKMSG_flush(&g_lnk.msg_lnk, 10)) die("the console's messages do not leave");
-    std::vector<Sent> all;
-    for (;;) {
-        FRAME frame;
-        const FRAME_status status = reader_.next(&frame);
-        if (status == FRAME_BROKEN) die(reader_.error().c_str());
-        if (status == FRAME_MORE) {
-            if (!readable(peer_)) return all;
-            read_some();
-        } else if (frame.kind == FRAME_MESSAGE) {
-            const auto m = FRAME_decode_message(frame);
-            if (!m) die("a broken message");
-            const auto* payload = reinterpret_cast<const std::uint8_t*>(m->payload.data());
-            all.push_back({m->type, m->flags, std::string(m->dest), std::string(m->record),
-                           std::vector<std::uint8_t>(payload, payload + m->payload.size())});
-        }
+    expect(VESKMSG_flush(&g_lnk.msg_lnk, 10), "the console's messages do not leave");
+    while (peer_->look()) {
     }
+    std::vector<Sent> all;
+    for (const wire::Seen& f : peer_->frames()) {
+        if (f.kind != FRAME_MESSAGE) continue;
+        const auto* payload = reinterpret_cast<const std::uint8_t*>(f.payload.data());
+        all.push_back({f.value, f.flags, f.dest, f.record, {payload, payload + f.payload.size()}});
+    }
+    peer_->frames().clear();
+    return all;
 }
 
 std::ostream& operator<<(std::ostream& out, const ServerEnd::Sent& s) {

@@ -3,10 +3,11 @@
 
 #include <cstdint>
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "libvesk/frame.h"
+#include "support/wire.h"
 
 class ServerEnd {
   public:
@@ -31,12 +32,6 @@ class ServerEnd {
     std::vector<Sent> received();
 
   private:
-    void listen_at(const std::string& path);
-    void accept_and_welcome();
-    void read_some();
-
-    std::string directory_;
-    int listener_ = -1;
-    int peer_ = -1;
-    FRAME_reader reader_;
+    TemporaryFolder folder_;
+    std::optional<wire::End> peer_;
 };

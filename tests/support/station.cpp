@@ -5,26 +5,10 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
-
-TemporaryFolder::TemporaryFolder() {
-    std::string name = "/tmp/vesk-test-XXXXXX";
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("cannot make a folder under /tmp");
-    path_ = name;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
-std::string TemporaryFolder::operator/(std::string_view name) const {
-    return (path_ / name).string();
-}
 
 std::string read_file(const std::string& path) {
     std::ifstream file(path, std::ios::binary);

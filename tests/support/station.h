@@ -2,28 +2,14 @@
 // consoles and monitors a test starts on it. Everything ends and goes with it.
 #pragma once
 
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "support/folder.h"
 #include "support/process.h"
 #include "support/terminal.h"
-
-// A folder under /tmp (short enough for a socket's name), removed with everything in it when destroyed.
-class TemporaryFolder {
-  public:
-    TemporaryFolder();
-    ~TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    [[nodiscard]] std::string operator/(std::string_view name) const;
-
-  private:
-    std::filesystem::path path_;
-};
 
 [[nodiscard]] std::string read_file(const std::string& path);
 void write_file(const std::string& path, std::string_view content);

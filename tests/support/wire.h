@@ -4,13 +4,11 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <stdlib.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
 
 #include <chrono>
-#include <filesystem>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -19,6 +17,7 @@
 
 #include "libvesk/frame.h"
 #include "libvesk/netmsg.h"
+#include "support/folder.h"
 
 namespace wire {
 
@@ -32,22 +31,6 @@ template <class ROUND, class DONE>
     }
     return true;
 }
-
-class Folder {
-  public:
-    Folder() {
-        char name[] = "/tmp/vesk-test-XXXXXX";
-        if (mkdtemp(name) == nullptr) throw std::runtime_error("mkdtemp");
-        path_ = name;
-    }
-    ~Folder() { std::filesystem::remove_all(path_); }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-    [[nodiscard]] std::string operator/(const std::string& name) const { return path_ + "/" + name; }
-
-  private:
-    std::string path_;
-};
 
 // A frame as a test looks at it; of a message also what it carries.
 struct Seen {
@@ -93,6 +76,22 @@ inline FRAME_bytes hello(FRAME_peer_kind kind, const std::string& name,
     return out;
 }
 
+inline FRAME_bytes welcome() {
+    FRAME_bytes out;
+    FRAME_encode_welcome(&out);
+    return out;
+}
+inline FRAME_bytes heartbeat() {
+    FRAME_bytes out;
+    FRAME_encode_heartbeat(&out);
+    return out;
+}
+inline FRAME_bytes refusal(BYTE reason, const std::string& text = "") {
+    FRAME_bytes out;
+    FRAME_encode_refusal(&out, {reason, FRAME_VERSION, text});
+    return out;
+}
+
 inline sockaddr_un address(const std::string& path) {
     sockaddr_un a{};
     a.sun_family = AF_UNIX;
@@ -127,8 +126,8 @@ class End {
         const ssize_t n = unsent_.empty() ? 0 : ::send(fd_, unsent_.data(), unsent_.size(), MSG_NOSIGNAL);
         if (n > 0) unsent_.erase(unsent_.begin(), unsent_.begin() + n);
     }
-    // Writes and reads what can be; what arrived joins frames().
-    void look() {
+    // Writes and reads what can be; what arrived joins frames(). Whether anything came.
+    bool look() {
         write();
         const auto space = reader_.space();
         const ssize_t n = recv(fd_, space.data(), space.size(), 0);
@@ -141,6 +140,7 @@ class End {
             } else {
                 ++heartbeats_;
             }
+        return n > 0;
     }
     // Takes up to `most` bytes off the socket without looking at them.
     std::size_t skip(std::size_t most) {
@@ -163,6 +163,28 @@ class End {
     std::vector<Seen> frames_;
     int heartbeats_ = 0;
     bool ended_ = false;
+};
+
+// Listens at a path, as the servers do that tests play.
+class Listener {
+  public:
+    explicit Listener(const std::string& path) : fd_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+        const sockaddr_un a = address(path);
+        if (bind(fd_, reinterpret_cast<const sockaddr*>(&a), sizeof a) != 0 || listen(fd_, 4) != 0)
+            throw std::runtime_error("cannot listen at " + path);
+    }
+    ~Listener() { close(fd_); }
+    Listener(const Listener&) = delete;
+    Listener& operator=(const Listener&) = delete;
+
+    // The next connection; throws when none comes for a long while.
+    [[nodiscard]] End next() const {
+        pollfd p{fd_, POLLIN, 0};
+        return End(poll(&p, 1, 20000) == 1 ? accept(fd_, nullptr, nullptr) : -1);
+    }
+
+  private:
+    int fd_;
 };
 
 }  // namespace wire

@@ -23,15 +23,8 @@ class LinkRig : public testing::Test {
 
     void SetUp() override {
         UTIL_set_clock([] { return clock_; });
-        listener_ = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        const sockaddr_un a = wire::address(path());
-        ASSERT_EQ(bind(listener_, reinterpret_cast<const sockaddr*>(&a), sizeof a), 0);
-        ASSERT_EQ(listen(listener_, 4), 0);
     }
-    void TearDown() override {
-        UTIL_set_clock(nullptr);
-        close(listener_);
-    }
+    void TearDown() override { UTIL_set_clock(nullptr); }
     [[nodiscard]] std::string path() const { return folder_ / "server.sock"; }
 
     BOOL connect(const char* name = "CLIENT", BOOL monitor = FALSE) {
@@ -42,14 +35,12 @@ class LinkRig : public testing::Test {
         params.host_override = host.c_str();
         params.monitor = monitor;
         const BOOL ok = INST_connect(&inst_, &params);
-        if (ok) server_ = std::make_unique<wire::End>(accept(listener_, nullptr, nullptr));
+        if (ok) server_ = std::make_unique<wire::End>(listener_.next());
         return ok;
     }
     void open(const char* name = "CLIENT") {
         ASSERT_TRUE(connect(name)) << VESKMSG_error(link());
-        FRAME_bytes welcome;
-        FRAME_encode_welcome(&welcome);
-        server_->send(welcome);
+        server_->send(wire::welcome());
         ASSERT_TRUE(until([this] { return link()->stat == VESKMSG_S_OPEN; }));
         server_->frames().clear();
     }
@@ -85,8 +76,8 @@ class LinkRig : public testing::Test {
     }
 
     static inline double clock_ = 1.7e9;
-    wire::Folder folder_;
-    int listener_ = -1;
+    TemporaryFolder folder_;
+    wire::Listener listener_{path()};
     INST_link inst_;
     std::unique_ptr<wire::End> server_;
     std::vector<Got> got_;

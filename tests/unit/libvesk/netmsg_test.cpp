@@ -7,70 +7,22 @@
 
 #include "libvesk/records/cpc.h"
 #include "libvesk/records/log.h"
-#include "libvesk/records/server.h"
 
 namespace {
 
-// The numbers travel: a name inserted or lost anywhere moves the first of some family.
+// The numbers travel: a name inserted or lost moves all that follow it.
 constexpr struct {
     NETMSG_type first;
     int value;
 } FAMILIES[] = {
-    {MSG_AETHALOMETER_REPORT, 0},
-    {MSG_AINSIMPLE_AVERAGE, 2},
-    {MSG_BESTUPS_AVERAGE, 5},
-    {MSG_CAPS_AVERAGE, 8},
-    {MSG_CCN_AVERAGE, 14},
-    {MSG_CLAP3W_AVERAGE, 22},
-    {MSG_COMMON_CNC_AVERAGE, 37},
-    {MSG_COMMON_NEPH_AVERAGE, 39},
-    {MSG_COMMON_PSAP_AVERAGE, 46},
-    {MSG_CONTAMINATION_BYPASS, 48},
-    {MSG_CPC_3010_AVERAGE, 60},
-    {MSG_CPC_3022_AVERAGE, 63},
-    {MSG_CPC_3703_AVERAGE, 66},
-    {MSG_CPC_3775_AVERAGE, 69},
-    {MSG_CPC_3781_AVERAGE, 72},
-    {MSG_CPC_3783_AVERAGE, 75},
-    {MSG_CPC_BMI1710_AVERAGE, 78},
-    {MSG_CPC_PULSE_AVERAGE, 81},
-    {MSG_CR1000_AVERAGE, 84},
-    {MSG_CUTPOINTS_CHANGE_CUTPOINT, 89},
-    {MSG_DISPAGGREGATOR_ALL, 93},
-    {MSG_FILTER_BYPASS, 94},
-    {MSG_FLASK_INFO, 104},
-    {MSG_GENERICPID_INFO, 108},
-    {MSG_GPS_AVERAGE, 119},
-    {MSG_GRIMM_AVERAGE, 124},
-    {MSG_HUMIDOGRAPH_CHANGE_SETPOINT, 128},
-    {MSG_HYGROMETER_AVERAGE, 132},
-    {MSG_IO_AVG, 135},
-    {MSG_LASAIR_AVERAGE, 143},
-    {MSG_LOG_AVG_BYPASS, 147},
-    {MSG_LOVEPID_AVERAGE, 162},
-    {MSG_MAAP_ADVANCE, 167},
-    {MSG_MESSAGING_MESSAGE, 171},
-    {MSG_NEPHAURORA3000_AVERAGE, 172},
-    {MSG_NEPHM903_AVERAGE, 179},
-    {MSG_NEPH_AVERAGE, 182},
-    {MSG_NOTIFY_CLIENT_CONNECT, 191},
-    {MSG_OZONEMON_AVERAGE, 193},
-    {MSG_PAX_AVERAGE, 199},
-    {MSG_PILS_INSTANT, 203},
-    {MSG_PSAP3_AVERAGE, 210},
-    {MSG_PSAP_AVERAGE, 216},
-    {MSG_PWD22_REPORT, 222},
-    {MSG_RAWDATAREC_INFO, 224},
-    {MSG_SEMS_D, 226},
-    {MSG_SERVER_CLIENTHANDSHAKE, 232},
-    {MSG_TDL_AVERAGE, 237},
-    {MSG_TEST_ONE, 240},
-    {MSG_TSITMF_AVERAGE, 243},
-    {MSG_UMAC_AVERAGE, 246},
-    {MSG_VELOCICALC_AVERAGE, 252},
-    {MSG_VERTICALPROFILE_ALL, 256},
-    {MSG_WATLOW_AVERAGE, 261},
-    {MSG_ZENO_REPORT, 266},
+    {MSG_AETHALOMETER_REPORT, 0},   {MSG_CCN_AVERAGE, 14},
+    {MSG_COMMON_NEPH_AVERAGE, 39},  {MSG_COMMON_PSAP_AVERAGE, 46},
+    {MSG_CONTAMINATION_BYPASS, 48}, {MSG_CPC_PULSE_AVERAGE, 81},
+    {MSG_DISPAGGREGATOR_ALL, 93},   {MSG_GENERICPID_INFO, 108},
+    {MSG_HYGROMETER_AVERAGE, 132},  {MSG_LOVEPID_AVERAGE, 162},
+    {MSG_NEPH_AVERAGE, 182},        {MSG_PAX_AVERAGE, 199},
+    {MSG_PSAP_AVERAGE, 216},        {MSG_SERVER_CLIENTHANDSHAKE, 232},
+    {MSG_TSITMF_AVERAGE, 243},      {MSG_VERTICALPROFILE_ALL, 256},
     {NET_SERVER_ADDFILTER, 268},
 };
 
@@ -85,7 +37,6 @@ TEST(Netmsg, EveryTypeIsFoundByNumberAndByName) {
         ASSERT_NE(entry, nullptr);
         EXPECT_EQ(entry->msg, i);
         EXPECT_EQ(NETMSG_by_name(entry->name), entry) << entry->name;
-        EXPECT_STREQ(entry->meta_types, "");
         EXPECT_TRUE(i == 0 || std::string(NETMSG_by_type(i - 1)->name) < entry->name) << entry->name;
     }
 }
@@ -107,8 +58,6 @@ TEST(Netmsg, TiesNameRecordsThatAreFoundByThatName) {
     }
     EXPECT_GE(tied, 40);
     EXPECT_EQ(NETMSG_by_type(MSG_CPC_BMI1710_AVERAGE)->dsd, NETDSD_of<NET_CPC_BMI1710_Reading>());
-    EXPECT_EQ(NETMSG_by_type(MSG_SERVER_INSTRUMENTINFO)->dsd, NETDSD_of<NET_SERVER_InstrumentInfo>());
-    EXPECT_STREQ(NETMSG_by_type(MSG_MESSAGING_MESSAGE)->ds_tie, "NETDS_MESSAGE_OneMessage");
     EXPECT_EQ(NETMSG_by_type(MSG_LOG_FLUSH)->dsd, nullptr);
 }
 

@@ -4,7 +4,6 @@
 #include <string>
 
 #include "libvesk/netdsd.h"
-#include "libvesk/records/log.h"
 #include "support/records.h"
 
 namespace {
@@ -35,15 +34,6 @@ TEST(Records, AnyBytesAreCleanAfterOneCleaning) {
         NETDSD_sanitize(dsd, defaults.data());
         EXPECT_EQ(defaults, default_record(dsd)) << dsd->name;
     }
-}
-
-// Doubles are aligned on 4 bytes, not on 8: the layout that instruments in other languages must write.
-TEST(Records, DoublesFollowOnTheNextMultipleOfFour) {
-    EXPECT_EQ(NETDSD_field_by_name(NETDSD_of<NET_LOG_MonitorMessage>(), "msgtime")->offset, 4u);
-    EXPECT_EQ(NETDSD_field_by_name(NETDSD_of<NET_LOG_MonitorMessage>(), "msg")->offset, 12u);
-    EXPECT_EQ(NETDSD_field_by_name(NETDSD_of<NET_LOG_AVG_Bypass>(), "flush_until")->offset, 4u);
-    EXPECT_EQ(NETDSD_field_by_name(NETDSD_by_name("NET_CPC_3775_Instant"), "running")->offset, 108u);
-    EXPECT_EQ(NETDSD_field_by_name(NETDSD_by_name("NET_CPC_BMI1710_Instant"), "fill_count")->offset, 248u);
 }
 
 }  // namespace

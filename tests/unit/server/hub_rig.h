@@ -25,12 +25,17 @@ class HubRig : public testing::Test {
         params.log = [this](const std::string& line) { log_.push_back(line); };
         UTIL_set_clock([] { return clock_; });
         hub_ = std::make_unique<HUB>(params);
-        listener_ = std::make_unique<LISTENER>(
+        listener_ = listen({path(), {}, 0});
+    }
+    // One more way into the hub.
+    std::unique_ptr<LISTENER> listen(const ADDRESS& address) {
+        auto listener = std::make_unique<LISTENER>(
             context_,
             [this](STREAM::socket_type s, std::string where) { hub_->adopt(std::move(s), std::move(where)); },
-            [](const std::string&) {});
+            [this](const std::string& line) { listener_log_.push_back(line); });
         std::string why;
-        ASSERT_TRUE(listener_->listen({path(), {}, 0}, &why)) << why;
+        EXPECT_TRUE(listener->listen(address, &why)) << why;
+        return listener;
     }
     void TearDown() override {
         listener_.reset();
@@ -109,11 +114,12 @@ class HubRig : public testing::Test {
 
     static constexpr DWORD VESKMSG_FLAG_TO_ALL = 1;
 
-    wire::Folder folder_;
+    TemporaryFolder folder_;
     asio::io_context context_;
     std::unique_ptr<HUB> hub_;
     std::unique_ptr<LISTENER> listener_;
     std::vector<std::string> log_;
+    std::vector<std::string> listener_log_;
     std::vector<std::unique_ptr<wire::End>> peers_;
     static inline double clock_ = 1.7e9;
 

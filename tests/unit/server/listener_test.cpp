@@ -22,13 +22,9 @@ mode_t mode_of(const std::string& path) {
     return lstat(path.c_str(), &st) == 0 ? st.st_mode & 07777 : 0;
 }
 
-// Listens and binds nothing to a name: what a server that was killed leaves behind.
+// What a server that was killed leaves behind.
 void leave_dead_socket(const std::string& path) {
-    const int fd = socket(AF_UNIX, SOCK_STREAM, 0);
-    const sockaddr_un a = wire::address(path);
-    ASSERT_EQ(bind(fd, reinterpret_cast<const sockaddr*>(&a), sizeof a), 0);
-    ASSERT_EQ(listen(fd, 1), 0);
-    close(fd);
+    const wire::Listener gone_at_once(path);
 }
 
 class ListenerPath : public testing::Test {
@@ -39,7 +35,7 @@ class ListenerPath : public testing::Test {
         fd_ = at->bind(path, &why);
         return fd_ >= 0 ? "" : why;
     }
-    wire::Folder folder_;
+    TemporaryFolder folder_;
     std::string path_ = folder_ / "run/server.sock";
     int fd_ = -1;
 };
@@ -118,18 +114,14 @@ using ListenerRig = HubRig;
 
 TEST_F(ListenerRig, LinksConnectOverTcpAndReadWhatInstrumentsSay) {
     start();
-    LISTENER tcp(
-        context_,
-        [this](STREAM::socket_type s, std::string where) { hub_->adopt(std::move(s), std::move(where)); },
-        [](const std::string&) {});
-    std::string why;
-    ASSERT_TRUE(tcp.listen({"", "127.0.0.1", 0}, &why)) << why;
-    EXPECT_THAT(tcp.text(), testing::MatchesRegex("127\\.0\\.0\\.1:[1-9][0-9]*"));
+    auto tcp = listen({"", "127.0.0.1", 0});
+    EXPECT_THAT(tcp->text(), testing::MatchesRegex("127\\.0\\.0\\.1:[1-9][0-9]*"));
 
     INST_link link;
     VESKMSG_connect_params params;
     VESKMSG_init_params(&params);
-    params.host_override = tcp.text().c_str();
+    const std::string host = tcp->text();
+    params.host_override = host.c_str();
     ASSERT_TRUE(INST_connect(&link, &params)) << VESKMSG_error(&link.msg_lnk);
     wire::End& a = instrument("A1");
     a.send(wire::message(MSG_CPC_3010_STATUS, VESKMSG_TO_ALL | VESKMSG_KEEP));
@@ -146,24 +138,19 @@ TEST_F(ListenerRig, LinksConnectOverTcpAndReadWhatInstrumentsSay) {
     EXPECT_THAT(got, testing::ElementsAre("A1 MSG_CPC_3010_STATUS"));
     LISTENER second(context_, {}, {});
     ADDRESS taken;
-    ASSERT_TRUE(ADDRESS_parse(tcp.text(), &taken, &why));
+    std::string why;
+    ASSERT_TRUE(ADDRESS_parse(host, &taken, &why));
     EXPECT_FALSE(second.listen(taken, &why));
     EXPECT_THAT(why, HasSubstr("Address already in use"));
+    tcp.reset();
+    pump();
+    EXPECT_THAT(listener_log_, testing::IsEmpty()) << "its end is no failure";
 }
 
 TEST_F(ListenerRig, RunningOutOfDescriptorsNeitherSpinsNorEndsIt) {
 #ifdef __SANITIZE_ADDRESS__
     GTEST_SKIP() << "the sanitizers need descriptors of their own to look at memory";
 #endif
-    std::vector<std::string> lines;
-    start();
-    listener_.reset();
-    listener_ = std::make_unique<LISTENER>(
-        context_,
-        [this](STREAM::socket_type s, std::string where) { hub_->adopt(std::move(s), std::move(where)); },
-        [&](const std::string& line) { lines.push_back(line); });
-    std::string why;
-    ASSERT_TRUE(listener_->listen({path(), {}, 0}, &why)) << why;
     wire::End& waiting = raw();
     waiting.send(wire::hello(FRAME_PEER_CLIENT, "CLIENT"));
     waiting.write();
@@ -177,7 +164,7 @@ TEST_F(ListenerRig, RunningOutOfDescriptorsNeitherSpinsNorEndsIt) {
         listener_->tick();
     }
     setrlimit(RLIMIT_NOFILE, &before);
-    EXPECT_EQ(lines.size(), 1U);
+    EXPECT_EQ(listener_log_.size(), 1U);
     EXPECT_EQ(hub_->count(), 0U);
     EXPECT_TRUE(until([&] {
         listener_->tick();

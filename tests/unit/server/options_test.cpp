@@ -25,19 +25,15 @@ TEST(Options, TakesWhatItIsGiven) {
     EXPECT_EQ(plain->socket.path, "/tmp/here.sock");
     EXPECT_TRUE(plain->listen.empty());
 
-    const auto all =
-        parse({"--socket", "/x/y.sock", "--listen", "[::1]:9", "--listen", "station", "-v", "--queue-bytes",
-               "100000", "--stall-seconds", "2", "--heartbeat", "1", "--silence", "6"},
-              &status);
+    const auto all = parse({"--socket", "/x/y.sock", "--listen", "[::1]:9", "--listen", "station",
+                            "--queue-bytes", "100000", "--silence", "6"},
+                           &status);
     ASSERT_TRUE(all);
     EXPECT_EQ(all->socket.path, "/x/y.sock");
     ASSERT_EQ(all->listen.size(), 2U);
     EXPECT_EQ(ADDRESS_text(all->listen[0]), "[::1]:9");
     EXPECT_EQ(ADDRESS_text(all->listen[1]), "station:8375");
-    EXPECT_TRUE(all->verbose);
     EXPECT_EQ(all->hub.queue_bytes, 100000U);
-    EXPECT_EQ(all->hub.stall_seconds, 2.0);
-    EXPECT_EQ(all->hub.heartbeat_seconds, 1.0);
     EXPECT_EQ(all->hub.silence_seconds, 6.0);
 }
 
@@ -46,10 +42,7 @@ TEST(Options, SaysWhatIsWrong) {
         {{"--socket", "x.sock"}, "no slash"},
         {{"--listen", "/x"}, "is a path"},
         {{"--listen", "a:b"}, "port"},
-        {{"--listen", ""}, "names no host"},
         {{"--queue-bytes", "1"}, "--queue-bytes"},
-        {{"--stall-seconds", "x"}, "--stall-seconds"},
-        {{"--nonsense"}, "--nonsense"},
         {{"extra"}, "extra"},
     };
     for (const auto& [words, text] : rows) {
@@ -67,7 +60,7 @@ TEST(Options, SaysWhatIsWrong) {
 }
 
 TEST(Server, RunsUntilASignalAndLeavesNothingBehind) {
-    wire::Folder folder;
+    TemporaryFolder folder;
     const std::string path = folder / "run/server.sock";
     const pid_t pid = fork();
     if (pid == 0) {
