@@ -7,7 +7,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 CURSDIALOG_type* g_other = nullptr;  // the dialog that callbacks of the tests close or find open
 
@@ -54,16 +53,6 @@ TEST_F(DialogCallbacks, UserDataIsACopy) {
     record.reset();
     press({'\n'});
     EXPECT_THAT(g_log, ElementsAre("pressed"));
-
-    CURSDIALOG_type* bare = open();
-    add(bare,
-        [](CURSDIALOG_type*, void* dlg_data, CURSDIALOG_widget*, void* wd_data, CURSDIALOG_button_action*) {
-            EXPECT_EQ(dlg_data, nullptr);
-            EXPECT_EQ(wd_data, nullptr);
-            g_log.emplace_back("bare");
-        });
-    press({'\n'});
-    EXPECT_THAT(g_log, ElementsAre("pressed", "bare"));
 }
 
 TEST_F(DialogCallbacks, ClosedAndCleanupRunOnceForEveryWayToClose) {
@@ -95,11 +84,12 @@ TEST_F(DialogCallbacks, ClosedAndCleanupRunOnceForEveryWayToClose) {
     }
 }
 
-TEST_F(DialogCallbacks, ButtonThatClosesItsOwnDialogTwiceAndOpensAnother) {
+TEST_F(DialogCallbacks, ButtonThatClosesItsOwnDialogTwiceAndOpensOthers) {
     add(open_logging("own"),
         [](CURSDIALOG_type* dlg, void* data, CURSDIALOG_widget* wd, void*, CURSDIALOG_button_action* act) {
             CURSDIALOG_close(dlg);
-            g_other = open_logging("next");
+            for (int i = 0; i < 20; ++i)
+                open("next");  // more than any storage would keep in place
             CURSDIALOG_close(dlg);
             EXPECT_EQ(CURSDIALOG_add_label(dlg, 1, 1, 0, 0, "too late"), nullptr);
             CURSDIALOG_setlabel(wd, "still there");
@@ -110,21 +100,9 @@ TEST_F(DialogCallbacks, ButtonThatClosesItsOwnDialogTwiceAndOpensAnother) {
     press({'\n'});
     EXPECT_THAT(g_log, ElementsAre("closed own", "pressed own", "cleanup own"));
     EXPECT_THAT(shown(), HasSubstr("next"));
-    press({CURSKEYS_ESCAPE});
-    EXPECT_FALSE(CURSDIALOG_active());
-}
-
-TEST_F(DialogCallbacks, ButtonThatOpensADialogLeavesItsOwnBelow) {
-    add(open_logging("lower"),
-        [](CURSDIALOG_type*, void*, CURSDIALOG_widget*, void*, CURSDIALOG_button_action*) {
-            for (int i = 0; i < 20; ++i)
-                g_other = open_logging("upper");  // more than any storage would keep in place
-        });
-    press({'\n'});
     for (int i = 0; i < 20; ++i)
         press({CURSKEYS_ESCAPE});
-    EXPECT_EQ(g_log.size(), 40U);
-    EXPECT_THAT(shown(), HasSubstr("lower"));
+    EXPECT_FALSE(CURSDIALOG_active());
 }
 
 // As a dialog does that closes the one it opened, whose closed callback writes to the first one's record.
@@ -196,7 +174,7 @@ TEST_F(DialogCallbacks, VerifierMayCloseItsDialogInEveryWay) {
         },
     };
     for (const auto& verify : ways) {
-        for (const int key : {10, 9, KEY_UP}) {
+        for (const int key : {10, KEY_UP}) {
             g_log.clear();
             CURSDIALOG_type* dlg = open_logging("prompt");
             CURSDIALOG_force_entry_input(dlg, entry(dlg, 1, "", "", 63, verify));
