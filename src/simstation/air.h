@@ -16,7 +16,6 @@ class SIM_air {
     [[nodiscard]] double absorption(double nm) const;             // green (550 nm): 0.5 to 15 per Mm
     [[nodiscard]] double angstrom() const { return m_angstrom; }  // of scattering: 1 to 2
     [[nodiscard]] double backscatter_fraction() const { return m_backscatter; }  // 0.10 to 0.15
-    [[nodiscard]] double plume() const { return m_plume; }  // strength of a passing plume, 0 without
 
     [[nodiscard]] double temperature() const { return m_temperature; }  // outdoors, Celsius
     [[nodiscard]] double humidity() const { return m_humidity; }        // outdoors, percent

@@ -3,7 +3,7 @@
 //
 //   SimProbe probe("cpc_3010");
 //   probe.run(120);
-//   EXPECT_GT(+probe.last<NET_CPC_3010_Instant>(MSG_CPC_3010_INSTANT).concentration, 300);
+//   EXPECT_GT(+probe.last<MSG_CPC_3010_INSTANT>().concentration, 300);
 //
 // Doubles of records may be unaligned: hand them to EXPECT_... by value, with a "+" in front.
 #pragma once
@@ -14,7 +14,31 @@
 #include <string>
 #include <vector>
 
+#include "libvesk/records/all.h"
 #include "simstation/kinds.h"
+
+template <class R>
+concept WireRecord = requires {
+    NETDSD_traits<R>::entry;
+};
+
+// The record that a type of message carries.
+template <NETMSG_type>
+struct MessageRecord;
+#define SIM_MESSAGE_RECORD(msg, record) \
+    template <>                         \
+    struct MessageRecord<msg> {         \
+        using type = record;            \
+    };
+NETMSG_LIST(SIM_MESSAGE_RECORD)
+#undef SIM_MESSAGE_RECORD
+template <NETMSG_type MSG>
+using CarriedBy = typename MessageRecord<MSG>::type;
+
+// A value between the two; by value, since fields of records may be unaligned.
+inline void expect_between(double value, double low, double high, const char* what) {
+    EXPECT_TRUE(value >= low && value <= high) << what << " is " << value;
+}
 
 struct SentMessage {
     FTIME time;  // simulated, when it was sent
@@ -24,6 +48,15 @@ struct SentMessage {
     const NETDSD_entry* dsd;  // null without a payload
     std::string payload;
     bool operator==(const SentMessage&) const = default;
+
+    // Its record, which must be of that kind.
+    template <WireRecord R>
+    [[nodiscard]] R as() const {
+        EXPECT_EQ(dsd, NETDSD_of<R>());
+        R record = NETDSD_default<R>();
+        if (dsd == NETDSD_of<R>()) std::memcpy(&record, payload.data(), sizeof record);
+        return record;
+    }
 };
 
 // A sink that keeps everything.
@@ -39,11 +72,6 @@ class CollectingSink : public SIM_sink {
     const FTIME* now = nullptr;
     std::vector<SentMessage> sent;
     std::vector<std::string> lines;
-};
-
-template <class R>
-concept WireRecord = requires {
-    NETDSD_traits<R>::entry;
 };
 
 // A message as a link would deliver it; the record is copied.
@@ -119,23 +147,19 @@ class SimProbe {
         return found;
     }
     [[nodiscard]] std::size_t count(NETMSG_type msg) const { return of(msg).size(); }
-    template <WireRecord R>
-    [[nodiscard]] std::vector<R> records(NETMSG_type msg) const {
-        std::vector<R> found;
-        for (const SentMessage& m : of(msg)) {
-            if (m.dsd != NETDSD_of<R>()) continue;
-            R record;
-            std::memcpy(&record, m.payload.data(), sizeof record);
-            found.push_back(record);
-        }
+    template <NETMSG_type MSG>
+    [[nodiscard]] std::vector<CarriedBy<MSG>> records() const {
+        std::vector<CarriedBy<MSG>> found;
+        for (const SentMessage& m : of(MSG))
+            if (m.dsd != nullptr) found.push_back(m.as<CarriedBy<MSG>>());
         return found;
     }
     // The latest of one type; a record that says nothing, and a failed test, when there is none.
-    template <WireRecord R>
-    [[nodiscard]] R last(NETMSG_type msg) const {
-        const std::vector<R> all = records<R>(msg);
-        EXPECT_FALSE(all.empty()) << NETMSG_by_type(msg)->name << " was never sent";
-        return all.empty() ? NETDSD_default<R>() : all.back();
+    template <NETMSG_type MSG>
+    [[nodiscard]] CarriedBy<MSG> last() const {
+        const auto all = records<MSG>();
+        EXPECT_FALSE(all.empty()) << NETMSG_by_type(MSG)->name << " was never sent";
+        return all.empty() ? NETDSD_default<CarriedBy<MSG>>() : all.back();
     }
     void forget() { sink.sent.clear(); }
 

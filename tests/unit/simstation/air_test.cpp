@@ -39,17 +39,9 @@ TEST(Noise, DrawsHaveTheMomentsTheyPromise) {
 }
 
 TEST(Noise, StreamsOfTwoNamesAreStrangers) {
-    SIM_noise a(1, "N61");
-    SIM_noise again(1, "N61");
-    SIM_noise b(1, "N62");
-    EXPECT_EQ(a.uniform(), again.uniform());
-    EXPECT_NE(a.uniform(), b.uniform());
-}
-
-// The generator is the standard's own; a changed seed mix or draw shows here.
-TEST(Noise, TheStreamOfASeedNeverChanges) {
-    SIM_noise noise(1, "N61");
-    EXPECT_DOUBLE_EQ(noise.uniform(), 0.18828649129526787);
+    // The generator is the standard's own; a changed seed mix or draw shows here.
+    EXPECT_DOUBLE_EQ(SIM_noise(1, "N61").uniform(), 0.18828649129526787);
+    EXPECT_NE(SIM_noise(1, "N61").uniform(), SIM_noise(1, "N62").uniform());
 }
 
 TEST(Drift, WandersWithItsDeviationAndComesBack) {
@@ -58,16 +50,6 @@ TEST(Drift, WandersWithItsDeviationAndComesBack) {
     const SIM_stats stats = of(40000, [&] { return drift.step(noise, 1); });
     EXPECT_NEAR(stats.mean(), 0, 0.2);
     EXPECT_NEAR(stats.stddev(), 2, 0.15);
-}
-
-TEST(Curves, HandComputed) {
-    EXPECT_DOUBLE_EQ(SIM_approach(20, 40, 60, 60), 40 - 20 / std::exp(1));
-    EXPECT_EQ(SIM_approach(20, 40, 0, 1), 40);
-    EXPECT_NEAR(SIM_diurnal(15 * 3600, 15), 1, 1e-12);
-    EXPECT_NEAR(SIM_diurnal(86400.0 * 19000 + 3 * 3600, 15), -1, 1e-9);
-    EXPECT_DOUBLE_EQ(SIM_within(std::sqrt(300.0 * 15000), 300, 15000), std::sqrt(300.0 * 15000));
-    EXPECT_LT(SIM_within(1e9, 300, 15000), 15000.0001);
-    EXPECT_GT(SIM_within(1e-9, 300, 15000), 299.9999);
 }
 
 TEST(Air, StaysInRangeAndVariesOverADay) {
@@ -93,27 +75,6 @@ TEST(Air, StaysInRangeAndVariesOverADay) {
     EXPECT_GT(most, 3 * least);
 }
 
-TEST(Air, APlumeIsSeenByAllInstruments) {
-    SIM_air air(5);
-    double before_number = 0;
-    double before_absorption = 0;
-    for (int t = 0; t < 86400; ++t) {
-        const double number = air.number();
-        const double absorption = air.absorption(550);
-        const BOOL clean = air.plume() < 0.05;
-        air.advance(1.7e9 + t, 1);
-        if (clean) {
-            before_number = number;
-            before_absorption = absorption;
-        }
-        if (air.plume() < 0.8) continue;
-        EXPECT_GT(air.number(), 1.3 * before_number);
-        EXPECT_GT(air.absorption(550), 1.2 * before_absorption);
-        return;
-    }
-    FAIL() << "a day without a plume";
-}
-
 constexpr SIM_channel ROWS[] = {
     {"T_condenser", 14, 0, 60, 24},
     {"P_ambient", 985, 0},
@@ -132,7 +93,6 @@ TEST(Channels, FollowTheirTargetsAndFillTheFieldsOfTheirNames) {
     auto record = NETDSD_default<NET_CPC_3775_Instant>();
     EXPECT_EQ(channels.fill(record), 3u);
     EXPECT_NEAR(+record.T_condenser, 14 + 10 / std::exp(1), 1e-9);
-    EXPECT_EQ(+record.P_ambient, 985);
     EXPECT_EQ(record.liquid, 2000);
     EXPECT_EQ(+record.T_saturator, VESK_MISSING);
 

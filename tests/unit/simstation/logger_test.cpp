@@ -30,10 +30,7 @@ class Logger : public testing::Test {
     }
     template <class R>
     R record(std::size_t i) const {
-        EXPECT_EQ(sink.sent.at(i).dsd, NETDSD_of<R>());
-        R r;
-        std::memcpy(&r, sink.sent.at(i).payload.data(), sizeof r);
-        return r;
+        return sink.sent.at(i).as<R>();
     }
     static NETDS_MESSAGE_OneMessage message(const char* text) {
         auto r = NETDSD_default<NETDS_MESSAGE_OneMessage>();

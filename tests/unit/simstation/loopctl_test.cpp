@@ -2,10 +2,6 @@
 // advances.
 #include <gtest/gtest.h>
 
-#include <string>
-
-#include "libvesk/records/loopctl.h"
-#include "libvesk/records/verticalprofile.h"
 #include "libvesk/util.h"
 #include "support/sim_probe.h"
 
@@ -14,23 +10,22 @@ namespace {
 TEST(LovePid, FollowsTheSetPointOfTheAddressedControllerOnly) {
     SimProbe probe("lovepid");
     probe.run(1500);
-    const auto before = probe.last<NET_LOVEPID_Instant>(MSG_LOVEPID_INSTANT);
+    const auto before = probe.last<MSG_LOVEPID_INSTANT>();
     EXPECT_NEAR(+before.pv[0], 40, 0.5);
     EXPECT_TRUE(VESK_is_missing(+before.pv[3])) << "nobody is in the fourth slot";
 
     EXPECT_TRUE(probe.command(MSG_LOVEPID_SET, NET_LOVEPID_Setpoint{60, 0x10}));
-    const auto echoed = probe.last<NET_LOVEPID_Setpoints>(MSG_LOVEPID_SETPOINTS);
+    const auto echoed = probe.last<MSG_LOVEPID_SETPOINTS>();
     EXPECT_EQ(+echoed.sp[0], 60);
     EXPECT_EQ(+echoed.sp[1], 35);
     probe.run(180);
-    const auto lagging = probe.last<NET_LOVEPID_Instant>(MSG_LOVEPID_INSTANT);
+    const auto lagging = probe.last<MSG_LOVEPID_INSTANT>();
     EXPECT_NEAR(+lagging.pv[0], 40 + 20 * 0.632, 1) << "one time constant after the step";
     probe.run(1200);
-    const auto after = probe.last<NET_LOVEPID_Instant>(MSG_LOVEPID_INSTANT);
+    const auto after = probe.last<MSG_LOVEPID_INSTANT>();
     EXPECT_NEAR(+after.pv[0], 60, 0.5);
     EXPECT_NEAR(+after.pv[1], 35, 0.5);
-    const auto average = probe.last<NET_LOVEPID_Avg>(MSG_LOVEPID_AVERAGE);
-    EXPECT_NEAR(+average.pv[0], 60, 0.5);
+    EXPECT_NEAR(+probe.last<MSG_LOVEPID_AVERAGE>().pv[0], 60, 0.5);
 
     EXPECT_FALSE(probe.command(MSG_LOVEPID_SET, NET_LOVEPID_Setpoint{60, 0x77}));
     EXPECT_FALSE(probe.command(MSG_LOVEPID_SET));
@@ -42,7 +37,7 @@ TEST(LovePid, OneSlotCanFallSilentWithAnError) {
     EXPECT_TRUE(probe.set("silent", "2"));
     EXPECT_FALSE(probe.set("silent", "9"));
     probe.run(5);
-    const auto status = probe.last<NET_LOVEPID_Status>(MSG_LOVEPID_STATUS);
+    const auto status = probe.last<MSG_LOVEPID_STATUS>();
     EXPECT_TRUE(status.have_comms[0]);
     EXPECT_FALSE(status.have_comms[1]);
     EXPECT_STREQ(status.error[1].error, "checksum");
@@ -54,57 +49,50 @@ TEST(Watlow, TakesSetPointsForItsTwoChannels) {
     EXPECT_TRUE(probe.command(MSG_WATLOW_SET, NET_WATLOW_OneChannel{'B', 55}));
     EXPECT_FALSE(probe.command(MSG_WATLOW_SET, NET_WATLOW_OneChannel{'C', 55}));
     probe.run(2000);
-    const auto now = probe.last<NET_WATLOW_Channels>(MSG_WATLOW_INSTANT);
+    const auto now = probe.last<MSG_WATLOW_INSTANT>();
     EXPECT_NEAR(+now.chA, 25, 0.5);
     EXPECT_NEAR(+now.chB, 55, 0.5);
     EXPECT_TRUE(probe.set("error", "17"));
     probe.run(1);
-    EXPECT_EQ(+probe.last<NET_WATLOW_Status>(MSG_WATLOW_STATUS).err, 17);
+    EXPECT_EQ(+probe.last<MSG_WATLOW_STATUS>().err, 17);
+}
+
+NET_VERTICALPROFILE_All profile(SimProbe& probe) {
+    probe.run(1);
+    return probe.last<MSG_VERTICALPROFILE_ALL>();
 }
 
 TEST(VerticalProfile, TasksAdvanceOnlyWhileEnabled) {
     SimProbe probe("verticalprofile");
     probe.run(130);
-    EXPECT_EQ(UTIL_field(probe.last<NET_VERTICALPROFILE_All>(MSG_VERTICALPROFILE_ALL).last_task), "CLIMB");
+    EXPECT_EQ(UTIL_field(profile(probe).last_task), "CLIMB");
     EXPECT_TRUE(probe.command(MSG_VERTICALPROFILE_SET_ENABLED, NET_VERTICALPROFILE_SetEnabled{FALSE}));
     probe.run(600);
-    const auto held = probe.last<NET_VERTICALPROFILE_All>(MSG_VERTICALPROFILE_ALL);
-    EXPECT_FALSE(held.enabled);
-    EXPECT_EQ(UTIL_field(held.last_task), "CLIMB");
+    EXPECT_FALSE(profile(probe).enabled);
+    EXPECT_EQ(UTIL_field(profile(probe).last_task), "CLIMB");
     EXPECT_TRUE(probe.command(MSG_VERTICALPROFILE_RESETTASKS));
-    probe.run(1);
-    const auto reset = probe.last<NET_VERTICALPROFILE_All>(MSG_VERTICALPROFILE_ALL);
-    EXPECT_EQ(UTIL_field(reset.last_task), "NONE");
-    EXPECT_EQ(+reset.last_task_time, VESK_NO_TIME);
+    EXPECT_EQ(UTIL_field(profile(probe).last_task), "NONE");
+    EXPECT_EQ(+profile(probe).last_task_time, VESK_NO_TIME);
 }
 
 TEST(VerticalProfile, DistancesAreThoseOfTheGreatCircle) {
     SimProbe probe("verticalprofile");
-    probe.run(1);
-    const auto at_home = probe.last<NET_VERTICALPROFILE_All>(MSG_VERTICALPROFILE_ALL);
+    const auto at_home = profile(probe);
     EXPECT_LT(+at_home.wp_home.distance, 1.0);
     EXPECT_NEAR(+at_home.wp_site.distance, 31.1, 1.0) << "0.08 degrees north and 0.35 east at 40 N";
     EXPECT_NEAR(+at_home.wp_site.bearing, 73, 2);
     NET_VERTICALPROFILE_SetWaypoint north{};
     UTIL_strcpynt(north.name, "NORTH");
     EXPECT_TRUE(probe.command(MSG_VERTICALPROFILE_SET_SITE, north));
-    probe.run(1);
-    const auto all = probe.last<NET_VERTICALPROFILE_All>(MSG_VERTICALPROFILE_ALL);
-    EXPECT_EQ(UTIL_field(all.wp_site.name), "NORTH");
+    EXPECT_EQ(UTIL_field(profile(probe).wp_site.name), "NORTH");
     UTIL_strcpynt(north.name, "NOWHERE");
     EXPECT_FALSE(probe.command(MSG_VERTICALPROFILE_SET_SITE, north));
 
     EXPECT_TRUE(probe.set("gps", "off"));
-    probe.run(1);
-    const auto lost = probe.last<NET_VERTICALPROFILE_All>(MSG_VERTICALPROFILE_ALL);
+    const auto lost = profile(probe);
     EXPECT_TRUE(VESK_is_missing(+lost.wp_home.distance) && VESK_is_missing(+lost.wp_site.bearing));
-}
-
-TEST(VerticalProfile, TheWaypointTableCanBeEmpty) {
-    SimProbe probe("verticalprofile");
-    EXPECT_EQ(probe.last<NET_GPS_AllWaypointInfo>(MSG_GPS_WAYPOINT_DEF).n_waypoints, 4);
     EXPECT_TRUE(probe.set("waypoints", "0"));
-    EXPECT_EQ(probe.last<NET_GPS_AllWaypointInfo>(MSG_GPS_WAYPOINT_DEF).n_waypoints, 0);
+    EXPECT_EQ(probe.last<MSG_GPS_WAYPOINT_DEF>().n_waypoints, 0);
 }
 
 }  // namespace

@@ -63,10 +63,7 @@ class Instrument : public testing::Test {
     }
     template <class R>
     R record(std::size_t i) const {
-        EXPECT_EQ(sink.sent.at(i).dsd, NETDSD_of<R>());
-        R r;
-        std::memcpy(&r, sink.sent.at(i).payload.data(), sizeof r);
-        return r;
+        return sink.sent.at(i).as<R>();
     }
 
     CollectingSink sink;
@@ -94,9 +91,8 @@ TEST_F(Instrument, BlocksEndOnTheMinuteWhateverItsStart) {
     sim.join();  // at :45
     run(15 + 60);
     std::vector<NET_CPC_Pulse_Avg> averages;
-    for (std::size_t i = 0; i < sink.sent.size(); ++i) {
-        if (sink.sent[i].msg == MSG_CPC_PULSE_AVERAGE) averages.push_back(record<NET_CPC_Pulse_Avg>(i));
-    }
+    for (const SentMessage& m : sink.sent)
+        if (m.msg == MSG_CPC_PULSE_AVERAGE) averages.push_back(m.as<NET_CPC_Pulse_Avg>());
     ASSERT_EQ(averages.size(), 2u);
     EXPECT_EQ(+averages[0].start_time, START + 45);
     EXPECT_EQ(+averages[0].concentration, START + 59) << "sent in the last second of the minute";
@@ -158,6 +154,10 @@ TEST_F(Instrument, SettingsGoToTheKindAndRefusalsAreSaid) {
     EXPECT_TRUE(sim.set("level", SIM_value("3")));
     EXPECT_FALSE(sim.set("level", SIM_value("30")));
     EXPECT_THAT(sink.lines, ElementsAre("R1: start", "R1: level = 3", "R1: level = 30: refused"));
+    EXPECT_EQ(SIM_value("on").number, 1);
+    EXPECT_EQ(SIM_value("no").number, 0);
+    EXPECT_EQ(SIM_value("-2.5").number, -2.5);
+    EXPECT_TRUE(std::isnan(SIM_value("open").number));
 }
 
 TEST_F(Instrument, AnErrorLineIsForEveryOperatorOnce) {
@@ -169,14 +169,6 @@ TEST_F(Instrument, AnErrorLineIsForEveryOperatorOnce) {
     EXPECT_EQ(+line.msgtime, START);
     EXPECT_STREQ(line.msg, "flow 1.2");
     EXPECT_EQ(sink.sent[0].flags, DWORD{VESKMSG_TO_ALL});
-}
-
-TEST(SimValue, ReadsSwitchesAndNumbers) {
-    EXPECT_EQ(SIM_value("on").number, 1);
-    EXPECT_EQ(SIM_value("no").number, 0);
-    EXPECT_EQ(SIM_value("-2.5").number, -2.5);
-    EXPECT_TRUE(std::isnan(SIM_value("open").number));
-    EXPECT_TRUE(std::isnan(SIM_value("").number));
 }
 
 }  // namespace

@@ -2,16 +2,13 @@
 // tell the trainee, and what they promise comes true.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
 #include <regex>
 
-#include "libvesk/records/clap3w.h"
-#include "libvesk/records/common_neph.h"
-#include "libvesk/records/cpc.h"
-#include "libvesk/records/psap.h"
 #include "libvesk/util.h"
 #include "simstation/logger.h"
 #include "simstation/roster.h"
@@ -78,16 +75,12 @@ class Training {
         }
     }
 
-    template <class R>
-    R last(NETMSG_type msg) const {
-        for (auto m = sink.sent.rbegin(); m != sink.sent.rend(); ++m) {
-            if (m->msg != msg) continue;
-            R record;
-            std::memcpy(&record, m->payload.data(), sizeof record);
-            return record;
-        }
-        ADD_FAILURE() << NETMSG_by_type(msg)->name << " was never sent";
-        return NETDSD_default<R>();
+    template <NETMSG_type MSG>
+    CarriedBy<MSG> last() const {
+        for (auto m = sink.sent.rbegin(); m != sink.sent.rend(); ++m)
+            if (m->msg == MSG) return m->as<CarriedBy<MSG>>();
+        ADD_FAILURE() << NETMSG_by_type(MSG)->name << " was never sent";
+        return NETDSD_default<CarriedBy<MSG>>();
     }
     template <class R>
     void order(const char* name, NETMSG_type msg, R record) {
@@ -145,10 +138,10 @@ TEST_F(TrainingTest, EveryScenarioCanBePlayed) {
 TEST_F(TrainingTest, ADryCounterFallsAwayFromItsNeighbourAfterTheWarning) {
     Training training(FOLDER / "counter-out-of-butanol.txt");
     const auto share = [&] {
-        return training.last<NET_CPC_3010_Instant>(MSG_CPC_3010_INSTANT).running.concentration /
-               training.last<NET_CPC_3022_Instant>(MSG_CPC_3022_INSTANT).running.concentration;
+        return training.last<MSG_CPC_3010_INSTANT>().running.concentration /
+               training.last<MSG_CPC_3022_INSTANT>().running.concentration;
     };
-    const auto low = [&] { return training.last<NET_CPC_3010_Status>(MSG_CPC_3010_STATUS).flags & 2; };
+    const auto low = [&] { return training.last<MSG_CPC_3010_STATUS>().flags & 2; };
     training.run_until(170);
     EXPECT_FALSE(low());
     training.run_until(355);
@@ -163,12 +156,14 @@ TEST_F(TrainingTest, ADryCounterFallsAwayFromItsNeighbourAfterTheWarning) {
 
 TEST_F(TrainingTest, AFilterIsUsedUpSilentlyAndAnotherDemandsItsChange) {
     Training training(FOLDER / "filter-at-its-end.txt");
-    const auto psap = [&] { return training.last<NET_PSAP_Instant>(MSG_PSAP_INSTANT); };
-    const auto clap = [&] { return training.last<NET_CLAP3W_FilterStatus>(MSG_CLAP3W_FILTERSTATUS).status; };
+    const auto psap = [&] { return training.last<MSG_PSAP_INSTANT>(); };
+    const auto clap = [&] { return training.last<MSG_CLAP3W_FILTERSTATUS>().status; };
     training.run_until(590);
     EXPECT_LT(+psap().tr, 0.7);
     EXPECT_GT(+psap().tr, 0.4) << "there is time to change it";
-    EXPECT_THAT(training.last<NET_LOG_MonitorMessage>(MSG_LOG_MONITOR).msg, testing::HasSubstr("used up"));
+    const auto said = [](const SentMessage& m) { return m.msg == MSG_LOG_MONITOR; };
+    EXPECT_EQ(std::count_if(training.sink.sent.begin(), training.sink.sent.end(), said), 1) << "once";
+    EXPECT_THAT(training.last<MSG_LOG_MONITOR>().msg, testing::HasSubstr("used up"));
     training.order("A11", MSG_PSAP_SETFILTERSATUS, NET_PSAP_FilterStatus{TRUE});
     training.run_until(605);
     EXPECT_EQ(clap(), NET_CLAP3W_CHANGE_REQUIRED);
@@ -187,8 +182,7 @@ TEST_F(TrainingTest, AClosedBottleShowsInTheResultsOfItsInstrumentOnly) {
     const auto check = [&](const char* name) {
         training.order(name, MSG_COMMON_NEPH_SPANCHECK_ISSUE, order(START));
         training.run_until(training.world.now - START + 1870);
-        return +training.last<NET_COMMON_Neph_SpancheckResults>(MSG_COMMON_NEPH_SPANCHECK_RESULTS)
-                    .pcterrTS[1];
+        return +training.last<MSG_COMMON_NEPH_SPANCHECK_RESULTS>().pcterrTS[1];
     };
     training.run_until(60);
     EXPECT_NEAR(check("N11"), -61, 5);
