@@ -42,23 +42,23 @@ void append_fill(SFMT_buffer* b, std::size_t n, char c) {
 }
 
 // Sign or base, then digits, in the width of the conversion; zeros go between the two.
-void append_aligned(SFMT_buffer* b, const SFMT_spec& spec, std::string_view prefix, std::string_view body,
+void append_aligned(SFMT_buffer* b, const SFMT_spec& conv, std::string_view prefix, std::string_view body,
                     bool may_fill_zeros) {
     const std::size_t used = prefix.size() + body.size();
-    const auto width = static_cast<std::size_t>(spec.width);
+    const auto width = static_cast<std::size_t>(conv.width);
     const std::size_t missing = width > used ? width - used : 0;
-    const bool zeros = spec.zeros && may_fill_zeros && !spec.left;
-    if (!spec.left && !zeros) append_fill(b, missing, ' ');
+    const bool zeros = conv.zeros && may_fill_zeros && !conv.left;
+    if (!conv.left && !zeros) append_fill(b, missing, ' ');
     append(b, prefix);
     if (zeros) append_fill(b, missing, '0');
     append(b, body);
-    if (spec.left) append_fill(b, missing, ' ');
+    if (conv.left) append_fill(b, missing, ' ');
 }
 
-std::string_view sign_text(const SFMT_spec& spec, bool negative) {
+std::string_view sign_text(const SFMT_spec& conv, bool negative) {
     if (negative) return "-";
-    if (spec.plus) return "+";
-    return spec.blank ? " " : "";
+    if (conv.plus) return "+";
+    return conv.blank ? " " : "";
 }
 
 void to_upper(char* begin, const char* end) {
@@ -66,101 +66,101 @@ void to_upper(char* begin, const char* end) {
         if (*begin >= 'a' && *begin <= 'z') *begin = static_cast<char>(*begin - 'a' + 'A');
 }
 
-void append_digits(SFMT_buffer* b, const SFMT_spec& spec, std::string_view prefix, unsigned long long value,
+void append_digits(SFMT_buffer* b, const SFMT_spec& conv, std::string_view prefix, unsigned long long value,
                    int base) {
     char digits[SFMT_MAX_DIGITS + 32];
     char* begin = digits + SFMT_MAX_DIGITS;  // room in front for the zeros of a precision
     char* end = std::to_chars(begin, digits + sizeof digits, value, base).ptr;
-    if (value == 0 && spec.precision == 0) end = begin;
-    while (end - begin < spec.precision)
+    if (value == 0 && conv.precision == 0) end = begin;
+    while (end - begin < conv.precision)
         *--begin = '0';
-    if (base == 8 && spec.alternate && (begin == end || *begin != '0')) *--begin = '0';
-    if (spec.conversion == 'X') to_upper(begin, end);
-    append_aligned(b, spec, prefix, {begin, end}, spec.precision < 0);
+    if (base == 8 && conv.alternate && (begin == end || *begin != '0')) *--begin = '0';
+    if (conv.conversion == 'X') to_upper(begin, end);
+    append_aligned(b, conv, prefix, {begin, end}, conv.precision < 0);
 }
 
 unsigned long long low_bits(unsigned long long value, int bits) {
     return bits < 64 ? value & ((1ULL << bits) - 1) : value;
 }
 
-void append_signed(SFMT_buffer* b, const SFMT_spec& spec, const SFMT_arg& arg) {
+void append_signed(SFMT_buffer* b, const SFMT_spec& conv, const SFMT_arg& arg) {
     unsigned long long value = arg.integer;
     bool negative = arg.negative;
-    if (spec.bits > 0) {
-        value = low_bits(value, spec.bits);
-        negative = (value >> (spec.bits - 1)) != 0;
-        if (negative) value |= ~low_bits(~0ULL, spec.bits);
+    if (conv.bits > 0) {
+        value = low_bits(value, conv.bits);
+        negative = (value >> (conv.bits - 1)) != 0;
+        if (negative) value |= ~low_bits(~0ULL, conv.bits);
     }
-    append_digits(b, spec, sign_text(spec, negative), negative ? 0 - value : value, 10);
+    append_digits(b, conv, sign_text(conv, negative), negative ? 0 - value : value, 10);
 }
 
-void append_unsigned(SFMT_buffer* b, const SFMT_spec& spec, const SFMT_arg& arg) {
-    const unsigned long long value = low_bits(arg.integer, spec.bits > 0 ? spec.bits : arg.bits);
-    const bool hex = spec.conversion == 'x' || spec.conversion == 'X';
-    const bool marked = hex && spec.alternate && value != 0;
-    const std::string_view prefix = spec.conversion == 'X' ? "0X" : "0x";
-    append_digits(b, spec, marked ? prefix : "", value, hex ? 16 : spec.conversion == 'o' ? 8 : 10);
+void append_unsigned(SFMT_buffer* b, const SFMT_spec& conv, const SFMT_arg& arg) {
+    const unsigned long long value = low_bits(arg.integer, conv.bits > 0 ? conv.bits : arg.bits);
+    const bool hex = conv.conversion == 'x' || conv.conversion == 'X';
+    const bool marked = hex && conv.alternate && value != 0;
+    const std::string_view prefix = conv.conversion == 'X' ? "0X" : "0x";
+    append_digits(b, conv, marked ? prefix : "", value, hex ? 16 : conv.conversion == 'o' ? 8 : 10);
 }
 
-void append_real(SFMT_buffer* b, const SFMT_spec& spec, double value) {
+void append_real(SFMT_buffer* b, const SFMT_spec& conv, double value) {
     char text[SFMT_LONGEST_NUMBER];
-    const char lower = static_cast<char>(spec.conversion | 0x20);
+    const char lower = static_cast<char>(conv.conversion | 0x20);
     const auto form = lower == 'f'   ? std::chars_format::fixed
                       : lower == 'e' ? std::chars_format::scientific
                                      : std::chars_format::general;
-    const int precision = spec.precision < 0 ? 6 : spec.precision;
+    const int precision = conv.precision < 0 ? 6 : conv.precision;
     char* end = std::isnan(value)
                     ? std::copy_n("nan", 3, text)
                     : std::to_chars(text, text + sizeof text, std::fabs(value), form, precision).ptr;
-    if (lower != spec.conversion) to_upper(text, end);
-    append_aligned(b, spec, sign_text(spec, std::signbit(value)), {text, end}, std::isfinite(value));
+    if (lower != conv.conversion) to_upper(text, end);
+    append_aligned(b, conv, sign_text(conv, std::signbit(value)), {text, end}, std::isfinite(value));
 }
 
-void append_text(SFMT_buffer* b, const SFMT_spec& spec, const SFMT_arg& arg) {
+void append_text(SFMT_buffer* b, const SFMT_spec& conv, const SFMT_arg& arg) {
     const auto* text = static_cast<const char*>(arg.pointer);
     if (text == nullptr) text = "";
-    const std::size_t most = spec.precision < 0 ? SIZE_MAX : static_cast<std::size_t>(spec.precision);
+    const std::size_t most = conv.precision < 0 ? SIZE_MAX : static_cast<std::size_t>(conv.precision);
     // Up to `most` only: with a precision the text need not be terminated.
     const std::size_t length = arg.length == SFMT_arg::TERMINATED
                                    ? (most == SIZE_MAX ? std::strlen(text) : strnlen(text, most))
                                    : std::min(arg.length, most);
-    append_aligned(b, spec, "", {text, length}, false);
+    append_aligned(b, conv, "", {text, length}, false);
 }
 
-void append_character(SFMT_buffer* b, const SFMT_spec& spec, const SFMT_arg& arg) {
+void append_character(SFMT_buffer* b, const SFMT_spec& conv, const SFMT_arg& arg) {
     const char c = static_cast<char>(arg.integer);
     const char shown = c == '\0' ? ' ' : c;  // a NUL would end the text for every reader
-    append_aligned(b, spec, "", {&shown, 1}, false);
+    append_aligned(b, conv, "", {&shown, 1}, false);
 }
 
-void append_pointer(SFMT_buffer* b, const SFMT_spec& spec, const SFMT_arg& arg) {
-    append_digits(b, spec, "0x", reinterpret_cast<std::uintptr_t>(arg.pointer), 16);
+void append_pointer(SFMT_buffer* b, const SFMT_spec& conv, const SFMT_arg& arg) {
+    append_digits(b, conv, "0x", reinterpret_cast<std::uintptr_t>(arg.pointer), 16);
 }
 
-void append_field(SFMT_buffer* b, const SFMT_spec& spec, double value) {
+void append_field(SFMT_buffer* b, const SFMT_spec& conv, double value) {
     char text[SFMT_LONGEST_NUMBER];
-    append(b, SFMT_layout_number(text, spec, value));
+    append(b, SFMT_layout_number(text, conv, value));
 }
 
-void append_argument(SFMT_buffer* b, const SFMT_spec& spec, const SFMT_arg& arg) {
-    if (spec.is_field) return append_field(b, spec, arg.real);
-    switch (spec.conversion) {
+void append_argument(SFMT_buffer* b, const SFMT_spec& conv, const SFMT_arg& arg) {
+    if (conv.is_field) return append_field(b, conv, arg.real);
+    switch (conv.conversion) {
         case 'd':
         case 'i':
-            return append_signed(b, spec, arg);
+            return append_signed(b, conv, arg);
         case 'u':
         case 'x':
         case 'X':
         case 'o':
-            return append_unsigned(b, spec, arg);
+            return append_unsigned(b, conv, arg);
         case 'c':
-            return append_character(b, spec, arg);
+            return append_character(b, conv, arg);
         case 's':
-            return append_text(b, spec, arg);
+            return append_text(b, conv, arg);
         case 'p':
-            return append_pointer(b, spec, arg);
+            return append_pointer(b, conv, arg);
         default:
-            return append_real(b, spec, arg.real);
+            return append_real(b, conv, arg.real);
     }
 }
 
@@ -196,13 +196,13 @@ void SFMT_append_args(SFMT_buffer* b, const char* format, bool fields, std::span
         append(b, rest.substr(0, literal));
         rest.remove_prefix(literal);
         if (rest.empty()) return;
-        const SFMT_spec spec = SFMT_read_spec(rest, fields);
-        const std::size_t length = std::max<std::size_t>(spec.length, 1);
-        if (spec.length == 0 || spec.conversion == '%') {
+        const SFMT_spec conv = SFMT_read_spec(rest, fields);
+        const std::size_t length = std::max<std::size_t>(conv.length, 1);
+        if (conv.length == 0 || conv.conversion == '%') {
             append(b, rest.substr(0, 1));
         } else {
             if (args.empty()) return;  // the check has seen to it that none is missing
-            append_argument(b, spec, args.front());
+            append_argument(b, conv, args.front());
             args = args.subspan(1);
         }
         rest.remove_prefix(length);

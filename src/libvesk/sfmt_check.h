@@ -61,11 +61,11 @@ SFMT_arg SFMT_make_arg(const T& value) {
     return arg;
 }
 
-constexpr SFMT_arg::kind SFMT_wanted_kind(const SFMT_spec& spec) {
-    if (spec.is_field || std::string_view("fFeEgG").find(spec.conversion) != std::string_view::npos)
+constexpr SFMT_arg::kind SFMT_wanted_kind(const SFMT_spec& conv) {
+    if (conv.is_field || std::string_view("fFeEgG").find(conv.conversion) != std::string_view::npos)
         return SFMT_arg::REAL;
-    if (spec.conversion == 's') return SFMT_arg::TEXT;
-    return spec.conversion == 'p' ? SFMT_arg::POINTER : SFMT_arg::INTEGER;
+    if (conv.conversion == 's') return SFMT_arg::TEXT;
+    return conv.conversion == 'p' ? SFMT_arg::POINTER : SFMT_arg::INTEGER;
 }
 
 // What is wrong with a format for arguments of these kinds, or null.
@@ -73,12 +73,12 @@ constexpr const char* SFMT_find_fault(std::string_view format, bool fields,
                                       std::span<const SFMT_arg::kind> kinds) {
     std::size_t used = 0;
     while (!format.empty()) {
-        const SFMT_spec spec = SFMT_read_spec(format, fields);
-        if (spec.fault != nullptr) return spec.fault;
-        format.remove_prefix(spec.length > 0 ? spec.length : 1);
-        if (spec.length == 0 || spec.conversion == '%') continue;
+        const SFMT_spec conv = SFMT_read_spec(format, fields);
+        if (conv.fault != nullptr) return conv.fault;
+        format.remove_prefix(conv.length > 0 ? conv.length : 1);
+        if (conv.length == 0 || conv.conversion == '%') continue;
         if (used == kinds.size()) return "more conversions than arguments";
-        if (kinds[used++] != SFMT_wanted_kind(spec)) return "an argument does not suit its conversion";
+        if (kinds[used++] != SFMT_wanted_kind(conv)) return "an argument does not suit its conversion";
     }
     return used == kinds.size() ? nullptr : "more arguments than conversions";
 }

@@ -22,14 +22,14 @@ struct layout {
 
 constexpr int NATURAL_EXPONENT = 2;
 
-layout layout_of(const SFMT_spec& spec) {
-    const bool scientific = spec.conversion != 'f';
-    const bool natural = spec.width == 0 || (scientific && spec.exponent == 0);
+layout layout_of(const SFMT_spec& conv) {
+    const bool scientific = conv.conversion != 'f';
+    const bool natural = conv.width == 0 || (scientific && conv.exponent == 0);
     layout l{.scientific = scientific,
-             .sign_column = spec.plus || spec.blank,
-             .whole = std::max(spec.width, 1),
-             .decimals = spec.precision,
-             .exponent = scientific && spec.exponent == 0 ? NATURAL_EXPONENT : spec.exponent,
+             .sign_column = conv.plus || conv.blank,
+             .whole = std::max(conv.width, 1),
+             .decimals = conv.precision,
+             .exponent = scientific && conv.exponent == 0 ? NATURAL_EXPONENT : conv.exponent,
              .total = 0};
     if (natural) return l;
     l.total = l.sign_column + l.whole + (l.decimals > 0 ? 1 + l.decimals : 0);
@@ -50,7 +50,7 @@ char* put_missing(char* at, const layout& l) {
 
 // Moves the point behind the given number of digits and writes the exponent that this leaves, for a text
 // "d.ddde+dd" as to_chars makes it.
-char* put_scientific(char* at, double magnitude, const SFMT_spec& spec, const layout& l, int decimals) {
+char* put_scientific(char* at, double magnitude, const SFMT_spec& conv, const layout& l, int decimals) {
     char raw[SFMT_LONGEST_NUMBER];
     const int digits = l.whole + decimals;
     const char* end =
@@ -66,7 +66,7 @@ char* put_scientific(char* at, double magnitude, const SFMT_spec& spec, const la
     const char* power_text = first + digits + 1;
     std::from_chars(power_text + (*power_text == '+'), end, power);
     if (magnitude != 0) power -= l.whole - 1;
-    *at++ = spec.conversion;
+    *at++ = conv.conversion;
     *at++ = power < 0 ? '-' : '+';
     char power_digits[8];
     const char* power_end =
@@ -76,8 +76,8 @@ char* put_scientific(char* at, double magnitude, const SFMT_spec& spec, const la
     return std::copy_n(power_digits, n, at);
 }
 
-char* put_magnitude(char* at, double magnitude, const SFMT_spec& spec, const layout& l, int decimals) {
-    if (l.scientific) return put_scientific(at, magnitude, spec, l, decimals);
+char* put_magnitude(char* at, double magnitude, const SFMT_spec& conv, const layout& l, int decimals) {
+    if (l.scientific) return put_scientific(at, magnitude, conv, l, decimals);
     char* end = at + SFMT_LONGEST_NUMBER - 1;
     return std::to_chars(at, end, magnitude, std::chars_format::fixed, decimals).ptr;
 }
@@ -87,13 +87,13 @@ bool shows_zero(std::string_view number) {
     return number.substr(0, number.find_first_of("eE")).find_first_not_of("0.") == std::string_view::npos;
 }
 
-std::string_view aligned(char (&text)[SFMT_LONGEST_NUMBER], char* begin, char* end, const SFMT_spec& spec,
+std::string_view aligned(char (&text)[SFMT_LONGEST_NUMBER], char* begin, char* end, const SFMT_spec& conv,
                          const layout& l) {
     const int length = static_cast<int>(end - begin);
     const int gap = std::max(0, l.total - length);
     if (gap == 0) return {begin, end};
-    std::memmove(spec.left ? text : text + gap, begin, static_cast<std::size_t>(length));
-    put(spec.left ? text + length : text, gap, ' ');
+    std::memmove(conv.left ? text : text + gap, begin, static_cast<std::size_t>(length));
+    put(conv.left ? text + length : text, gap, ' ');
     return {text, static_cast<std::size_t>(l.total)};
 }
 
@@ -106,29 +106,29 @@ std::string_view word_for(double value) {
     return value < 0 ? "-Inf" : "Inf";
 }
 
-std::string_view put_word(char (&text)[SFMT_LONGEST_NUMBER], const SFMT_spec& spec, const layout& l,
+std::string_view put_word(char (&text)[SFMT_LONGEST_NUMBER], const SFMT_spec& conv, const layout& l,
                           double value) {
     const std::string_view word = word_for(value);
     if (l.total > 0 && static_cast<int>(word.size()) > l.total) return filled(text, l);
-    return aligned(text, text, std::copy(word.begin(), word.end(), text), spec, l);
+    return aligned(text, text, std::copy(word.begin(), word.end(), text), conv, l);
 }
 
 }  // namespace
 
-std::string_view SFMT_layout_number(char (&text)[SFMT_LONGEST_NUMBER], const SFMT_spec& spec, double value) {
-    layout l = layout_of(spec);
+std::string_view SFMT_layout_number(char (&text)[SFMT_LONGEST_NUMBER], const SFMT_spec& conv, double value) {
+    layout l = layout_of(conv);
     if (VESK_is_missing(value)) return {text, static_cast<std::size_t>(put_missing(text, l) - text)};
-    if (!std::isfinite(value)) return put_word(text, spec, l, value);
+    if (!std::isfinite(value)) return put_word(text, conv, l, value);
     const bool crowded = value < 0 && !l.sign_column && l.total > 0;
     if (l.scientific && crowded && l.whole > 1) --l.whole;  // the place that the minus takes
     for (int decimals = l.decimals;;) {
         char* first_digit = text + 1;
-        char* end = put_magnitude(first_digit, std::fabs(value), spec, l, decimals);
+        char* end = put_magnitude(first_digit, std::fabs(value), conv, l, decimals);
         const bool minus = value < 0 && !shows_zero({first_digit, end});
         char* begin = minus || l.sign_column ? text : first_digit;
-        if (begin == text) *begin = minus ? '-' : spec.plus ? '+' : ' ';
+        if (begin == text) *begin = minus ? '-' : conv.plus ? '+' : ' ';
         const int excess = l.total > 0 ? static_cast<int>(end - begin) - l.total : 0;
-        if (excess <= 0) return aligned(text, begin, end, spec, l);
+        if (excess <= 0) return aligned(text, begin, end, conv, l);
         if (decimals == 0) return filled(text, l);
         decimals = std::max(0, decimals - excess);
     }

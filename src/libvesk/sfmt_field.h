@@ -9,5 +9,5 @@
 inline constexpr std::size_t SFMT_LONGEST_NUMBER = 512;
 
 // Writes the number to `text` and returns what it wrote; sfmt.h tells the rules.
-[[nodiscard]] std::string_view SFMT_layout_number(char (&text)[SFMT_LONGEST_NUMBER], const SFMT_spec& spec,
+[[nodiscard]] std::string_view SFMT_layout_number(char (&text)[SFMT_LONGEST_NUMBER], const SFMT_spec& conv,
                                                   double value);

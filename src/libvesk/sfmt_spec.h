@@ -49,75 +49,75 @@ struct SFMT_cursor {
     }
 };
 
-constexpr void SFMT_read_flags(SFMT_cursor& at, SFMT_spec& spec, bool percent) {
+constexpr void SFMT_read_flags(SFMT_cursor& at, SFMT_spec& conv, bool percent) {
     for (;;) {
         if (at.take('-'))
-            spec.left = true;
+            conv.left = true;
         else if (at.take('+'))
-            spec.plus = true;
+            conv.plus = true;
         else if (at.take(' '))
-            spec.blank = true;
+            conv.blank = true;
         else if (percent && at.take('0'))
-            spec.zeros = true;
+            conv.zeros = true;
         else if (percent && at.take('#'))
-            spec.alternate = true;
+            conv.alternate = true;
         else
             return;
     }
 }
 
-constexpr void SFMT_read_size(SFMT_cursor& at, SFMT_spec& spec) {
+constexpr void SFMT_read_size(SFMT_cursor& at, SFMT_spec& conv) {
     if (at.take("hh"))
-        spec.bits = 8;
+        conv.bits = 8;
     else if (at.take('h'))
-        spec.bits = 16;
+        conv.bits = 16;
     else if (!at.take("ll"))  // arguments know their own size: what does not narrow changes nothing
         static_cast<void>(at.take('l') || at.take('z') || at.take('j') || at.take('t'));
 }
 
 // `format` begins with "%".
 constexpr SFMT_spec SFMT_read_percent(std::string_view format) {
-    SFMT_spec spec;
+    SFMT_spec conv;
     SFMT_cursor at{format.substr(1)};
-    SFMT_read_flags(at, spec, true);
-    spec.width = at.take_number(0);
-    if (at.take('.')) spec.precision = at.take_number(0);
-    SFMT_read_size(at, spec);
-    spec.conversion = at.peek();
+    SFMT_read_flags(at, conv, true);
+    conv.width = at.take_number(0);
+    if (at.take('.')) conv.precision = at.take_number(0);
+    SFMT_read_size(at, conv);
+    conv.conversion = at.peek();
     constexpr std::string_view LETTERS = "diuxXocspfFeEgG%";
-    if (spec.conversion == '\0' || LETTERS.find(spec.conversion) == std::string_view::npos)
-        spec.fault = "an unknown conversion follows a %";
-    else if (spec.conversion == '%' && at.rest.size() + 1 != format.size())
-        spec.fault = "%% takes neither flags nor width";
-    else if (spec.alternate && std::string_view("xXo").find(spec.conversion) == std::string_view::npos)
-        spec.fault = "# suits x, X and o only";
-    else if (spec.width > SFMT_MAX_WIDTH || (spec.precision > SFMT_MAX_DIGITS && spec.conversion != 's'))
-        spec.fault = "a width or precision is too large";
-    spec.length = format.size() - at.rest.size() + (at.rest.empty() ? 0 : 1);
-    return spec;
+    if (conv.conversion == '\0' || LETTERS.find(conv.conversion) == std::string_view::npos)
+        conv.fault = "an unknown conversion follows a %";
+    else if (conv.conversion == '%' && at.rest.size() + 1 != format.size())
+        conv.fault = "%% takes neither flags nor width";
+    else if (conv.alternate && std::string_view("xXo").find(conv.conversion) == std::string_view::npos)
+        conv.fault = "# suits x, X and o only";
+    else if (conv.width > SFMT_MAX_WIDTH || (conv.precision > SFMT_MAX_DIGITS && conv.conversion != 's'))
+        conv.fault = "a width or precision is too large";
+    conv.length = format.size() - at.rest.size() + (at.rest.empty() ? 0 : 1);
+    return conv;
 }
 
 // `format` begins with "*". Without "~" what is no conversion is literal text.
 constexpr SFMT_spec SFMT_read_field(std::string_view format) {
-    SFMT_spec spec;
+    SFMT_spec conv;
     SFMT_cursor at{format.substr(1)};
     const bool certain = at.take('~');
-    spec.is_field = true;
-    SFMT_read_flags(at, spec, false);
-    spec.width = at.take_number(0);
+    conv.is_field = true;
+    SFMT_read_flags(at, conv, false);
+    conv.width = at.take_number(0);
     bool complete = at.take('.');
-    spec.precision = at.take_number(-1);
-    complete = complete && spec.precision >= 0;
+    conv.precision = at.take_number(-1);
+    complete = complete && conv.precision >= 0;
     const bool three = complete && at.take('.');
-    if (three) spec.exponent = at.take_number(0);
-    spec.conversion = at.peek();
-    const bool is_exponent = spec.conversion == 'e' || spec.conversion == 'E';
-    complete = complete && (is_exponent || (spec.conversion == 'f' && !three));
+    if (three) conv.exponent = at.take_number(0);
+    conv.conversion = at.peek();
+    const bool is_exponent = conv.conversion == 'e' || conv.conversion == 'E';
+    complete = complete && (is_exponent || (conv.conversion == 'f' && !three));
     if (!complete) return {.fault = certain ? "\"*~\" begins no number conversion" : nullptr};
-    if (spec.width > SFMT_MAX_DIGITS || spec.precision > SFMT_MAX_DIGITS || spec.exponent > SFMT_MAX_DIGITS)
-        spec.fault = "a group of a number conversion is too large";
-    spec.length = format.size() - at.rest.size() + 1;
-    return spec;
+    if (conv.width > SFMT_MAX_DIGITS || conv.precision > SFMT_MAX_DIGITS || conv.exponent > SFMT_MAX_DIGITS)
+        conv.fault = "a group of a number conversion is too large";
+    conv.length = format.size() - at.rest.size() + 1;
+    return conv;
 }
 
 // The conversion at the front of `format`; `fields` says whether "*" conversions are read.
