@@ -79,7 +79,7 @@ void draw_frame(const CURSDIALOG_type& dlg, const Layout& layout, const Look& lo
     const chtype attr = on_top ? look.highlight : look.normal;
     wattrset(win, static_cast<int>(attr));
     if (getmaxx(win) > 1) box(win, 0, 0);  // in one column curses would write behind it
-    wattrset(win, A_NORMAL);  // they would be mixed into every cell written from here on
+    wattrset(win, A_NORMAL);               // they would be mixed into every cell written from here on
     const Canvas whole{win, {0, 0, layout.box.rows, layout.box.cols}, 0, 0};
     draw_in_border(whole, 1, dlg.title, attr);
     draw_in_border(whole, layout.box.rows, dlg.reason, look.highlight);
