@@ -69,8 +69,10 @@ std::string essence(const std::string& svg) {
     return result;
 }
 
-// Draws the picture anew, or finds that it still shows what the program does.
-void picture(const Terminal& console, const std::string& name) {
+// Draws the picture anew, or finds that it still shows what the program does. The time comes up with the
+// first tick, and half a drawing is none.
+void picture(Terminal& console, const std::string& name) {
+    EXPECT_TRUE(console.shows("UTC: ") && console.settles());
     save_screen(console, name);
     const std::string now = essence(console.svg("vesk.cursclient"));
     const std::string path = VESK_DOCS "/images/" + name + ".svg";
