@@ -104,23 +104,31 @@ class mark {
         terminal.press(Key::f5);  // the debug console
         terminal.type("\x05");    // the error strip
         terminal.alt(STATION_link::MARK_KEY);
-        must(terminal.shows(TITLE));
-        must(terminal.shows(LABEL));
-        place_ = *terminal.find(TITLE);
-        while (terminal.row(place_.row).find(LABEL) == std::string::npos)
-            ++place_.row;
+        must(terminal.wait_for([&] { return locate(); }, "the window of the mark"));
     }
     [[nodiscard]] double number() const {
-        std::string text;
-        for (int x = place_.col - 12; x < place_.col + 18; ++x)
-            text += terminal_.cell(place_.row, x).text;
-        const std::size_t at = text.find(LABEL);
-        return at != std::string::npos ? std::atof(text.c_str() + at + std::string_view(LABEL).size()) : -1;
+        const std::string text = inside();
+        return text.starts_with(LABEL) ? std::atof(text.c_str() + std::string_view(LABEL).size()) : -1;
     }
 
   private:
     static constexpr const char* TITLE = "\u2500Mark\u2500";
     static constexpr const char* LABEL = "Last Average:";
+    static constexpr int COLUMNS_TO_TITLE = 11;  // from the window's inside
+    static constexpr int ROWS_TO_LABEL = 2;
+
+    // The window may be half drawn.
+    bool locate() {
+        const auto title = terminal_.find(TITLE);
+        if (title) place_ = {title->row + ROWS_TO_LABEL, title->col - COLUMNS_TO_TITLE};
+        return title && inside().starts_with(LABEL);
+    }
+    [[nodiscard]] std::string inside() const {
+        std::string text;
+        for (int x = 0; x < 29; ++x)
+            text += terminal_.cell(place_.row, place_.col + x).text;
+        return text;
+    }
     Terminal& terminal_;
     Terminal::Place place_{};
 };

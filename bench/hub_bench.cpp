@@ -187,8 +187,9 @@ contestant relay(std::size_t readers) {
     return {"raw relay, unix socket", where, serve, nothing, nothing, payload()};
 }
 
-// Just enough of MQTT 3.1.1, so that no client library stands between the load and the broker.
-contestant broker() {
+// Just enough of MQTT 3.1.1, so that no client library stands between the load and the broker. Sending every
+// message at once makes it prompt and costs it throughput: it is run either way, for what that is good for.
+contestant broker(bool prompt) {
     using std::string_literals::operator""s;
     const place where{"", FIRST_PORT + 1};
     const FRAME_bytes content = payload();
@@ -200,10 +201,11 @@ contestant broker() {
                         std::byte{1},
                         std::byte{'t'}};
     message.insert(message.end(), content.begin(), content.end());
-    const auto serve = [where] {
+    const auto serve = [where, prompt] {
         const std::string file = g_folder + "/mosquitto.conf";
         std::ofstream(file) << "listener " << where.port
-                            << " 127.0.0.1\nallow_anonymous true\nset_tcp_nodelay true\nlog_type none\n";
+                            << " 127.0.0.1\nallow_anonymous true\nlog_type none\nset_tcp_nodelay "
+                            << (prompt ? "true\n" : "false\n");
         execlp("mosquitto", "mosquitto", "-c", file.c_str(), nullptr);
         execl("/usr/sbin/mosquitto", "mosquitto", "-c", file.c_str(), nullptr);
         _exit(1);
@@ -371,7 +373,13 @@ void show_latency(const std::string& what, const result& hub, const result& brok
 
 void compare(std::size_t readers, double duration) {
     const result raw = run(relay(readers), readers, duration);
-    const result other = run(broker(), readers, duration);
+    result other = run(broker(false), readers, duration);
+    const result prompt = run(broker(true), readers, duration);
+    if (prompt.median < other.median) {
+        other.median = prompt.median;
+        other.slow = prompt.slow;
+    }
+    other.rate = std::max(other.rate, prompt.rate);
     const result local = run(hub("vesk.server", {g_folder + "/hub.sock", 0}), readers, duration);
     const result tcp = run(hub("vesk.server", {"", FIRST_PORT}), readers, duration);
     const std::string to = " to " + std::to_string(readers) + (readers == 1 ? " reader" : " readers");

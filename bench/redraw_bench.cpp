@@ -2,10 +2,10 @@
 // beside a bare curses loop that draws the same boxes and texts: a record of what the windows showed, drawn
 // again with box and waddnstr. Both draw for the same terminal, which throws its output away, and the bare
 // loop's screen is compared with the console's before anything is timed.
-#include <benchmark/benchmark.h>
 #include <curses.h>
 #include <panel.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -16,6 +16,7 @@
 #include "console_rig.h"
 #include "cursclient/cursclient.h"
 #include "cursclient/wins.h"
+#include "table.h"
 
 namespace {
 
@@ -173,61 +174,62 @@ class scene {
     std::vector<std::string> screens_;
 };
 
-scene& the_scene() {
-    static scene s;
-    return s;
-}
-
 // Of this thread's own time, so that the other programs of a busy machine do not count.
-double thread_seconds() {
+double thread_microseconds() {
     timespec now{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+    return static_cast<double>(now.tv_sec) * 1e6 + static_cast<double>(now.tv_nsec) * 1e-3;
 }
 
-template <class DRAW>
-double seconds_of(DRAW draw) {
-    const double began = thread_seconds();
-    draw();
-    return thread_seconds() - began;
-}
-
-void pass_console(benchmark::State& state) {
-    scene& s = the_scene();
-    std::size_t frame = 0;
-    for (auto _ : state) {
-        s.prepare(frame++ % FRAMES);
-        state.SetIterationTime(seconds_of(redraw));
+class stopwatch {
+  public:
+    template <class DRAW>
+    void time(DRAW draw) {
+        const double began = thread_microseconds();
+        draw();
+        times_.push_back(thread_microseconds() - began);
     }
-    state.counters["windows"] = static_cast<double>(s.windows());
-}
+    [[nodiscard]] double median() {
+        std::sort(times_.begin(), times_.end());
+        return times_[times_.size() / 2];
+    }
 
-void pass_bare(benchmark::State& state) {
-    scene& s = the_scene();
-    std::size_t frame = 0;
-    for (auto _ : state)
-        state.SetIterationTime(seconds_of([&] { s.draw_bare(frame++ % FRAMES); }));
-}
+  private:
+    std::vector<double> times_;
+};
 
 // An ordinary day: the windows of four instruments in view, the others hidden.
-void pass_four_windows(benchmark::State& state) {
-    scene& s = the_scene();
-    std::vector<WINS_window*> shown;
+void hide_all_but_four() {
+    int left = 4;
     for (WINS_window& win : LL_each<WINS_window>(g_window_list))
-        if (win.visible) shown.push_back(&win);
-    for (std::size_t i = 4; i < shown.size(); ++i)
-        WINS_hide_window(shown[i]);
-    std::size_t frame = 0;
-    for (auto _ : state) {
-        s.prepare(frame++ % FRAMES);
-        state.SetIterationTime(seconds_of(redraw));
-    }
-    for (WINS_window* win : shown)
-        WINS_show_window(win);
+        if (win.visible && left-- <= 0) WINS_hide_window(&win);
 }
 
-BENCHMARK(pass_console)->UseManualTime()->Unit(benchmark::kMicrosecond);
-BENCHMARK(pass_four_windows)->UseManualTime()->Unit(benchmark::kMicrosecond);
-BENCHMARK(pass_bare)->UseManualTime()->Unit(benchmark::kMicrosecond);
-
 }  // namespace
+
+int main(int argc, char** argv) {
+    const int passes = argc > 1 ? std::atoi(argv[1]) : 1500;
+    scene s;
+    stopwatch console;
+    stopwatch bare;
+    // In turns, so that both meet the same machine, and each draws another second than the one on the screen.
+    for (std::size_t i = 0; i < static_cast<std::size_t>(passes) * 2;) {
+        s.prepare(i++ % FRAMES);
+        console.time(redraw);
+        bare.time([&] { s.draw_bare(i++ % FRAMES); });
+    }
+    hide_all_but_four();
+    stopwatch four;
+    for (int i = 0; i < passes; ++i) {
+        s.prepare(static_cast<std::size_t>(i) % FRAMES);
+        four.time(redraw);
+    }
+    const double pass = console.median();
+    TABLE_row("a pass, " + std::to_string(s.windows()) + " windows in view", TABLE_number(pass) + " us",
+              "bare curses " + TABLE_number(bare.median()) + " us", TABLE_number(pass / bare.median(), 2),
+              "at most 1.5");
+    TABLE_row("such a pass five times a second", TABLE_number(pass * 5 / 1e4, 2) + " % of a core", "", "",
+              "under 1 %");
+    TABLE_row("a pass, 4 windows in view", TABLE_number(four.median()) + " us");
+    return 0;
+}

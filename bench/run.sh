@@ -37,10 +37,7 @@ results() {
     medians format_bench >"$scratch"
     pair "a value with decimals" fixed_sfmt fixed_snprintf snprintf ns "at most 1" "$scratch"
     pair "a value with an exponent" scientific_sfmt scientific_snprintf snprintf ns "at most 1" "$scratch"
-    medians redraw_bench >"$scratch"
-    pair "a pass, every window in view" pass_console pass_bare "bare curses" us "at most 1.5" "$scratch"
-    awk '$1 == "pass_console" { printf "| the same five times a second | %.2f %% of a core | | | under 1 %% |\n", $2 * 5e-4 }
-         $1 == "pass_four_windows" { printf "| a pass, four windows in view | %.0f us | | | |\n", $2 }' "$scratch"
+    "$build/bin/redraw_bench"
     medians dispatch_bench >"$scratch"
     awk '{ printf "| messages read, decoded and offered to every display | %.0f/s | | | |\n", $3 }' "$scratch"
     rm -f "$scratch"
