@@ -195,6 +195,7 @@ TEST_F(Absorption, ThePsapsChangeTheirFilters) {
 
 TEST_F(Absorption, TapesAdvanceAndCavitiesAreZeroedOnCommand) {
     start("aethalometer,maap,caps,pax", "60");
+    ASSERT_TRUE(is_up(*console_, "CEMP"));
     struct case_row {
         char key;
         const char *name, *first_row, *screen, *button, *command, *dest, *answer;
