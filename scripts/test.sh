@@ -27,11 +27,12 @@ leaks() {
 
 scripts/setup.sh test
 jobs=$(nproc)
-set -- --output-on-failure --no-tests=error --parallel "$jobs" "$@"
+# Most tests wait most of the time, for a clock or for each other.
+set -- --output-on-failure --no-tests=error --parallel "$((4 * jobs))" "$@"
 
 launcher=
 command -v ccache >/dev/null && launcher=ccache
-cmake --preset "$preset" -DVESK_TESTS=ON -DCMAKE_CXX_COMPILER_LAUNCHER="$launcher"
+cmake --preset "$preset" -DVESK_TESTS=ON -DVESK_UNITY_TESTS=ON -DCMAKE_CXX_COMPILER_LAUNCHER="$launcher"
 
 if [ "$preset" = sanitize ]; then
     detect_leaks=$(leaks)

@@ -40,6 +40,10 @@ struct driver_case {
     int unplugged;  // its exit code then
 };
 
+void PrintTo(const driver_case& c, std::ostream* os) {
+    *os << c.program.front();
+}
+
 class ExampleDriver : public testing::TestWithParam<driver_case> {
   protected:
     void start() {

@@ -17,6 +17,9 @@
 #include "libvesk/records/all.h"
 #include "simstation/kinds.h"
 
+// When simulated stations of tests begin: a Tuesday night, with a new minute.
+constexpr FTIME SIM_START = 1'700'000'040;
+
 template <class R>
 concept WireRecord = requires {
     NETDSD_traits<R>::entry;
@@ -101,9 +104,9 @@ struct DeliveredMessage {
 class SimProbe {
   public:
     struct Options {
-        SIM_settings settings;        // seed 1, averages of 60 s
-        FTIME start = 1'700'000'040;  // a Tuesday night; begins a minute
-        std::string name = "";        // the kind's own when empty
+        SIM_settings settings;  // seed 1, averages of 60 s
+        FTIME start = SIM_START;
+        std::string name = "";  // the kind's own when empty
     };
 
     // Joins at once. `type` is a row of the table of kinds.

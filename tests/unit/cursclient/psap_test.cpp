@@ -70,6 +70,10 @@ struct PsapKind {
     const char* window;
 };
 
+void PrintTo(const PsapKind& kind, std::ostream* os) {
+    *os << kind.type;
+}
+
 class PsapFilter : public DisplayRig, public testing::WithParamInterface<PsapKind> {
   protected:
     PsapFilter() {

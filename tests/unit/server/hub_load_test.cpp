@@ -7,8 +7,6 @@ namespace {
 
 using wire::message;
 
-constexpr DWORD ALL = VESKMSG_TO_ALL;
-
 class HubLoad : public HubRig {
   protected:
     static HUB_params small_queues() {

@@ -14,9 +14,12 @@
 #include <vector>
 
 #include "libvesk/util.h"
+#include "libvesk/veskmsg.h"
 #include "server/hub.h"
 #include "server/listener.h"
 #include "support/wire.h"
+
+constexpr DWORD ALL = VESKMSG_TO_ALL;
 
 class HubRig : public testing::Test {
   protected:

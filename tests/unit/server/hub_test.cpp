@@ -8,7 +8,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using wire::message;
 
-constexpr DWORD ALL = VESKMSG_TO_ALL;
 constexpr DWORD SHARED = VESKMSG_TO_ALL | VESKMSG_RESERVED | VESKMSG_KEEP;
 
 using Hub = HubRig;

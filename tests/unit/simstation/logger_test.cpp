@@ -14,8 +14,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-constexpr FTIME START = 1'700'000'040;
-
 class Logger : public testing::Test {
   protected:
     Logger() { sink.now = &world.now; }
@@ -39,7 +37,7 @@ class Logger : public testing::Test {
     }
 
     CollectingSink sink;
-    SIM_world world{SIM_settings{}, START};
+    SIM_world world{SIM_settings{}, SIM_START};
 };
 
 TEST_F(Logger, ErrorLinesComeAtTheirRateOrNotAtAll) {

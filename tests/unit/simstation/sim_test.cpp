@@ -39,7 +39,6 @@ struct recorder {
 
 constexpr SIM_decl DCL = SIM_decl_of<recorder>();
 constexpr SIM_kind KIND = {"recorder", "R1", "Recorder", 'r', "first second", FALSE, &DCL};
-constexpr FTIME START = 1'700'000'040;  // begins a minute
 
 class Instrument : public testing::Test {
   protected:
@@ -67,7 +66,7 @@ class Instrument : public testing::Test {
     }
 
     CollectingSink sink;
-    SIM_world world{SIM_settings{}, START};
+    SIM_world world{SIM_settings{}, SIM_START};
     SIM_instrument sim{world, sink, {&KIND, "R1", "Recorder", 'r'}};
 };
 
@@ -94,10 +93,10 @@ TEST_F(Instrument, BlocksEndOnTheMinuteWhateverItsStart) {
     for (const SentMessage& m : sink.sent)
         if (m.msg == MSG_CPC_PULSE_AVERAGE) averages.push_back(m.as<NET_CPC_Pulse_Avg>());
     ASSERT_EQ(averages.size(), 2u);
-    EXPECT_EQ(+averages[0].start_time, START + 45);
-    EXPECT_EQ(+averages[0].concentration, START + 59) << "sent in the last second of the minute";
-    EXPECT_EQ(+averages[1].start_time, START + 60);
-    EXPECT_EQ(+averages[1].concentration, START + 119);
+    EXPECT_EQ(+averages[0].start_time, SIM_START + 45);
+    EXPECT_EQ(+averages[0].concentration, SIM_START + 59) << "sent in the last second of the minute";
+    EXPECT_EQ(+averages[1].start_time, SIM_START + 60);
+    EXPECT_EQ(+averages[1].concentration, SIM_START + 119);
 }
 
 TEST_F(Instrument, StatusGoesOutOnlyWhenItChanges) {
@@ -166,7 +165,7 @@ TEST_F(Instrument, AnErrorLineIsForEveryOperatorOnce) {
     sim.send_error_line("flow %.1f", 1.25);
     const auto line = record<NET_LOG_MonitorMessage>(0);
     EXPECT_EQ(line.flags, NET_LOG_MONITOR_ERROR);
-    EXPECT_EQ(+line.msgtime, START);
+    EXPECT_EQ(+line.msgtime, SIM_START);
     EXPECT_STREQ(line.msg, "flow 1.2");
     EXPECT_EQ(sink.sent[0].flags, DWORD{VESKMSG_TO_ALL});
 }

@@ -19,13 +19,12 @@ namespace {
 
 using testing::IsEmpty;
 
-constexpr FTIME START = 1'700'000'040;
 constexpr double AFTERMATH = 20;  // seconds played on after an event
 
 const auto FOLDER = std::filesystem::path(__FILE__).parent_path() / "../../../docs/scenarios";
 
 FTIME real_start() {
-    return START;
+    return SIM_START;
 }
 
 // The instruments that the head of the file asks for.
@@ -39,7 +38,7 @@ std::string kinds_of(const std::string& text) {
 class Training {
   public:
     explicit Training(const std::filesystem::path& path)
-        : world({}, START), logger(world, sink, "LOGGER", {}, {}) {
+        : world({}, SIM_START), logger(world, sink, "LOGGER", {}, {}) {
         std::ifstream file(path);
         text.assign(std::istreambuf_iterator<char>(file), {});
         std::vector<std::string> errors;
@@ -57,9 +56,9 @@ class Training {
     }
 
     void run_until(double second) {
-        while (world.now < START + second) {
+        while (world.now < SIM_START + second) {
             world.advance();
-            while (!m_events.empty() && START + m_events.front().at <= world.now) {
+            while (!m_events.empty() && SIM_START + m_events.front().at <= world.now) {
                 play(m_events.front());
                 m_events.erase(m_events.begin());
             }
@@ -70,7 +69,7 @@ class Training {
     // All events, and what comes right after each; the long time between them is left out.
     void run_through() {
         while (!m_events.empty()) {
-            world.now = std::max(world.now, START + m_events.front().at - 1);
+            world.now = std::max(world.now, SIM_START + m_events.front().at - 1);
             run_until(m_events.front().at + AFTERMATH);
         }
     }
@@ -180,8 +179,8 @@ TEST_F(TrainingTest, AClosedBottleShowsInTheResultsOfItsInstrumentOnly) {
         return NET_COMMON_Neph_SpancheckIssue{now + 180, now + 780, now + 1080, now + 1260, now + 1860};
     };
     const auto check = [&](const char* name) {
-        training.order(name, MSG_COMMON_NEPH_SPANCHECK_ISSUE, order(START));
-        training.run_until(training.world.now - START + 1870);
+        training.order(name, MSG_COMMON_NEPH_SPANCHECK_ISSUE, order(SIM_START));
+        training.run_until(training.world.now - SIM_START + 1870);
         return +training.last<MSG_COMMON_NEPH_SPANCHECK_RESULTS>().pcterrTS[1];
     };
     training.run_until(60);
