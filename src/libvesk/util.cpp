@@ -2,10 +2,12 @@
 // of it is process-wide: the role, the clock's source and the exit request belong to this unit.
 #include "libvesk/util.h"
 
+#include <limits.h>
 #include <locale.h>
 #include <poll.h>
 #include <sched.h>
 #include <strings.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
@@ -25,6 +27,7 @@ namespace {
 constexpr int EXIT_SIGNALS[] = {SIGINT, SIGTERM, SIGQUIT, SIGHUP};
 
 char g_title[64];
+unsigned g_lines_lost;
 UTIL_clock g_clock;
 std::atomic<bool> g_exit_requested;
 static_assert(std::atomic<bool>::is_always_lock_free, "the exit request is set by a signal handler");
@@ -89,18 +92,25 @@ void UTIL_assertion_failed_errno(const char* source, int line, const char* expre
     UTIL_complain("assertion failed (%s:%i): %s: %s", source, line, expression, std::strerror(error));
 }
 
+void UTIL_say(std::string_view line) {
+    constexpr std::size_t LONGEST = 1023;
+    std::string text;
+    if (g_lines_lost > 0) text = "(" + std::to_string(g_lines_lost) + " lines lost)\n";
+    text.append(line.substr(0, LONGEST)).push_back('\n');
+    // A pipe that takes anything takes PIPE_BUF bytes, so the write does not wait either.
+    static_assert(LONGEST + 64 <= PIPE_BUF);
+    pollfd fd{STDERR_FILENO, POLLOUT, 0};
+    const bool taken = poll(&fd, 1, 0) > 0 && write(fd.fd, text.data(), text.size()) >= 0;
+    g_lines_lost = taken ? 0 : g_lines_lost + 1;
+}
+
 void UTIL_complain(const char* format, ...) {
-    char text[1024];  // one write, so that lines of several processes on one terminal do not mix
-    const std::size_t room = sizeof text - 1;
-    std::size_t used = std::strlen(g_title);
-    std::memcpy(text, g_title, used);
+    char text[1024];
     va_list args;
     va_start(args, format);
-    const int wanted = std::vsnprintf(text + used, room - used, format, args);
+    std::vsnprintf(text, sizeof text, format, args);
     va_end(args);
-    if (wanted > 0) used = std::min(used + static_cast<std::size_t>(wanted), room - 1);
-    text[used++] = '\n';
-    std::fwrite(text, 1, used, stderr);
+    UTIL_say(std::string(g_title) + text);
 }
 
 FTIME UTIL_ftime() {

@@ -15,10 +15,14 @@ void LIBVESK_cleanup();
 // The message-title prefix of lines on standard error: the role and ": ", "" before LIBVESK_init.
 [[nodiscard]] const char* LIBVESK_title();
 
+// Writes the line to standard error, cut to 1 KiB, in one piece: lines of several processes on one terminal
+// do not mix. Never waits: a line that nobody takes (a full pipe, a terminal that is held) is lost, and the
+// next one that is taken comes behind how many were.
+void UTIL_say(std::string_view line);
 // Writes "%sassertion failed (%s:%i): %s\n" to standard error, or the form with the system's error text.
 void UTIL_assertion_failed(const char* source, int line, const char* expression);
 void UTIL_assertion_failed_errno(const char* source, int line, const char* expression, int error);
-// Writes one line "<title>text\n" to standard error, cut to 1 KiB; printf-checked.
+// Says "<title>text"; printf-checked.
 void UTIL_complain(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
 // Current time. Tests replace the source; null restores the real clock.

@@ -9,7 +9,6 @@
 #include <asio/steady_timer.hpp>
 #include <chrono>
 #include <csignal>
-#include <cstdio>
 #include <ctime>
 #include <list>
 
@@ -27,7 +26,7 @@ void write_log(const std::string& text) {
     gmtime_r(&now, &utc);
     char stamp[32];
     std::strftime(stamp, sizeof stamp, "%Y-%m-%dT%H:%M:%SZ", &utc);
-    std::fprintf(stderr, "%s vesk.server: %s\n", stamp, text.c_str());
+    UTIL_say(std::string(stamp) + " vesk.server: " + text);
 }
 
 // As many peers as there may be descriptors, of which the program takes what it is allowed to.

@@ -41,7 +41,7 @@ struct driver_case {
 };
 
 void PrintTo(const driver_case& c, std::ostream* os) {
-    *os << c.program.front();
+    *os << c.name;
 }
 
 class ExampleDriver : public testing::TestWithParam<driver_case> {

@@ -60,6 +60,20 @@ TEST(Harness, KeysSizesAndTerminalQueriesReachTheProgram) {
     EXPECT_TRUE(terminal.shows("resized to 8 30"));
 }
 
+TEST(Harness, SurvivesASmallerSizeWhileLinesScroll) {
+    Terminal terminal(
+        shell(R"(printf '\033[20;24rscrolls'; read -r _; printf '\033[M\033[9;1H\n\n\n\nstill'; sleep 100)"));
+    ASSERT_TRUE(terminal.shows("scrolls"));
+    terminal.resize({10, 80});
+    terminal.type("\n");
+    EXPECT_TRUE(terminal.shows("still"));
+}
+
+TEST(Harness, SurvivesAWideCharacterInASingleColumn) {
+    Terminal terminal(shell(R"(printf '\360\237\230\200'; exit 3)"), {3, 1});
+    EXPECT_EQ(terminal.wait_exit(), 3);
+}
+
 TEST(Harness, TellsHowTheTerminalWasLeft) {
     Terminal terminal(shell(R"(printf '\033[?1049h\033[?25lin'; stty raw; read -r x
                                stty sane; printf '\033[?1049l\033[?25hout'; exit 7)"));

@@ -43,6 +43,12 @@ std::size_t columns(std::string_view utf8) {
     return utf8.size() - static_cast<std::size_t>(std::count_if(utf8.begin(), utf8.end(), continues));
 }
 
+// libvterm 0.1 writes the second half of a wide character, such as the line echoes when one is typed at a
+// shell, to nowhere where a row has a single column.
+int emulated_columns(TerminalSize size) {
+    return std::max(size.cols, 2);
+}
+
 winsize window_size(TerminalSize size) {
     winsize w{};
     w.ws_row = static_cast<unsigned short>(size.rows);
@@ -97,6 +103,8 @@ struct Terminal::Impl {
     void pump(int milliseconds);
     void take(std::string_view bytes);
     void take_the_rest();
+    bool has_scroll_region() const;
+    void forget_scroll_region();
     bool idle();
     void write(std::string_view bytes) const;
     std::string row(int y) const;
@@ -131,6 +139,28 @@ void Terminal::Impl::pump(int milliseconds) {
 void Terminal::Impl::take(std::string_view bytes) {
     output += bytes;
     vterm_input_write(vt, bytes.data(), bytes.size());
+}
+
+// By what the program asked for last.
+bool Terminal::Impl::has_scroll_region() const {
+    std::string_view before = output;
+    for (std::size_t at = 0; (at = before.rfind("\033[")) != std::string_view::npos;
+         before = before.substr(0, at)) {
+        const std::string_view request = std::string_view(output).substr(at + 2);
+        const std::size_t end = request.find_first_not_of("0123456789;");
+        if (end != std::string_view::npos && request[end] == 'r')
+            return end > 0 && !request.starts_with("1;");
+    }
+    return false;
+}
+
+// As terminals do when their size changes; libvterm 0.1 would go on with a region that ends above its start.
+void Terminal::Impl::forget_scroll_region() {
+    VTermPos cursor{};
+    vterm_state_get_cursorpos(vterm_obtain_state(vt), &cursor);
+    const std::string request =
+        "\033[r\033[" + std::to_string(cursor.row + 1) + ";" + std::to_string(cursor.col + 1) + "H";
+    vterm_input_write(vt, request.data(), request.size());
 }
 
 // The program waits for something to happen, has no key left to read, and all it wrote was taken.
@@ -199,7 +229,7 @@ Terminal::Terminal(Command command, TerminalSize size) : impl_(std::make_unique<
                                                     .sb_pushline = nullptr,
                                                     .sb_popline = nullptr};
     impl_->size = size;
-    impl_->vt = vterm_new(size.rows, size.cols);
+    impl_->vt = vterm_new(size.rows, emulated_columns(size));
     vterm_set_utf8(impl_->vt, 1);
     vterm_output_set_callback(impl_->vt, Impl::on_output, impl_.get());
     use_palette(vterm_obtain_state(impl_->vt));
@@ -257,7 +287,8 @@ void Terminal::alt(char character) {
 
 void Terminal::resize(TerminalSize size) {
     impl_->size = size;
-    vterm_set_size(impl_->vt, size.rows, size.cols);
+    if (impl_->has_scroll_region()) impl_->forget_scroll_region();
+    vterm_set_size(impl_->vt, size.rows, emulated_columns(size));
     const winsize w = window_size(size);
     ioctl(impl_->master, TIOCSWINSZ, &w);
 }

@@ -13,6 +13,7 @@
 #include <thread>
 
 #include <pthread.h>
+#include <unistd.h>
 
 namespace {
 
@@ -201,6 +202,27 @@ TEST(UtilLines, CarryTheRole) {
     EXPECT_EQ(std::raise(SIGPIPE), 0);
     LIBVESK_cleanup();
     EXPECT_STREQ(LIBVESK_title(), "");
+}
+
+// A reader of the log that hangs must not stop a program that instruments wait for.
+TEST(UtilSay, NeverWaitsForAReaderAndTellsWhatWasLost) {
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const int before = dup(STDERR_FILENO);
+    dup2(ends[1], STDERR_FILENO);
+    for (int i = 0; i < 1000; ++i)
+        UTIL_say(std::string(500, 'x'));
+    std::string text(1 << 20, '\0');
+    const ssize_t taken = read(ends[0], text.data(), text.size());
+    UTIL_say("the next");
+    const ssize_t n = read(ends[0], text.data(), text.size());
+    dup2(before, STDERR_FILENO);
+    for (const int fd : {before, ends[0], ends[1]})
+        close(fd);
+    ASSERT_GT(taken, 0);
+    EXPECT_EQ(taken % 501, 0) << "a line was cut";
+    EXPECT_EQ(text.substr(0, static_cast<std::size_t>(n)),
+              "(" + std::to_string(1000 - taken / 501) + " lines lost)\nthe next\n");
 }
 
 }  // namespace
