@@ -243,6 +243,7 @@ TEST_F(Storm, OfHostileTextsNeverReachesATerminalRaw) {
         all.back()->announce(instruments()[i].type, INJECTIONS[i % std::size(INJECTIONS)],
                              "\033\233\a\016"[i % 4]);
     }
+    ASSERT_TRUE(monitor->wait_line({"MSG_SERVER_INSTRUMENTINFO", instruments().back().name}));
     std::size_t records = 0;
     for (int type = 0; type < NETMSG_COUNT; ++type) {
         const NETMSG_entry* msg = NETMSG_by_type(type);

@@ -35,6 +35,7 @@ int connect_unix(const std::string& path) {
 }
 
 Station::Station(std::vector<std::string> server_arguments) {
+    server_arguments.emplace_back("--verbose");
     server_ = start("vesk.server", std::move(server_arguments));
     const auto listens = [this] {
         const int fd = connect_unix(socket());
@@ -55,7 +56,15 @@ std::unique_ptr<Process> Station::start(std::string_view name, std::vector<std::
 }
 
 std::unique_ptr<Process> Station::peer(std::vector<std::string> arguments) {
-    return start("vesk.peer", std::move(arguments));
+    auto result = start("vesk.peer", std::move(arguments));
+    const std::string who = "pid " + std::to_string(result->pid()) + ", ";
+    (void)server_->wait_for([&] {
+        const std::string& log = server_->err();
+        const std::size_t at = log.find(who);
+        return (at != std::string::npos && log.find(": connected\n", at) != std::string::npos) ||
+               !result->running();
+    });
+    return result;
 }
 
 std::unique_ptr<Process> Station::instrument(std::string_view name, std::string_view type,

@@ -37,6 +37,7 @@ class Station {
     [[nodiscard]] std::string settings_file() const { return folder_ / ".veskcursclient.conf"; }
 
     [[nodiscard]] std::unique_ptr<Process> start(std::string_view name, std::vector<std::string> arguments);
+    // Waits until the server has taken it in (or refused it): nothing that is said from then on passes it by.
     [[nodiscard]] std::unique_ptr<Process> peer(std::vector<std::string> arguments = {});
     // A peer as the instrument `name`, announced as `type`.
     [[nodiscard]] std::unique_ptr<Process> instrument(std::string_view name, std::string_view type,
