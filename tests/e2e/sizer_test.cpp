@@ -34,11 +34,11 @@ std::string placed(const shown_window& w) {
 
 class Sizers : public testing::Test {
   protected:
-    void start(const std::string& kinds, TerminalSize size) {
+    void start(const std::string& kinds, TerminalSize size, std::string_view indicators = "") {
         simulated_ = station_.simstation({"--kinds", kinds, "--seed", "7", "--speed", "20"});
         monitor_ = station_.peer({"--monitor", "--only", "MSG_CCN_S*"});
         console_ = station_.console({.arguments = {}, .size = size});
-        ASSERT_TRUE(is_up(*console_));
+        ASSERT_TRUE(is_up(*console_, indicators));
     }
     // A menu's button, by its hot key, once the menu shows it.
     void choose_in_menu(const char* label) {
@@ -79,7 +79,7 @@ TEST_F(Sizers, AllTwelveStandSideBySide) {
 }
 
 TEST_F(Sizers, TheMobilitySizersScreens) {
-    start("sems", {.rows = 24, .cols = 80});
+    start("sems", {.rows = 24, .cols = 80}, "S");
     console_->alt('s');
     ASSERT_TRUE(console_->shows("dN/dlogD, upward sweep"));
     EXPECT_TRUE(console_->shows("█"));
@@ -95,7 +95,7 @@ TEST_F(Sizers, TheMobilitySizersScreens) {
 }
 
 TEST_F(Sizers, TheCcnCountersCommandsAreSentAndDone) {
-    start("ccn", {.rows = 26, .cols = 60});
+    start("ccn", {.rows = 26, .cols = 60}, "D");
     console_->alt('d');
     ASSERT_TRUE(console_->shows("cum N(D) - Instantanous"));
     console_->type("h");
