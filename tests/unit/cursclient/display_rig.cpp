@@ -1,15 +1,12 @@
 // What displays send goes no further than a list here; time stands still until a test moves it.
 #include "display_rig.h"
 
-#include <gmock/gmock.h>
-
 #include <utility>
 
 #include "cursclient/cursclient.h"
 #include "cursclient/display.h"
 #include "cursclient/displays/command.h"
 #include "libvesk/records/server.h"
-#include "libvesk/util.h"
 #include "peer/json_line.h"
 #include "peer/json_record.h"
 

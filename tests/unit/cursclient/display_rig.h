@@ -2,15 +2,19 @@
 // windows are read back as text, and what displays send to instruments is caught.
 #pragma once
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "cursclient/passwd.h"
 #include "cursclient/wins.h"
 #include "libvesk/netmsg.h"
+#include "libvesk/util.h"
 #include "libvesk/veskmsg.h"
+#include "libveskcurs/cursdialog.h"
 #include "support/console.h"
 
 class DisplayRig : public ConsoleTest {
