@@ -1,21 +1,14 @@
 // What the displays of all kinds of instruments have alike: a first screen without values, a window that
 // survives any screen, and commands that are guarded, addressed, and never sent on behalf of an instrument
 // that went.
-#include <gmock/gmock.h>
-
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <regex>
 #include <span>
 
 #include "cursclient/displays_generated.h"
-#include "cursclient/passwd.h"
 #include "display_rig.h"
-#include "libvesk/records/clap3w.h"
-#include "libvesk/records/loopctl.h"
-#include "libvesk/records/psap.h"
-#include "libvesk/util.h"
-#include "libveskcurs/cursdialog.h"
 
 namespace {
 
@@ -129,21 +122,18 @@ TEST_F(KindsOnASmallScreen, StayInsideTheirFramesAndGetTheirSizeBackWithTheScree
 struct command {
     const char *type, *menu_keys;
     list sent;
-    std::vector<int> dialog = {};  // the keys that lead through it
-    void (*report)() = nullptr;    // what the instrument said before
+    std::vector<int> dialog = {};          // the keys that lead through it
+    std::optional<NETMSG_type> said = {};  // what the instrument said before, and with which values
+    const char* values = "{}";
 };
 
 class KindsCommands : public Kinds {
   protected:
     static const std::vector<command> COMMANDS;
 
-    template <class R>
-    static void say(NETMSG_type msg, R record) {
-        receive("X1", msg, record);
-    }
     static void meet(const command& c) {
         Kinds::meet(c.type);
-        if (c.report != nullptr) c.report();
+        if (c.said) report("X1", *c.said, c.values);
     }
     // Nothing was sent and nothing is asked.
     static void expect_nothing(const char* why) {
@@ -160,19 +150,23 @@ const std::vector<command> KindsCommands::COMMANDS{
      {R"(MSG_CCN_SET_SCANNING to X1 {"sp":7,"enable":true,"set_enable":false})"},
      {KEY_UP, KEY_UP, '7', TAB, ENTER}},
     {"ccn", "m4", {R"(MSG_CCN_START_CALIBRATION to X1 {"cycles":1})"}, {KEY_LEFT, ENTER}},
+    {"ccn", "m4", {"MSG_CCN_STOP_CALIBRATION to X1"}, {}, MSG_CCN_STATUS, R"({"in_calibration":true})"},
     {"clap3w", "m2", {"MSG_CLAP3W_FILTERCHANGE to X1"}},
     {"clap3w",
      "m2",
      {"MSG_CLAP3W_FILTERCHANGE to X1"},
      {KEY_LEFT, ENTER},
-     [] {
-         auto changing = NETDSD_default<NET_CLAP3W_FilterStatus>();
-         changing.status = NET_CLAP3W_CHANGING_FILTER;
-         say(MSG_CLAP3W_FILTERSTATUS, changing);
-     }},
+     MSG_CLAP3W_FILTERSTATUS,
+     R"({"status":2})"},
     {"clap3w", "m3", {"MSG_CLAP3W_WHITECHANGE to X1"}},
     {"clap3w", "m4", {"MSG_CLAP3W_SPOTADVANCE to X1"}},
     {"clap3w", "m5", {"MSG_CLAP3W_NOFLOW to X1"}, {KEY_UP, ENTER}},
+    {"clap3w", "m5", {"MSG_CLAP3W_FLOW to X1"}, {KEY_UP, KEY_LEFT, ENTER}},
+    {"clap3w",
+     "m5",
+     {"MSG_CLAP3W_NOFLOWOVERRIDE to X1"},
+     {KEY_UP, KEY_UP, KEY_UP, ENTER, KEY_DOWN, KEY_RIGHT, ENTER}},
+    {"clap3w", "m5", {"MSG_CLAP3W_FLOWOVERRIDE to X1"}, {KEY_UP, KEY_UP, KEY_UP, ENTER, KEY_DOWN, ENTER}},
     {"genericpid", "m2", {R"(MSG_GENERICPID_SET to X1 {"sp":5})"}, {KEY_UP, KEY_UP, '5', TAB, ENTER}},
     {"genericpid",
      "m4",
@@ -184,31 +178,53 @@ const std::vector<command> KindsCommands::COMMANDS{
      {R"(MSG_GENERICPID_TUNING_START to X1 {"stablity_samples":120,"stablity_stddev":4.9995e-101,)"
       R"("num_runs":8,"num_prime":2,"start_out":null,"output_amp":2.49975e-99,"param_gen":0})"},
      {KEY_LEFT, ENTER}},
+    {"genericpid",
+     "m5",
+     {"MSG_GENERICPID_TUNING_STOP to X1"},
+     {},
+     MSG_GENERICPID_TUNING_STATUS,
+     R"({"state":1})"},
     {"lovepid",
      "m2",
      {R"(MSG_LOVEPID_SET to X1 {"sp":5,"addr":16})"},
      {KEY_UP, KEY_UP, KEY_UP, '5', KEY_DOWN, KEY_DOWN, ENTER},
-     [] {
-         auto status = NETDSD_default<NET_LOVEPID_Status>();
-         status.addrs[0] = 16;
-         say(MSG_LOVEPID_STATUS, status);
-     }},
+     MSG_LOVEPID_STATUS,
+     R"({"addrs":[16]})"},
     {"maap", "m2", {"MSG_MAAP_ADVANCE to X1"}},
     {"neph", "m3", {"MSG_NEPH_ISSUE_ZERO to X1"}},
+    {"neph",
+     "m4",
+     {R"(MSG_NEPH_CONFIG to X1 {"smz":1,"sta":1,"stb":60,"stp":3600,"stz":300,"smb":true,"sp":75,"l":true,)"
+      R"("sx":0,"b":255,"svb":0,"svg":0,"svr":0})"},
+     {KEY_UP, KEY_LEFT, ENTER}},
+    {"neph",
+     "m5",
+     {"MSG_COMMON_NEPH_SPANCHECK_ABORT flags 1"},
+     {},
+     MSG_COMMON_NEPH_SPANCHECK_PHASE,
+     R"({"phase":3})"},
     {"neph_aurora3000", "m3", {"MSG_NEPHAURORA3000_ISSUE_ZERO to X1"}},
     {"psap", "m2", {R"(MSG_PSAP_SETFILTERSATUS to X1 {"changing_filter":true})"}},
     {"psap",
      "m2",
      {R"(MSG_PSAP_SETFILTERSATUS to X1 {"changing_filter":false})"},
      {KEY_LEFT, ENTER},
-     [] { say(MSG_PSAP_FILTERSTATUS, NET_PSAP_FilterStatus{TRUE}); }},
+     MSG_PSAP_FILTERSTATUS,
+     R"({"changing_filter":true})"},
     {"psap3", "m2", {R"(MSG_PSAP3_SETFILTERSATUS to X1 {"changing_filter":true})"}},
     {"psap3",
      "m2",
      {R"(MSG_PSAP3_SETFILTERSATUS to X1 {"changing_filter":false})"},
      {KEY_LEFT, ENTER},
-     [] { say(MSG_PSAP3_FILTERSTATUS, NET_PSAP3_FilterStatus{TRUE}); }},
+     MSG_PSAP3_FILTERSTATUS,
+     R"({"changing_filter":true})"},
     {"verticalprofile", "m2", {R"(MSG_VERTICALPROFILE_SET_ENABLED to X1 {"enabled":true})"}},
+    {"verticalprofile",
+     "m2",
+     {R"(MSG_VERTICALPROFILE_SET_ENABLED to X1 {"enabled":false})"},
+     {},
+     MSG_VERTICALPROFILE_ALL,
+     R"({"enabled":true})"},
     {"verticalprofile", "m4", {"MSG_VERTICALPROFILE_RESETTASKS to X1"}},
 };
 

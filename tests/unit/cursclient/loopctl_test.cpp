@@ -1,13 +1,9 @@
 // The loop controllers: their screens, and the dialogs that change set points.
-#include <gmock/gmock.h>
-
 #include <cstring>
 
 #include "cursclient/displays/watlow.h"
 #include "display_rig.h"
 #include "libvesk/records/loopctl.h"
-#include "libvesk/util.h"
-#include "libveskcurs/cursdialog.h"
 
 namespace {
 
@@ -65,18 +61,12 @@ TEST_F(LovePid, TheSetPointGoesToTheChosenAddress) {
 
     open_setpoint_dialog();
     EXPECT_THAT(screen_text(), HasSubstr("Setpoint: -5.25")) << "the address set last is preferred";
-    press({KEY_UP, KEY_UP, ENTER});
-    EXPECT_THAT(screen_text(), HasSubstr("+ Address +"));
     press(ESCAPE);
-    EXPECT_THAT(screen_text(), HasSubstr("Change setpoint")) << "only the list is closed";
-    press(ESCAPE);
-    EXPECT_FALSE(CURSDIALOG_active());
     status({0x10, 0, 0, 0}, {TRUE, TRUE, TRUE, TRUE});
     open_setpoint_dialog();
     EXPECT_THAT(screen_text(), HasSubstr("Address:  10")) << "unless its controller is gone";
     press(ENTER);
-    EXPECT_FALSE(CURSDIALOG_active()) << "Cancel is focused";
-    EXPECT_THAT(take_sent(), IsEmpty());
+    EXPECT_THAT(take_sent(), IsEmpty()) << "Cancel is focused";
 }
 
 class Watlow : public DisplayRig {

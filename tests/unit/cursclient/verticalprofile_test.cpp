@@ -1,14 +1,9 @@
-// The vertical profile's schedule: its screen, its switch and the waypoint table that it snoops.
-#include <gmock/gmock.h>
-
-#include "display_rig.h"
+// The vertical profile's schedule: its screen and the waypoint table that it snoops.
 #include "libvesk/records/verticalprofile.h"
-#include "libvesk/util.h"
-#include "libveskcurs/cursdialog.h"
+#include "display_rig.h"
 
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
@@ -51,8 +46,6 @@ Task time: 23:14:21
 Sys time:  22:13:20
 )");
     EXPECT_THAT(TestScreen::row(window(WINDOW)->win, 0), HasSubstr("Schedule"));
-    choose(WINDOW, "2");
-    EXPECT_THAT(take_sent(), ElementsAre(R"(MSG_VERTICALPROFILE_SET_ENABLED to V1 {"enabled":false})"));
 }
 
 TEST_F(VerticalProfile, TheWaypointDialogOpensOnAnEmptyTableOnly) {
