@@ -8,7 +8,6 @@
 #include <array>
 #include <csignal>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 
 #include "cursclient/debug.h"
@@ -18,22 +17,6 @@ namespace {
 
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
-
-struct Fault {
-    const char* name;
-    int signal;
-    void (*happen)();
-};
-
-void PrintTo(const Fault& fault, std::ostream* os) {
-    *os << fault.name;
-}
-
-// The system shall notice it, before a sanitizer does.
-__attribute__((no_sanitize("address", "undefined"))) void write_nowhere() {
-    int* volatile nowhere = nullptr;
-    *nowhere = 1;
-}
 
 int fill_the_stack(int depth) {
     std::array<volatile char, 4096> room{};
@@ -49,65 +32,44 @@ std::string read_all(int fd) {
     return all;
 }
 
-class Crash : public testing::TestWithParam<Fault> {
-  protected:
-    Crash() {
-        EXPECT_EQ(openpty(&master_, &line_, nullptr, nullptr, nullptr), 0);
-        EXPECT_EQ(pipe(errors_), 0);
-        tcgetattr(line_, &before_);
-    }
-    ~Crash() override {
-        for (const int fd : {master_, line_, errors_[0]})
-            close(fd);
-    }
-    [[noreturn]] void be_the_console() const {
-        dup2(line_, STDIN_FILENO);
-        dup2(line_, STDOUT_FILENO);
-        dup2(errors_[1], STDERR_FILENO);
-        setenv("TERM", "xterm-256color", 1);
-        for (const int signal : {SIGSEGV, SIGABRT, SIGFPE})
-            std::signal(signal, SIG_DFL);  // no sanitizer's
-        if (!DEBUG_preinit() || !WINSCREEN_start()) _exit(1);
-        refresh();
-        std::fputs("the reason\n", stderr);
-        GetParam().happen();
-        _exit(2);
-    }
+[[noreturn]] void die_as_the_console(int line, int errors) {
+    dup2(line, STDIN_FILENO);
+    dup2(line, STDOUT_FILENO);
+    dup2(errors, STDERR_FILENO);
+    setenv("TERM", "xterm-256color", 1);
+    std::signal(SIGSEGV, SIG_DFL);  // no sanitizer's
+    if (!DEBUG_preinit() || !WINSCREEN_start()) _exit(1);
+    refresh();
+    std::fputs("the reason\n", stderr);
+    fill_the_stack(0);
+    _exit(2);
+}
 
-    int master_ = -1, line_ = -1;
-    int errors_[2] = {-1, -1};
-    termios before_{};
-};
-
-TEST_P(Crash, GivesTheTerminalBackLetsTheReasonOutAndEndsOfItsSignal) {
+TEST(Crash, OfAFullStackGivesTheTerminalBackLetsTheReasonOutAndEndsOfItsSignal) {
+    int master = -1, line = -1, errors[2];
+    ASSERT_EQ(openpty(&master, &line, nullptr, nullptr, nullptr), 0);
+    ASSERT_EQ(pipe(errors), 0);
+    termios before{}, after{};
+    tcgetattr(line, &before);
     const pid_t child = fork();
     ASSERT_GE(child, 0);
-    if (child == 0) be_the_console();
-    close(errors_[1]);
+    if (child == 0) die_as_the_console(line, errors[1]);
+    close(errors[1]);
     int status = 0;
     ASSERT_EQ(waitpid(child, &status, 0), child);
     ASSERT_TRUE(WIFSIGNALED(status)) << "exit status " << WEXITSTATUS(status);
-    EXPECT_EQ(WTERMSIG(status), GetParam().signal);
-    EXPECT_THAT(read_all(errors_[0]), HasSubstr("the reason\n"));
+    EXPECT_EQ(WTERMSIG(status), SIGSEGV);
+    EXPECT_THAT(read_all(errors[0]), HasSubstr("the reason\n"));
 
-    termios after{};
-    ASSERT_EQ(tcgetattr(line_, &after), 0);
-    EXPECT_EQ(after.c_lflag, before_.c_lflag);
-    EXPECT_EQ(after.c_iflag, before_.c_iflag);
-    EXPECT_EQ(after.c_oflag, before_.c_oflag);
-    close(line_);
-    line_ = -1;
-    const std::string seen = read_all(master_);
+    ASSERT_EQ(tcgetattr(line, &after), 0);
+    EXPECT_EQ(after.c_lflag, before.c_lflag);
+    EXPECT_EQ(after.c_iflag, before.c_iflag);
+    EXPECT_EQ(after.c_oflag, before.c_oflag);
+    close(line);
+    const std::string seen = read_all(master);
     EXPECT_THAT(seen, HasSubstr("\033[?1049h"));
     EXPECT_THAT(seen.substr(seen.rfind("\033[?1049")), HasSubstr("\033[?1049l"));
     EXPECT_THAT(seen, EndsWith("\033[?25h"));
 }
-
-INSTANTIATE_TEST_SUITE_P(All, Crash,
-                         testing::Values(Fault{"WriteNowhere", SIGSEGV, write_nowhere},
-                                         Fault{"StackOverflow", SIGSEGV, [] { fill_the_stack(0); }},
-                                         Fault{"Abort", SIGABRT, [] { std::abort(); }},
-                                         Fault{"SentSignal", SIGFPE, [] { raise(SIGFPE); }}),
-                         [](const auto& param) { return std::string(param.param.name); });
 
 }  // namespace

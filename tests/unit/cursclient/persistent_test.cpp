@@ -1,15 +1,11 @@
-// The displays that exist without an instrument: the error strip, the help page, messages between operators,
-// the log entry and the state that displays share.
-#include <gmock/gmock.h>
-
+// The displays that exist without an instrument: the error strip, the help page, messages between operators
+// and the log entry.
 #include <string>
 
-#include "cursclient/displays/commonstate.h"
 #include "cursclient/mainmenu.h"
 #include "display_rig.h"
 #include "libvesk/records/log.h"
 #include "libvesk/records/messaging.h"
-#include "libvesk/util.h"
 
 namespace {
 
@@ -54,8 +50,6 @@ TEST_F(Persistent, TheStripShowsTheLastFourErrorsForTheConfiguredTime) {
     EXPECT_TRUE(shown(STRIP));
     EXPECT_TRUE(window(HELP)->focused) << "the strip does not take the focus";
     EXPECT_EQ(inside(STRIP), "\ntwo\nthree\nfour\nfive\n");
-    EXPECT_EQ(getbegy(window(STRIP)->win), LINES - 7);
-    EXPECT_EQ(getmaxx(window(STRIP)->win), COLS);
     EXPECT_EQ(color(STRIP, 1, 1), CP_WHITE_RED);
 
     set_time(START + 1.0);
@@ -95,29 +89,10 @@ TEST_F(Persistent, NotesDoNotRaiseTheStripAndThePinDoesForGood) {
     EXPECT_TRUE(shown(STRIP)) << "once the pin was used no deadline counts";
 }
 
-TEST_F(Persistent, LongAndUnprintableErrorsStayInsideTheStrip) {
-    log_line(std::string(300, 'x'));
-    log_line("bell\a escape\x1b[31m high\xff");
-    const std::string text = inside(STRIP);
-    EXPECT_THAT(text, HasSubstr("\n" + std::string(static_cast<std::size_t>(COLS - 2), 'x') + "\n"));
-    EXPECT_THAT(text, HasSubstr("bell  escape [31m high"));
-}
-
 TEST_F(Persistent, TheHelpPageScrollsAndKeepsItsArithmetic) {
     press(KEY_F(1));
     EXPECT_TRUE(window(HELP)->focused);
-    EXPECT_EQ(inside(HELP), R"(
-                  Use PGUP/PGDN to scroll
-                    General keystrokes
-
-CTRL-W        Close the focused window
-CTRL-M,       Show the root menu
-ESC, or
-ENTER
-ALT-X         Select root menu entry X,
-                outside of root menu
-CTRL-D        Display the disk operations menu
-)");
+    EXPECT_EQ(row(HELP, 2), "                    General keystrokes");
     EXPECT_EQ(color(HELP, 1, 20), -CP_YELLOW_BLUE);
     EXPECT_EQ(color(HELP, 2, 22), CP_WHITE_BLUE) << "the second title toggles the bold of the first off";
     EXPECT_EQ(color(HELP, 4, 1), -CP_YELLOW_BLUE);
@@ -155,29 +130,14 @@ TEST_F(Persistent, AMessageIsSentOnceAndShownWhenItComesBack) {
     type("lo there");
     EXPECT_EQ(row(MESSAGES, 13), "hallo there");
     press(ENTER);
-    EXPECT_THAT(take_sent(), ElementsAre(AllOf(StartsWith("MSG_MESSAGING_MESSAGE flags 1 {"),
-                                               HasSubstr(R"("contents":"hallo there"})"))));
-    EXPECT_EQ(row(MESSAGES, 13), "");
     EXPECT_EQ(row(MESSAGES, 1), "") << "shown only when the server sends it back";
-
+    EXPECT_EQ(take_sent().size(), 1U);
     type(std::string(2100, 'x') + "y");
     EXPECT_EQ(row(MESSAGES, 13), std::string(58, 'x'));
     press(ENTER);
-    EXPECT_THAT(take_sent(), ElementsAre(HasSubstr(":\"" + std::string(2047, 'x') + "\"")))
+    EXPECT_THAT(take_sent(), ElementsAre(AllOf(StartsWith("MSG_MESSAGING_MESSAGE flags 1 {"),
+                                               HasSubstr(":\"" + std::string(2047, 'x') + "\""))))
         << "an entry holds a full message and no more";
-}
-
-TEST_F(Persistent, ANoteGoesIntoTheLogWithoutRaisingTheStrip) {
-    press(KEY_F(12));
-    ASSERT_TRUE(window(LOG_ENTRY)->focused);
-    type("inlet cleaned\r");
-    EXPECT_FALSE(shown(LOG_ENTRY));
-    EXPECT_THAT(take_sent(), ElementsAre("MSG_LOG_MONITOR flags 1 "
-                                         R"({"flags":2,"msgtime":1.7e+09,"msg":"USER: inlet cleaned"})"));
-    press(KEY_F(12));
-    type("   \r");
-    EXPECT_THAT(take_sent(), IsEmpty()) << "blanks are no note";
-    EXPECT_FALSE(shown(LOG_ENTRY));
 }
 
 TEST_F(Persistent, AnAbortedNoteIsForgottenAndAFocusedOneKept) {
@@ -186,11 +146,18 @@ TEST_F(Persistent, AnAbortedNoteIsForgottenAndAFocusedOneKept) {
     press(ESCAPE);
     EXPECT_FALSE(shown(LOG_ENTRY));
     press(KEY_F(12));
+    type("   \r");
+    EXPECT_THAT(take_sent(), IsEmpty()) << "blanks are no note";
+    EXPECT_FALSE(shown(LOG_ENTRY));
+    press(KEY_F(12));
     EXPECT_EQ(row(LOG_ENTRY, 1), "");
     type("kept");
     focus(MESSAGES);
     press(KEY_F(12));
     EXPECT_EQ(row(LOG_ENTRY, 1), "kept");
+    press(ENTER);
+    EXPECT_THAT(take_sent(), ElementsAre("MSG_LOG_MONITOR flags 1 "
+                                         R"({"flags":2,"msgtime":1.7e+09,"msg":"USER: kept"})"));
 }
 
 TEST_F(Persistent, ALongNoteShowsItsEnd) {
@@ -202,16 +169,6 @@ TEST_F(Persistent, ALongNoteShowsItsEnd) {
     EXPECT_EQ(row(LOG_ENTRY, 4), std::string(57, 'd') + "E");
     press(KEY_DC);
     EXPECT_EQ(row(LOG_ENTRY, 4), std::string(58, 'd'));
-}
-
-TEST_F(Persistent, SpanCheckDurationsStartWithDefaultsAndFollowTheStation) {
-    EXPECT_EQ(g_spancheck_duration.air_flush + 0, 180.0);
-    EXPECT_EQ(g_spancheck_duration.co2_sample + 0, 300.0);
-    receive("N11", MSG_COMMON_NEPH_SPANCHECK_DURATION);
-    EXPECT_EQ(g_spancheck_duration.air_flush + 0, 180.0);
-    receive("CLIENT", MSG_COMMON_NEPH_SPANCHECK_DURATION, NET_COMMON_Neph_SpancheckDuration{1, 2, 3, 4});
-    EXPECT_EQ(g_spancheck_duration.air_flush + 0, 1.0);
-    EXPECT_EQ(g_spancheck_duration.co2_sample + 0, 4.0);
 }
 
 }  // namespace
