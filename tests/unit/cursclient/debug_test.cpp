@@ -2,7 +2,6 @@
 // real standard error comes back when the console ends.
 #include "cursclient/debug.h"
 
-#include <gmock/gmock.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -11,7 +10,6 @@
 #include "cursclient/cursclient.h"
 #include "display_rig.h"
 #include "libvesk/records/log.h"
-#include "libvesk/util.h"
 
 namespace {
 

@@ -16,7 +16,6 @@ namespace {
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using ::testing::MatchesRegex;
 
 // Every callback notes its display ("kind:source") and what happened.
 std::vector<std::string> g_events;
@@ -229,21 +228,6 @@ TEST_F(Registry, KeysGoToTheFirstThatUsesThemAndRedrawsToAll) {
     DISPLAY_update();
     EXPECT_THAT(events(),
                 ElementsAre("alpha:S1:Name:i update", "alpha:S2:Name:i update", "alpha:S3:Name:i update"));
-}
-
-TEST_F(Registry, ARecordThatMemoryCannotHoldIsReportedAndSkipped) {
-#if defined(__SANITIZE_ADDRESS__)
-    GTEST_SKIP() << "the sanitizer ends the process on an allocation of this size";
-#endif
-    DISPLAY_DECL huge = FULL;
-    huge.sz_private = static_cast<std::size_t>(-1) / 2;
-    start({{"huge", &huge}, {"huge", &FULL}});
-    ::testing::internal::CaptureStderr();
-    announce("S1", "huge");
-    EXPECT_THAT(::testing::internal::GetCapturedStderr(),
-                MatchesRegex("\\(new.prv_data = calloc\\( g_display_decls\\[i\\].dcl->sz_private, 1\\)\\) == "
-                             "NULL: .*\n"));
-    EXPECT_THAT(uids(), ElementsAre(1)) << "no uid was used for it";
 }
 
 }  // namespace
