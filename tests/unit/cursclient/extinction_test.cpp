@@ -1,8 +1,6 @@
 // The extinction monitor and the photoacoustic extinctiometer.
-#include <gtest/gtest.h>
-
-#include "display_rig.h"
 #include "libvesk/records/extinction.h"
+#include "display_rig.h"
 
 namespace {
 
