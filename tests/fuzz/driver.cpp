@@ -65,50 +65,41 @@ std::size_t below(Random& random, std::size_t n) {
     return n == 0 ? 0 : random() % n;
 }
 
-void flip_bit(Bytes& b, Random& random, const Bytes&) {
-    if (!b.empty()) b[below(random, b.size())] ^= static_cast<std::uint8_t>(1U << below(random, 8));
-}
-void set_byte(Bytes& b, Random& random, const Bytes&) {
+// A bit flipped, a byte or a word at the edge of its range, bytes inserted or erased, or the head of this
+// input with the tail of another.
+void mutate(Bytes& b, Random& random, const Bytes& other) {
     static constexpr std::uint8_t EDGES[] = {0, 1, 9, 10, 13, 27, 32, '"', '%', '\\', 127, 128, 254, 255};
-    if (!b.empty()) b[below(random, b.size())] = EDGES[below(random, std::size(EDGES))];
-}
-void set_word(Bytes& b, Random& random, const Bytes&) {
-    static constexpr std::uint32_t EDGES[] = {0, 1, 0x7F, 0xFF, 0xFFFF, 0x10000, 0x7FFFFFFF, 0xFFFFFFFF};
-    if (b.size() < 4) return;
-    const std::size_t at = below(random, b.size() - 3);
-    const std::uint32_t word = EDGES[below(random, std::size(EDGES))];
-    for (std::size_t i = 0; i < 4; ++i)
-        b[at + i] = static_cast<std::uint8_t>(word >> (8 * i));
-}
-void insert_bytes(Bytes& b, Random& random, const Bytes&) {
-    const Bytes more(1 + below(random, 16), static_cast<std::uint8_t>(random()));
-    b.insert(b.begin() + static_cast<std::ptrdiff_t>(below(random, b.size() + 1)), more.begin(), more.end());
-}
-void erase_bytes(Bytes& b, Random& random, const Bytes&) {
-    const auto from = b.begin() + static_cast<std::ptrdiff_t>(below(random, b.size()));
-    const auto most = static_cast<std::size_t>(b.end() - from);
-    b.erase(from, from + static_cast<std::ptrdiff_t>(std::min(most, 1 + below(random, 16))));
-}
-void cut_off(Bytes& b, Random& random, const Bytes&) {
-    b.resize(below(random, b.size() + 1));
-}
-void repeat_part(Bytes& b, Random& random, const Bytes&) {
-    const auto from = static_cast<std::ptrdiff_t>(below(random, b.size()));
-    const Bytes part(b.begin() + from, b.end());
-    b.insert(b.end(), part.begin(), part.end());
-}
-// The head of this input with the tail of another.
-void splice(Bytes& b, Random& random, const Bytes& other) {
-    b.resize(below(random, b.size() + 1));
-    b.insert(b.end(), other.begin() + static_cast<std::ptrdiff_t>(below(random, other.size())), other.end());
+    const std::uint8_t edge = EDGES[below(random, std::size(EDGES))];
+    const std::size_t from = below(random, b.size());
+    const std::size_t most = b.size() - from;  // up to the end
+    const auto at = b.begin() + static_cast<std::ptrdiff_t>(from);
+    switch (random() % 6) {
+        case 0:
+            if (most > 0) *at ^= static_cast<std::uint8_t>(1U << below(random, 8));
+            break;
+        case 1:
+            std::fill_n(at, std::min<std::size_t>(most, 1), edge);
+            break;
+        case 2:
+            std::fill_n(at, std::min<std::size_t>(most, 4), edge);
+            break;
+        case 3:
+            b.insert(at, 1 + below(random, 16), static_cast<std::uint8_t>(random()));
+            break;
+        case 4:
+            b.erase(at, at + static_cast<std::ptrdiff_t>(std::min(most, 1 + below(random, 16))));
+            break;
+        default:
+            b.resize(from);
+            b.insert(b.end(), other.begin() + static_cast<std::ptrdiff_t>(below(random, other.size())),
+                     other.end());
+    }
 }
 
 Bytes mutated(const std::vector<Bytes>& seeds, Random& random) {
-    static constexpr void (*MUTATIONS[])(Bytes&, Random&, const Bytes&) = {
-        flip_bit, set_byte, set_word, insert_bytes, erase_bytes, cut_off, repeat_part, splice};
     Bytes result = seeds[below(random, seeds.size())];
     for (std::size_t n = 1 + below(random, 5); n > 0; --n)
-        MUTATIONS[below(random, std::size(MUTATIONS))](result, random, seeds[below(random, seeds.size())]);
+        mutate(result, random, seeds[below(random, seeds.size())]);
     result.resize(std::min(result.size(), MAX_INPUT));
     return result;
 }

@@ -4,8 +4,6 @@
 // and how the rest is cut into pieces.
 #include "libvesk/asio_config.h"  // first
 
-#include <sys/un.h>
-
 #include <asio/io_context.hpp>
 #include <cstdint>
 #include <cstdlib>
@@ -31,17 +29,17 @@ void require_printable(const std::string& text) {
         require(UTIL_is_printable(static_cast<unsigned char>(c)));
 }
 
-// Complaints are expected and would only hide the fuzzer's own words.
-void silence() {
-    static std::FILE* const nowhere = std::fopen("/dev/null", "w");
-    stderr = nowhere;
-}
-
-// Calls `give` with one piece after the other.
-template <class GIVE>
-void in_pieces(std::string_view bytes, std::size_t piece, GIVE give) {
-    for (; !bytes.empty(); bytes.remove_prefix(std::min(piece, bytes.size())))
-        give(std::string(bytes.substr(0, piece)));
+// Sends the bytes piece by piece, with a round after each, and goes on until all are taken or the link is
+// over.
+template <class ROUND, class OVER>
+void feed(wire::End& from, std::string_view bytes, std::size_t piece, ROUND round, OVER over) {
+    for (; !bytes.empty(); bytes.remove_prefix(std::min(piece, bytes.size()))) {
+        from.send(std::string(bytes.substr(0, piece)));
+        round();
+    }
+    while (from.unsent() > 0 && !over())
+        round();
+    round();
 }
 
 // ---- the hub's end
@@ -57,13 +55,8 @@ class server_side {
         hub_.adopt(std::move(socket), "a fuzzer");
     }
     void run(std::string_view bytes, std::size_t piece) {
-        in_pieces(bytes, piece, [this](const std::string& part) {
-            peer_->send(part);
-            round();
-        });
-        while (peer_->unsent() > 0 && !peer_->ended())
-            round();
-        round();
+        feed(
+            *peer_, bytes, piece, [this] { round(); }, [this] { return peer_->ended(); });
         check_answers();
         peer_->hang_up();
         for (int i = 0; i < 4 && hub_.count() > 0; ++i)
@@ -108,21 +101,14 @@ class peer_side {
     peer_side() {
         static const TemporaryFolder folder;
         static const std::string path = folder / "server.sock";
-        static const int listener = listen_at(path);
-        VESKMSG_connect_params params;
-        VESKMSG_init_params(&params);
-        params.host_override = path.c_str();
+        static const wire::Listener listener(path);
+        const VESKMSG_connect_params params{"CLIENT", path.c_str(), FALSE};
         require(INST_connect(&inst_, &params));
-        server_ = std::make_unique<wire::End>(accept(listener, nullptr, nullptr));
+        server_ = std::make_unique<wire::End>(listener.next());
     }
     void run(std::string_view bytes, std::size_t piece) {
-        in_pieces(bytes, piece, [this](const std::string& part) {
-            server_->send(part);
-            round();
-        });
-        while (server_->unsent() > 0 && stat() != VESKMSG_S_UNLINKED)
-            round();
-        round();
+        feed(
+            *server_, bytes, piece, [this] { round(); }, [this] { return stat() == VESKMSG_S_UNLINKED; });
         require(!server_->frames().empty() && server_->frames()[0].kind == FRAME_HELLO);
         server_->hang_up();
         round();
@@ -133,12 +119,6 @@ class peer_side {
     }
 
   private:
-    static int listen_at(const std::string& path) {
-        const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        const sockaddr_un a = wire::address(path);
-        require(bind(fd, reinterpret_cast<const sockaddr*>(&a), sizeof a) == 0 && listen(fd, 4) == 0);
-        return fd;
-    }
     [[nodiscard]] VESKMSG_LINK_STATUS stat() const { return inst_.msg_lnk.stat; }
     static void take(VESKMSG_proc_msg* pm, void*) {
         require_printable(pm->src_name);
@@ -157,7 +137,6 @@ class peer_side {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size == 0 || size > LONGEST_INPUT) return 0;
-    silence();
     UTIL_set_clock([] { return g_clock; });
     const std::string_view bytes(reinterpret_cast<const char*>(data) + 1, size - 1);
     const std::size_t piece = std::size_t{1} + (data[0] >> 1) * 16;
