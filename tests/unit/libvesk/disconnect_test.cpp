@@ -10,42 +10,30 @@ namespace {
 
 constexpr int MESSAGES = 100;  // of 8 KiB: more than a small buffer holds, less than what the sender's takes
 
-// A server on a port of its own that takes little ahead of what it reads.
-class SlowServer {
-  public:
-    SlowServer() {
-        const int little = 4096;
-        setsockopt(listener_, SOL_SOCKET, SO_RCVBUF, &little, sizeof little);
-        sockaddr_in at{};
-        at.sin_family = AF_INET;
-        at.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t size = sizeof at;
-        EXPECT_EQ(bind(listener_, reinterpret_cast<const sockaddr*>(&at), sizeof at), 0);
-        EXPECT_EQ(listen(listener_, 1), 0);
-        getsockname(listener_, reinterpret_cast<sockaddr*>(&at), &size);
-        port_ = ntohs(at.sin_port);
-    }
-    ~SlowServer() { close(listener_); }
-    [[nodiscard]] std::string host() const { return "127.0.0.1:" + std::to_string(port_); }
-    [[nodiscard]] int take() const { return accept(listener_, nullptr, nullptr); }
-
-  private:
-    int listener_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    int port_ = 0;
-};
+// Listens on a port of its own, as a server does that takes little ahead of what it reads.
+int listen_slowly(std::string* host) {
+    const int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const int little = 4096;
+    setsockopt(fd, SOL_SOCKET, SO_RCVBUF, &little, sizeof little);
+    sockaddr_in at{};
+    at.sin_family = AF_INET;
+    at.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof at;
+    EXPECT_EQ(bind(fd, reinterpret_cast<const sockaddr*>(&at), sizeof at), 0);
+    EXPECT_EQ(listen(fd, 1), 0);
+    getsockname(fd, reinterpret_cast<sockaddr*>(&at), &size);
+    *host = "127.0.0.1:" + std::to_string(ntohs(at.sin_port));
+    return fd;
+}
 
 TEST(Disconnect, WhatWasSentArrivesThoughSomethingIsUnread) {
-    const SlowServer server;
+    std::string host;
+    const int listener = listen_slowly(&host);
     INST_link link;
-    VESKMSG_connect_params params;
-    VESKMSG_init_params(&params);
-    const std::string host = server.host();
-    params.host_override = host.c_str();
+    const VESKMSG_connect_params params{"CLIENT", host.c_str(), FALSE};
     ASSERT_TRUE(INST_connect(&link, &params));
-    wire::End end(server.take());
-    FRAME_bytes welcome;
-    FRAME_encode_welcome(&welcome);
-    end.send(welcome);
+    wire::End end(accept(listener, nullptr, nullptr));
+    end.send(wire::welcome());
     ASSERT_TRUE(wire::until([&] { end.look(), VESKMSG_process_messages(&link.msg_lnk, nullptr, nullptr); },
                             [&] { return link.msg_lnk.stat == VESKMSG_S_OPEN; }));
 
@@ -62,6 +50,7 @@ TEST(Disconnect, WhatWasSentArrivesThoughSomethingIsUnread) {
     VESKMSG_disconnect(&link.msg_lnk);
     reading.join();
     EXPECT_EQ(end.frames().size(), std::size_t{MESSAGES});
+    close(listener);
 }
 
 }  // namespace

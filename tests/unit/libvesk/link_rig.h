@@ -18,7 +18,6 @@ class LinkRig : public testing::Test {
         NETMSG_type type;
         std::string text;  // "SOURCE>DEST RECORD FLAGS"
         std::string payload;
-        bool operator==(const Got&) const = default;
     };
 
     void SetUp() override {
@@ -29,11 +28,7 @@ class LinkRig : public testing::Test {
 
     BOOL connect(const char* name = "CLIENT", BOOL monitor = FALSE) {
         const std::string host = path();
-        VESKMSG_connect_params params;
-        VESKMSG_init_params(&params);
-        params.id_str = name;
-        params.host_override = host.c_str();
-        params.monitor = monitor;
+        const VESKMSG_connect_params params{name, host.c_str(), monitor};
         const BOOL ok = INST_connect(&inst_, &params);
         if (ok) server_ = std::make_unique<wire::End>(listener_.next());
         return ok;

