@@ -87,7 +87,7 @@ class HubRig : public testing::Test {
 
     // Everything sent so far has been routed when a message sent now comes back to its sender.
     void settle(wire::End& peer) {
-        peer.send(wire::message(MSG_TEST_ONE, VESKMSG_FLAG_TO_ALL));
+        peer.send(wire::message(MSG_TEST_ONE, ALL));
         const auto is_mark = [](const wire::Seen& s) { return s.value == MSG_TEST_ONE; };
         const auto arrived = [&](wire::End& p) {
             return p.ended() || std::any_of(p.frames().begin(), p.frames().end(), is_mark);
@@ -114,8 +114,6 @@ class HubRig : public testing::Test {
     }
     // From here on round() leaves that peer's socket alone.
     void make_deaf(const wire::End& peer) { deaf_.push_back(&peer); }
-
-    static constexpr DWORD VESKMSG_FLAG_TO_ALL = 1;
 
     TemporaryFolder folder_;
     asio::io_context context_;

@@ -41,9 +41,7 @@ TEST(Options, SaysWhatIsWrong) {
     const std::pair<std::vector<const char*>, const char*> rows[] = {
         {{"--socket", "x.sock"}, "no slash"},
         {{"--listen", "/x"}, "is a path"},
-        {{"--listen", "a:b"}, "port"},
         {{"--queue-bytes", "1"}, "--queue-bytes"},
-        {{"extra"}, "extra"},
     };
     for (const auto& [words, text] : rows) {
         int status = 0;
@@ -68,16 +66,15 @@ TEST(Server, RunsUntilASignalAndLeavesNothingBehind) {
         options.socket.path = path;
         _exit(SERVER_run(options));
     }
-    ASSERT_TRUE(wire::until([] { usleep(1000); }, [&] { return std::filesystem::exists(path); }));
     std::optional<wire::End> peer;
-    ASSERT_TRUE(wire::until([] {},
-                            [&] {
-                                try {
-                                    return peer.emplace(path), true;
-                                } catch (const std::runtime_error&) {
-                                    return false;
-                                }
-                            }));
+    const auto connects = [&] {
+        try {
+            return peer.emplace(path), true;
+        } catch (const std::runtime_error&) {  // it is not there, or does not listen yet
+            return false;
+        }
+    };
+    ASSERT_TRUE(wire::until([] { usleep(1000); }, connects));
     peer->send(wire::hello(FRAME_PEER_CLIENT, "CLIENT"));
     ASSERT_TRUE(wire::until([&] { peer->look(); }, [&] { return !peer->frames().empty(); }));
 
