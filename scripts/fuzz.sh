@@ -28,6 +28,8 @@ for target in "$@"; do
     mkdir -p "build/fuzz/corpus/$target"
     words="$PWD/tests/fuzz/dictionaries/${target#fuzz_}.dict"
     [ -f "$words" ] || words=
+    # Without what the targets themselves say of every wrong input.
     (cd build/fuzz && bin/"$target" ${words:+-dict="$words"} -max_total_time="$seconds" -print_final_stats=1 \
+        -close_fd_mask=2 \
         "corpus/$target" "../../tests/fuzz/seeds/${target#fuzz_}")
 done

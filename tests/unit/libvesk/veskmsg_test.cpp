@@ -251,6 +251,31 @@ TEST_F(Link, CallerThatDoesNotTakeMessagesStopsTheReadingAndLosesNothing) {
     ASSERT_TRUE(until([&] { return got_.size() == COUNT; }));
 }
 
+TEST_F(Link, AFloodWithoutEndLeavesItsReaderTimeForOtherThings) {
+    open();
+    struct flood {
+        wire::End* server;
+        FRAME_bytes message;
+        std::size_t delivered = 0;
+    } endless{server_.get(), message(MSG_LOG_MONITOR, 1, "", 0, "N11")};
+    constexpr std::size_t TOO_MANY = 10'000;  // 80 MB
+    const VESKMSG_cb goes_on = [](VESKMSG_proc_msg*, void* param) {
+        auto& f = *static_cast<flood*>(param);
+        if (++f.delivered > TOO_MANY) return;
+        f.server->send(f.message);
+        f.server->look();
+    };
+    for (int i = 0; i < 2000; ++i)
+        server_->send(endless.message);
+    ASSERT_TRUE(wire::until(
+        [&] {
+            server_->look();
+            VESKMSG_process_messages(link(), goes_on, &endless);
+        },
+        [&] { return endless.delivered > 1000; }));
+    EXPECT_LT(endless.delivered, TOO_MANY);
+}
+
 TEST_F(Link, KnowsInstrumentsFromAnnouncementToDeparture) {
     open();
     server_->send(message_of(MSG_SERVER_INSTRUMENTINFO, info("neph", "dry"), "N11"));
