@@ -95,7 +95,7 @@ void UTIL_assertion_failed_errno(const char* source, int line, const char* expre
 void UTIL_say(std::string_view line) {
     constexpr std::size_t LONGEST = 1023;
     std::string text;
-    if (g_lines_lost > 0) text = "(" + std::to_string(g_lines_lost) + " lines lost)\n";
+    if (g_lines_lost > 0) text = "(lines lost: " + std::to_string(g_lines_lost) + ")\n";
     text.append(line.substr(0, LONGEST)).push_back('\n');
     // A pipe that takes anything takes PIPE_BUF bytes, so the write does not wait either.
     static_assert(LONGEST + 64 <= PIPE_BUF);

@@ -38,8 +38,7 @@ static_assert(std::size(RULES) == GENERICPID_TUNE_COUNT);
 
 // The first harmonic of a square wave of amplitude d is 4 d / pi; the amplitude of the process value's answer
 // to it says how much gain would sustain the oscillation (describing function of a relay, after K. J. Astrom
-// and T. Hagglund, "Automatic tuning of simple regulators with specifications on phase and amplitude
-// margins", Automatica 20 (1984), 645-651).
+// and T. Hagglund, Automatica 20 (1984), 645-651).
 SIM_ultimate SIM_relay_ultimate(double relay_amp, double pv_amp, double hysteresis, double period) {
     const double effective = std::sqrt(std::max(pv_amp * pv_amp - hysteresis * hysteresis, 0.0));
     return {4 * relay_amp / (std::numbers::pi * effective), period};

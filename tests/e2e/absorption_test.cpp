@@ -164,6 +164,13 @@ TEST_F(Absorption, AllSevenViewsShowTheStationsReadings) {
     }
 }
 
+TEST_F(Absorption, AFaultIsTheReasonOfADemandedWhiteFilterCheck) {
+    start("clap3w", "F", "60", "0:30 A13 flags 0x0100\n0:31 A13 set demand=9\n");
+    reaches(9);
+    console_->alt('f');
+    EXPECT_TRUE(shows_all(*console_, {"Flags:        0100", "FILTER OR LED ERROR"}));
+}
+
 TEST_F(Absorption, ThePsapsChangeTheirFilters) {
     struct case_row {
         const char *name, *prefix;

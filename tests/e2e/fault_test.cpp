@@ -48,6 +48,22 @@ TEST(ServerFault, AStopThatEndsInTimeLosesNothing) {
     EXPECT_TRUE(console->shows("Last reading:   100.0"));
 }
 
+TEST(ServerFault, ALogThatNobodyReadsStopsNothing) {
+    Station station;
+    auto counter = start_counter(station);
+    auto console = station.console();
+    ASSERT_TRUE(open_counter(*console));
+    station.server().ignore_output(true);
+    for (int i = 0; i < 2000; ++i) {  // each leaves a line or two: more than a pipe holds
+        const int fd = connect_unix(station.socket());
+        ASSERT_GE(fd, 0);
+        ASSERT_EQ(send(fd, "no frame", 8, MSG_NOSIGNAL), 8);
+        close(fd);
+    }
+    report_reading(*counter, 77.7);
+    EXPECT_TRUE(console->shows("Last reading:    77.7"));
+}
+
 TEST(ServerFault, ASecondOneTakesADeadOnesSocketOnly) {
     Station station;
     auto counter = start_counter(station);

@@ -219,7 +219,7 @@ TEST(UtilSay, NeverWaitsForAReaderAndTellsWhatWasLost) {
     ASSERT_GT(taken, 0);
     EXPECT_EQ(taken % 501, 0) << "a line was cut";
     EXPECT_EQ(text.substr(0, static_cast<std::size_t>(n)),
-              "(" + std::to_string(1000 - taken / 501) + " lines lost)\nthe next\n");
+              "(lines lost: " + std::to_string(1000 - taken / 501) + ")\nthe next\n");
 }
 
 }  // namespace
