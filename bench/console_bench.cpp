@@ -15,7 +15,7 @@
 #include <fstream>
 #include <thread>
 
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 #include "station_link.h"
 #include "support/station.h"
 #include "table.h"

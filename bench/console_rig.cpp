@@ -13,7 +13,7 @@
 #include "cursclient/passwd.h"
 #include "cursclient/status.h"
 #include "cursclient/wins.h"
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 #include "libveskcurs/cursdialog.h"
 #include "libveskcurs/curskeys.h"
 
@@ -86,7 +86,7 @@ void CONSOLE_rig::deliver(const std::vector<STATION_message>& messages, FTIME no
     for (const STATION_message& m : messages) {
         VESKMSG_proc_msg pm{NETMSG_by_type(m.msg),
                             m.dsd,
-                            VESKMSG_TO_ALL,
+                            FRAME_TO_ALL,
                             m.source,
                             "",
                             m.dsd != nullptr ? m.payload.data() : nullptr};

@@ -22,7 +22,7 @@ struct batch {
 void append(batch* b, const STATION_message& m) {
     const auto payload = std::as_bytes(std::span(m.payload));
     FRAME_encode_message(&b->frames,
-                         {m.msg, VESKMSG_TO_ALL, m.source, {}, m.dsd != nullptr ? m.dsd->name : "", payload});
+                         {m.msg, FRAME_TO_ALL, m.source, {}, m.dsd != nullptr ? m.dsd->name : "", payload});
     ++b->messages;
 }
 

@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <random>
 
-#include "libvesk/sfmt.h"
+#include "libvesk/support/sfmt.h"
 
 namespace {
 

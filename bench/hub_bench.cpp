@@ -27,8 +27,8 @@
 #include <thread>
 #include <vector>
 
-#include "libvesk/frame.h"
-#include "libvesk/netmsg.h"
+#include "libvesk/link/frame.h"
+#include "libvesk/messages/netmsg.h"
 #include "table.h"
 
 namespace {

@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "libvesk/records/cpc.h"
-#include "libvesk/util.h"
+#include "libvesk/messages/records/cpc.h"
+#include "libvesk/support/util.h"
 
 namespace {
 
@@ -34,8 +34,8 @@ STATION_link::STATION_link(STATION_feed& feed, const std::string& socket) {
         connect(kind.name, socket);
     connect(MARK_NAME, socket);
     for (const STATION_message& m : feed.join())
-        queue(m, VESKMSG_TO_ALL | VESKMSG_KEEP, nullptr);
-    queue(announcement(MARK_NAME, MARK_TYPE, "Mark", MARK_KEY), VESKMSG_TO_ALL | VESKMSG_KEEP, nullptr);
+        queue(m, FRAME_TO_ALL | FRAME_KEEP, nullptr);
+    queue(announcement(MARK_NAME, MARK_TYPE, "Mark", MARK_KEY), FRAME_TO_ALL | FRAME_KEEP, nullptr);
     flush();
 }
 

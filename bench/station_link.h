@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "libvesk/inst.h"
+#include "libvesk/link/inst.h"
 #include "station_feed.h"
 
 class STATION_link {

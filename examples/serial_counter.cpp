@@ -16,16 +16,16 @@
 #include <optional>
 #include <string>
 
-#include "libvesk/inst.h"
-#include "libvesk/records/cpc.h"
-#include "libvesk/records/log.h"
-#include "libvesk/util.h"
+#include "libvesk/link/inst.h"
+#include "libvesk/messages/records/cpc.h"
+#include "libvesk/messages/records/log.h"
+#include "libvesk/support/util.h"
 
 namespace {
 
 constexpr double SILENCE = 3.0;  // seconds without a reading: the counter does not answer
-constexpr DWORD TO_ALL = VESKMSG_TO_ALL;
-constexpr DWORD TO_ALL_AND_KEPT = VESKMSG_TO_ALL | VESKMSG_RESERVED | VESKMSG_KEEP;
+constexpr DWORD TO_ALL = FRAME_TO_ALL;
+constexpr DWORD TO_ALL_AND_KEPT = FRAME_TO_ALL | FRAME_RESERVED | FRAME_KEEP;
 constexpr WORD BUTANOL_LOW = 2;  // of NET_CPC_3010_Status
 
 // ---- the counter's side

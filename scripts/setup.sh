@@ -14,7 +14,7 @@ test="$build libgtest-dev libgmock-dev libvterm-dev"
 case "${1:-test}" in
     build) wanted=$build ;;
     test) wanted=$test ;;
-    dev) wanted="$test libbenchmark-dev clang-format shellcheck" ;;
+    dev) wanted="$test libbenchmark-dev clang-format shellcheck python3" ;;
     fuzz) wanted="$test clang" ;;
     package) wanted="$build dpkg-dev file debootstrap" ;;
     *)

@@ -4,12 +4,12 @@
 
 #include <cstdio>
 
-#include "cursclient/cursclient.h"
 #include "cursclient/dialog.h"
+#include "cursclient/globals.h"
 #include "cursclient/mainmenu.h"
 #include "cursclient/passwd.h"
-#include "libvesk/records/log.h"
-#include "libvesk/util.h"
+#include "libvesk/messages/records/log.h"
+#include "libvesk/support/util.h"
 
 namespace {
 
@@ -61,12 +61,12 @@ CURSDIALOG_widget* add_error_time(CURSDIALOG_type* dlg) {
 void flush_buffers(CURSDIALOG_type* /*dlg*/, void* /*dlg_user_data*/, CURSDIALOG_widget* /*wd*/,
                    void* /*wd_user_data*/, CURSDIALOG_button_action* act) {
     act->close_dialog = TRUE;
-    VESKMSG_queue_message(&g_lnk.msg_lnk, MSG_LOG_FLUSH, VESKMSG_TO_ALL, nullptr, nullptr, 0, nullptr);
+    VESKMSG_queue_message(&g_lnk.msg_lnk, MSG_LOG_FLUSH, FRAME_TO_ALL, nullptr, nullptr, 0, nullptr);
 }
 
 void switch_files(BOOL passok, void* /*param*/) {
     if (!passok) return;
-    VESKMSG_queue(&g_lnk.msg_lnk, MSG_LOG_SWITCHFILES, VESKMSG_TO_ALL, nullptr,
+    VESKMSG_queue(&g_lnk.msg_lnk, MSG_LOG_SWITCHFILES, FRAME_TO_ALL, nullptr,
                   NET_LOG_SwitchFiles{.switchtime = static_cast<TIME32>(UTIL_ftime())});
 }
 

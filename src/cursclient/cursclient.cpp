@@ -17,17 +17,11 @@
 #include "cursclient/passwd.h"
 #include "cursclient/status.h"
 #include "cursclient/wins.h"
-#include "libvesk/io.h"
-#include "libvesk/savefile.h"
-#include "libvesk/util.h"
+#include "libvesk/link/io.h"
+#include "libvesk/support/savefile.h"
+#include "libvesk/support/util.h"
 #include "libveskcurs/cursdialog.h"
 #include "libveskcurs/curskeys.h"
-
-INST_link g_lnk;
-CONF_node* g_conf = nullptr;
-unsigned long g_tick = 0;
-const char* g_hostoverride = nullptr;
-const char* g_conffile = nullptr;
 
 namespace {
 

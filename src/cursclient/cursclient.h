@@ -3,19 +3,7 @@
 
 #include <cstdio>
 
-#include "libvesk/conf.h"
-#include "libvesk/inst.h"
-
-extern INST_link g_lnk;             // the one link to the server
-extern CONF_node* g_conf;           // root of the settings; null until loaded or first saved
-extern unsigned long g_tick;        // display tick: one per 0.2 s of wall time, from 1
-extern const char* g_hostoverride;  // host from the command line, or null
-extern const char* g_conffile;      // file given with -c, or null
-
-// Attention texts blink with the tick: bold in its first half.
-[[nodiscard]] inline BOOL CURSCLIENT_blink_bold() {
-    return (g_tick & 3) < 2;
-}
+#include "cursclient/globals.h"
 
 // The program; main() only calls this. Returns the exit code of a start-up that failed; the loop itself ends
 // with exit().

@@ -18,9 +18,9 @@
 #include "cursclient/crash.h"
 #include "cursclient/wins.h"
 #include "cursclient/wintext.h"
-#include "libvesk/sfmt.h"
-#include "libvesk/util.h"
-#include "libvesk/veskfile.h"
+#include "libvesk/support/sfmt.h"
+#include "libvesk/support/util.h"
+#include "libvesk/support/veskfile.h"
 #include "libveskcurs/curskeys.h"
 
 namespace {

@@ -2,7 +2,7 @@
 // keys and messages.
 #pragma once
 
-#include "libvesk/veskmsg.h"
+#include "libvesk/link/veskmsg.h"
 
 // Starts the capture of standard error. FALSE (said on the real standard error) when it cannot.
 [[nodiscard]] BOOL DEBUG_preinit();

@@ -6,10 +6,10 @@
 #include <cstring>
 #include <string>
 
-#include "cursclient/cursclient.h"
+#include "cursclient/globals.h"
 #include "cursclient/passwd.h"
-#include "libvesk/records/log.h"
-#include "libvesk/util.h"
+#include "libvesk/messages/records/log.h"
+#include "libvesk/support/util.h"
 
 CURSDIALOG_type* DIALOG_create(const char* title, int width, const void* user_data,
                                std::size_t user_data_size, CURSDIALOG_closed_cb closed,
@@ -50,6 +50,6 @@ void DIALOG_DEFALT_set_logging_passwd(BOOL passok, void* pd) {
     std::free(pd);
     if (!passok) return;
     const std::string dest(UTIL_field(prm.net_name));
-    VESKMSG_queue(&g_lnk.msg_lnk, MSG_LOG_SET_STATE, VESKMSG_TO_ALL, dest.empty() ? nullptr : dest.c_str(),
+    VESKMSG_queue(&g_lnk.msg_lnk, MSG_LOG_SET_STATE, FRAME_TO_ALL, dest.empty() ? nullptr : dest.c_str(),
                   NET_LOG_SetState{.enable = prm.set_to});
 }

@@ -9,8 +9,8 @@
 #include <span>
 #include <string_view>
 
-#include "cursclient/cursclient.h"
-#include "libvesk/util.h"
+#include "cursclient/globals.h"
+#include "libvesk/support/util.h"
 
 LL_TYPE g_displays;
 DWORD g_display_uid_next = 1;

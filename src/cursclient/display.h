@@ -4,8 +4,8 @@
 
 #include <cstddef>
 
-#include "libvesk/ll.h"
-#include "libvesk/veskmsg.h"
+#include "libvesk/link/veskmsg.h"
+#include "libvesk/support/ll.h"
 
 struct DISPLAY_type;
 

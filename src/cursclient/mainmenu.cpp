@@ -15,7 +15,7 @@
 #include "cursclient/cursclient.h"
 #include "cursclient/dialog.h"
 #include "cursclient/wins.h"
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 #include "libveskcurs/curskeys.h"
 
 LL_TYPE g_mainmenu_entrys;

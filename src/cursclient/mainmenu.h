@@ -2,8 +2,8 @@
 // key; the client options and the disk operations.
 #pragma once
 
-#include "libvesk/ll.h"
-#include "libvesk/types.h"
+#include "libvesk/support/ll.h"
+#include "libvesk/support/types.h"
 
 using MAINMENU_selected_callback = void (*)(void* user_ptr);
 

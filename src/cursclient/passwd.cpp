@@ -7,9 +7,9 @@
 #include <cstring>
 #include <utility>
 
-#include "cursclient/cursclient.h"
 #include "cursclient/dialog.h"
-#include "libvesk/util.h"
+#include "cursclient/globals.h"
+#include "libvesk/support/util.h"
 
 char g_passwd[64];
 

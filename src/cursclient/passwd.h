@@ -1,7 +1,7 @@
 // The password guard: one asynchronous check in front of every command that changes what is recorded.
 #pragma once
 
-#include "libvesk/types.h"
+#include "libvesk/support/types.h"
 
 using PASSWD_callback = void (*)(BOOL passok, void* param);
 

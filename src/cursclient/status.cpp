@@ -7,7 +7,7 @@
 #include <ctime>
 
 #include "cursclient/wins.h"
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 
 LL_TYPE g_status_entrys;
 DWORD g_status_last_uid = 0;

@@ -2,8 +2,8 @@
 // the UTC clock.
 #pragma once
 
-#include "libvesk/ll.h"
-#include "libvesk/types.h"
+#include "libvesk/support/ll.h"
+#include "libvesk/support/types.h"
 
 struct STATUS_entry {
     char log_char;  // 0 is never drawn

@@ -5,8 +5,8 @@
 
 #include <iterator>
 
-#include "cursclient/cursclient.h"
-#include "libvesk/util.h"
+#include "cursclient/globals.h"
+#include "libvesk/support/util.h"
 
 namespace {
 
@@ -49,5 +49,5 @@ int WINS_attr_fault() {
 }
 
 int WINS_attr_alarm() {
-    return static_cast<int>(COLOR_PAIR(CP_RED_BLUE) | (CURSCLIENT_blink_bold() ? A_BOLD : A_NORMAL));
+    return static_cast<int>(COLOR_PAIR(CP_RED_BLUE) | (GLOBALS_blink_bold() ? A_BOLD : A_NORMAL));
 }

@@ -2,7 +2,7 @@
 // them, all pairs are white on black and only bold tells texts apart.
 #pragma once
 
-#include "libvesk/types.h"
+#include "libvesk/support/types.h"
 
 enum WINS_color_pair {
     CP_WHITE_BLACK = 1,

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "libvesk/types.h"
+#include "libvesk/support/types.h"
 
 // Origin and size in columns and rows.
 struct WINPLACE_box {

@@ -10,10 +10,10 @@
 #include <cstring>
 #include <string>
 
-#include "cursclient/cursclient.h"
+#include "cursclient/globals.h"
 #include "cursclient/winplace.h"
 #include "cursclient/winscreen.h"
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 #include "libveskcurs/cursdialog.h"
 #include "libveskcurs/curskeys.h"
 

@@ -6,8 +6,8 @@
 #include <panel.h>
 
 #include "cursclient/wincolor.h"
-#include "libvesk/ll.h"
-#include "libvesk/types.h"
+#include "libvesk/support/ll.h"
+#include "libvesk/support/types.h"
 
 using WINS_UID = char[65];  // a window's identity: at most 64 characters, terminated
 

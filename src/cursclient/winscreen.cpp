@@ -10,7 +10,7 @@
 #include <cstdlib>
 
 #include "cursclient/crash.h"
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // The terminal as curses runs it: started so that a bad one can be reported, ended so that it is whole again.
 #pragma once
 
-#include "libvesk/types.h"
+#include "libvesk/support/types.h"
 
 // Starts curses on standard input and output. FALSE, with the reason on standard error, when the terminal is
 // no good; the process goes on.

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 #include "libveskcurs/cursdialog_dialog.h"
 #include "libveskcurs/cursdialog_keys.h"
 

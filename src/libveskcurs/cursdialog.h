@@ -8,7 +8,7 @@
 
 #include <cstddef>
 
-#include "libvesk/types.h"
+#include "libvesk/support/types.h"
 
 struct CURSDIALOG_type;    // one open dialog
 struct CURSDIALOG_widget;  // one button, entry or label, owned by its dialog

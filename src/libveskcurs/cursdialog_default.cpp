@@ -5,7 +5,7 @@
 #include <cstring>
 #include <string>
 
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 #include "libveskcurs/cursdialog.h"
 #include "libveskcurs/cursdialog_widget.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 #include "libveskcurs/cursdialog_focus.h"
 #include "libveskcurs/curskeys.h"
 

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 #include "libveskcurs/curskeys.h"
 
 namespace cursdialog {

@@ -2,7 +2,7 @@
 // one on its own when the terminal was resized.
 #include "libveskcurs/cursdialog_window.h"
 
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 
 namespace cursdialog {
 

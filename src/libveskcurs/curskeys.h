@@ -1,7 +1,7 @@
 // The key reader: turns the bytes of the terminal into key codes.
 #pragma once
 
-#include "libvesk/types.h"
+#include "libvesk/support/types.h"
 
 // Codes beyond those of curses.
 inline constexpr int CURSKEYS_ALT = 0x10000;   // plus the character: Alt pressed with it

@@ -7,8 +7,8 @@
 #include <cstring>
 #include <span>
 
-#include "libvesk/msgcheck.h"
-#include "libvesk/util.h"
+#include "libvesk/link/msgcheck.h"
+#include "libvesk/support/util.h"
 
 BOOL INPUT_is_blank(const LINES_line& line) {
     return !line.too_long && line.text.find_first_not_of(" \t\r") == std::string_view::npos;

@@ -8,7 +8,7 @@
 #include <set>
 #include <utility>
 
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 #include "peer/json_record.h"
 
 namespace {
@@ -74,7 +74,7 @@ class record_reader {
         return TRUE;
     }
 
-    [[nodiscard]] std::string error() const { return m_path.empty() ? m_reason : m_path + ": " + m_reason; }
+    [[nodiscard]] std::string error() const { return path_.empty() ? reason_ : path_ + ": " + reason_; }
 
   private:
     BOOL field(const json& value, const NETDSD_field& f, char* at) {
@@ -158,27 +158,27 @@ class record_reader {
     }
 
     BOOL wrong(std::string reason) {
-        m_reason = std::move(reason);
+        reason_ = std::move(reason);
         return FALSE;
     }
 
     BOOL inside(const std::string& name) {
-        m_path = m_path.empty() || m_path.front() == '[' ? name + m_path : name + "." + m_path;
+        path_ = path_.empty() || path_.front() == '[' ? name + path_ : name + "." + path_;
         return FALSE;
     }
 
-    std::string m_reason;
-    std::string m_path;
+    std::string reason_;
+    std::string path_;
 };
 
 // Reads the members of a line one by one; the first that is wrong leaves its reason.
 class line_reader {
   public:
     line_reader(const json& line, JSONLINE_message* message, std::string* error)
-        : m_line(line), m_message(message), m_error(error) {}
+        : line_(line), message_(message), error_(error) {}
 
     BOOL read() {
-        if (!m_line.is_object()) return wrong("a line is a JSON object");
+        if (!line_.is_object()) return wrong("a line is a JSON object");
         return known_keys() && origin() && message() && destination() && flags() && record() && payload();
     }
 
@@ -186,68 +186,68 @@ class line_reader {
     BOOL known_keys() {
         static const std::set<std::string_view> known = {"time", "src",    "dest",   "flags",
                                                          "msg",  "record", "payload"};
-        for (const auto& [name, value] : m_line.items()) {
+        for (const auto& [name, value] : line_.items()) {
             if (!known.contains(name)) return wrong("unknown key " + in_quotes(name));
         }
         return TRUE;
     }
 
     BOOL origin() {
-        if (const json* time = given("time"); time != nullptr && !read_floating(*time, &m_message->time)) {
+        if (const json* time = given("time"); time != nullptr && !read_floating(*time, &message_->time)) {
             return wrong("\"time\" is a number");
         }
-        return text("src", &m_message->src);
+        return text("src", &message_->src);
     }
 
     BOOL message() {
         std::string name;
         if (given("msg") == nullptr) return wrong("no \"msg\"");
         if (!text("msg", &name)) return FALSE;
-        m_message->msg = NETMSG_by_name(name);
-        return m_message->msg != nullptr || wrong("unknown message " + in_quotes(name));
+        message_->msg = NETMSG_by_name(name);
+        return message_->msg != nullptr || wrong("unknown message " + in_quotes(name));
     }
 
     BOOL destination() {
-        std::string& dest = m_message->dest;
+        std::string& dest = message_->dest;
         if (!text("dest", &dest)) return FALSE;
         return dest.empty() || UTIL_valid_source_name(dest) || wrong("\"dest\" is no name of an instrument");
     }
 
     BOOL flags() {
-        m_message->flags = m_message->dest.empty() ? VESKMSG_TO_ALL : 0;
+        message_->flags = message_->dest.empty() ? FRAME_TO_ALL : 0;
         const json* value = given("flags");
-        return value == nullptr || read_integer(*value, &m_message->flags) ||
+        return value == nullptr || read_integer(*value, &message_->flags) ||
                wrong("\"flags\" is an integer from 0 to 4294967295");
     }
 
     BOOL record() {
-        const NETMSG_entry* msg = m_message->msg;
+        const NETMSG_entry* msg = message_->msg;
         std::string name;
         if (!text("record", &name)) return FALSE;
         if (given("payload") == nullptr) return name.empty() || wrong("a \"record\" without \"payload\"");
-        m_message->dsd = name.empty() ? msg->dsd : NETDSD_by_name(name);
-        if (m_message->dsd == nullptr) {
+        message_->dsd = name.empty() ? msg->dsd : NETDSD_by_name(name);
+        if (message_->dsd == nullptr) {
             return wrong(name.empty() ? std::string(msg->name) + " needs a \"record\" with its \"payload\""
                                       : "unknown record " + in_quotes(name));
         }
-        return NETMSG_accepts(msg, m_message->dsd) ||
+        return NETMSG_accepts(msg, message_->dsd) ||
                wrong(std::string(msg->name) + " carries " + msg->ds_tie + ", not " + name);
     }
 
     BOOL payload() {
         const json* value = given("payload");
         if (value == nullptr) return TRUE;
-        m_message->payload.resize(m_message->dsd->total_size);
-        NETDSD_set_defaults(m_message->dsd, m_message->payload.data());
+        message_->payload.resize(message_->dsd->total_size);
+        NETDSD_set_defaults(message_->dsd, message_->payload.data());
         record_reader reader;
         if (!value->is_object()) return wrong("\"payload\" is an object");
-        return reader.record(*value, m_message->dsd, m_message->payload.data()) || wrong(reader.error());
+        return reader.record(*value, message_->dsd, message_->payload.data()) || wrong(reader.error());
     }
 
     // A member that is there and not null.
     [[nodiscard]] const json* given(const char* name) const {
-        const auto found = m_line.find(name);
-        return found != m_line.end() && !found->is_null() ? &*found : nullptr;
+        const auto found = line_.find(name);
+        return found != line_.end() && !found->is_null() ? &*found : nullptr;
     }
 
     BOOL text(const char* name, std::string* to) {
@@ -259,32 +259,32 @@ class line_reader {
     }
 
     BOOL wrong(std::string reason) {
-        *m_error = std::move(reason);
+        *error_ = std::move(reason);
         return FALSE;
     }
 
-    const json& m_line;
-    JSONLINE_message* m_message;
-    std::string* m_error;
+    const json& line_;
+    JSONLINE_message* message_;
+    std::string* error_;
 };
 
 // Notices a member that stands twice in one object: the library would silently keep the last.
 class duplicate_finder {
   public:
     bool operator()(json::parse_event_t event, const json& parsed) {
-        if (event == json::parse_event_t::object_start) m_objects.emplace_back();
-        if (event == json::parse_event_t::object_end) m_objects.pop_back();
+        if (event == json::parse_event_t::object_start) objects_.emplace_back();
+        if (event == json::parse_event_t::object_end) objects_.pop_back();
         if (event == json::parse_event_t::key) {
             const auto& name = parsed.get_ref<const std::string&>();
-            if (!m_objects.back().insert(name).second && m_duplicate.empty()) m_duplicate = in_quotes(name);
+            if (!objects_.back().insert(name).second && duplicate_.empty()) duplicate_ = in_quotes(name);
         }
         return true;
     }
-    [[nodiscard]] const std::string& duplicate() const { return m_duplicate; }
+    [[nodiscard]] const std::string& duplicate() const { return duplicate_; }
 
   private:
-    std::vector<std::set<std::string>> m_objects;
-    std::string m_duplicate;
+    std::vector<std::set<std::string>> objects_;
+    std::string duplicate_;
 };
 
 BOOL parse(std::string_view line, json* parsed, std::string* error) {

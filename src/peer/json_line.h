@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "libvesk/veskmsg.h"
+#include "libvesk/link/veskmsg.h"
 
 // What a line says is to be sent.
 struct JSONLINE_message {

@@ -5,7 +5,7 @@
 #include <charconv>
 #include <cmath>
 
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 
 namespace {
 

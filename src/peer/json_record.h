@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "libvesk/netdsd.h"
+#include "libvesk/messages/netdsd.h"
 
 // Numbers that JSON cannot say.
 inline constexpr std::string_view JSONREC_NAN = "NaN";

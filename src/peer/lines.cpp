@@ -2,11 +2,11 @@
 #include "peer/lines.h"
 
 void LINES_reader::keep(std::string_view piece) {
-    if (m_too_long) return;
-    if (piece.size() > m_limit - m_line.size()) {
-        m_too_long = TRUE;
-        m_line = std::string();  // gives the memory back, too
+    if (too_long_) return;
+    if (piece.size() > limit_ - line_.size()) {
+        too_long_ = TRUE;
+        line_ = std::string();  // gives the memory back, too
         return;
     }
-    m_line += piece;
+    line_ += piece;
 }

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "libvesk/types.h"
+#include "libvesk/support/types.h"
 
 struct LINES_line {
     std::size_t number;     // from 1
@@ -16,7 +16,7 @@ struct LINES_line {
 
 class LINES_reader {
   public:
-    explicit LINES_reader(std::size_t limit) : m_limit(limit) {}
+    explicit LINES_reader(std::size_t limit) : limit_(limit) {}
 
     // Calls on_line(LINES_line) for every line that these bytes complete.
     template <class F>
@@ -33,7 +33,7 @@ class LINES_reader {
     // At the end of the stream: a last line without newline counts.
     template <class F>
     void finish(F&& on_line) {
-        if (m_too_long || !m_line.empty()) end_line(on_line);
+        if (too_long_ || !line_.empty()) end_line(on_line);
     }
 
   private:
@@ -41,13 +41,13 @@ class LINES_reader {
 
     template <class F>
     void end_line(F&& on_line) {
-        on_line(LINES_line{++m_number, m_line, m_too_long});
-        m_line.clear();
-        m_too_long = FALSE;
+        on_line(LINES_line{++number_, line_, too_long_});
+        line_.clear();
+        too_long_ = FALSE;
     }
 
-    std::size_t m_limit;
-    std::size_t m_number = 0;
-    std::string m_line;
-    BOOL m_too_long = FALSE;
+    std::size_t limit_;
+    std::size_t number_ = 0;
+    std::string line_;
+    BOOL too_long_ = FALSE;
 };

@@ -2,7 +2,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 #include "peer/options.h"
 #include "peer/peer.h"
 #include "peer/replay.h"

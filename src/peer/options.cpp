@@ -4,7 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 #include "peer/peer.h"
 
 namespace {

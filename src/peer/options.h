@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "libvesk/types.h"
+#include "libvesk/support/types.h"
 
 struct PEER_options {
     std::string as;                 // the instrument to be; empty: a CLIENT

@@ -10,8 +10,8 @@
 #include <cmath>
 #include <cstring>
 
-#include "libvesk/util.h"
-#include "libvesk/veskmsg.h"
+#include "libvesk/link/veskmsg.h"
+#include "libvesk/support/util.h"
 #include "peer/input.h"
 
 namespace {

@@ -38,8 +38,8 @@ class RECORDING_reader {
     void finish();  // at the end of the recording
 
     // Events read and not yet taken.
-    [[nodiscard]] std::deque<RECORDING_event>& events() { return m_events; }
-    [[nodiscard]] const RECORDING_counts& counts() const { return m_counts; }
+    [[nodiscard]] std::deque<RECORDING_event>& events() { return events_; }
+    [[nodiscard]] const RECORDING_counts& counts() const { return counts_; }
 
   private:
     void take(const LINES_line& line);
@@ -48,26 +48,26 @@ class RECORDING_reader {
     void announce(RECORDING_event event);
     void move_time(FTIME time);
 
-    std::vector<std::string> m_only;
-    LINES_reader m_lines;
-    std::deque<RECORDING_event> m_events;
-    RECORDING_counts m_counts;
-    std::set<std::string> m_on_stage;               // sources of events
-    std::map<std::string, RECORDING_event> m_held;  // announcements of those that may yet become one
-    double m_at = 0;
-    FTIME m_last = VESK_MISSING;
+    std::vector<std::string> only_;
+    LINES_reader lines_;
+    std::deque<RECORDING_event> events_;
+    RECORDING_counts counts_;
+    std::set<std::string> on_stage_;               // sources of events
+    std::map<std::string, RECORDING_event> held_;  // announcements of those that may yet become one
+    double at_ = 0;
+    FTIME last_ = VESK_MISSING;
 };
 
 // How far a play has come. Time in which the program was stopped is not made up for, and a clock that is set
 // moves nothing.
 class RECORDING_position {
   public:
-    explicit RECORDING_position(double speed) : m_speed(speed) {}
+    explicit RECORDING_position(double speed) : speed_(speed) {}
     // Seconds of the recording at real time `now`; 0 at the first call.
     double at(FTIME now);
 
   private:
-    double m_speed;
-    double m_at = 0;
-    FTIME m_last = VESK_MISSING;
+    double speed_;
+    double at_ = 0;
+    FTIME last_ = VESK_MISSING;
 };

@@ -15,8 +15,8 @@
 #include <memory>
 #include <set>
 
-#include "libvesk/util.h"
-#include "libvesk/veskmsg.h"
+#include "libvesk/link/veskmsg.h"
+#include "libvesk/support/util.h"
 #include "peer/input.h"
 #include "peer/peer.h"
 #include "peer/recording.h"
@@ -36,7 +36,7 @@ struct actor {
 class play {
   public:
     play(const PEER_options& options, int fd)
-        : m_options(options), m_fd(fd), m_reader(options.only), m_position(options.speed) {}
+        : options_(options), fd_(fd), reader_(options.only), position_(options.speed) {}
     int run();
 
   private:
@@ -54,37 +54,37 @@ class play {
 
     BOOL connect(const std::string& source, actor& a) const;
     void finish(PEER_exit status) {
-        m_done = TRUE;
-        m_status = status;
+        done_ = TRUE;
+        status_ = status;
     }
 
-    const PEER_options& m_options;
-    int m_fd;
-    BOOL m_in_open = TRUE;
-    RECORDING_reader m_reader;
-    RECORDING_position m_position;
-    std::map<std::string, std::unique_ptr<actor>> m_actors;
-    std::size_t m_played = 0;
-    std::set<std::string> m_sources;
-    FTIME m_now = 0;  // of this pass
-    double m_at = 0;  // of the recording
-    FTIME m_deadline = HUGE_VAL;
-    BOOL m_done = FALSE;
-    PEER_exit m_status = PEER_EXIT_OK;
+    const PEER_options& options_;
+    int fd_;
+    BOOL in_open_ = TRUE;
+    RECORDING_reader reader_;
+    RECORDING_position position_;
+    std::map<std::string, std::unique_ptr<actor>> actors_;
+    std::size_t played_ = 0;
+    std::set<std::string> sources_;
+    FTIME now_ = 0;  // of this pass
+    double at_ = 0;  // of the recording
+    FTIME deadline_ = HUGE_VAL;
+    BOOL done_ = FALSE;
+    PEER_exit status_ = PEER_EXIT_OK;
 };
 
 void play::read_ahead() {
-    if (!m_in_open || !m_reader.events().empty()) return;
-    pollfd in{m_fd, POLLIN, 0};
+    if (!in_open_ || !reader_.events().empty()) return;
+    pollfd in{fd_, POLLIN, 0};
     if (poll(&in, 1, 0) <= 0) return;
     std::string bytes;
-    m_in_open = INPUT_take(m_fd, m_options.replay.c_str(), &bytes);
-    m_reader.feed(bytes);
-    if (!m_in_open) m_reader.finish();
+    in_open_ = INPUT_take(fd_, options_.replay.c_str(), &bytes);
+    reader_.feed(bytes);
+    if (!in_open_) reader_.finish();
 }
 
 BOOL play::all_sent() {
-    return std::all_of(m_actors.begin(), m_actors.end(), [](const auto& entry) {
+    return std::all_of(actors_.begin(), actors_.end(), [](const auto& entry) {
         actor& a = *entry.second;
         return a.link.stat == VESKMSG_S_OPEN && VESKMSG_flush(&a.link, 0);
     });
@@ -94,24 +94,24 @@ BOOL play::connect(const std::string& source, actor& a) const {
     VESKMSG_connect_params params;
     VESKMSG_init_params(&params);
     params.id_str = source.c_str();
-    params.host_override = m_options.host.empty() ? nullptr : m_options.host.c_str();
+    params.host_override = options_.host.empty() ? nullptr : options_.host.c_str();
     return VESKMSG_connect(&a.link, &params);
 }
 
 // What is due is said, up to one whose source has to connect or to leave: that is done when all before it has
 // left.
 void play::perform() {
-    std::deque<RECORDING_event>& events = m_reader.events();
-    for (int i = 0; i < MOST_PER_PASS && !events.empty() && events.front().at <= m_at; ++i) {
+    std::deque<RECORDING_event>& events = reader_.events();
+    for (int i = 0; i < MOST_PER_PASS && !events.empty() && events.front().at <= at_; ++i) {
         const RECORDING_event& event = events.front();
         const std::string& source = event.message.src;
         if (event.leaves) {
             if (i > 0) return;
             leave(source);
-        } else if (const auto found = m_actors.find(source); found == m_actors.end()) {
-            auto& a = m_actors[source] = std::make_unique<actor>();
+        } else if (const auto found = actors_.find(source); found == actors_.end()) {
+            auto& a = actors_[source] = std::make_unique<actor>();
             if (!connect(source, *a)) check(source, *a);
-            m_sources.insert(source);
+            sources_.insert(source);
             return;
         } else {
             send(event);
@@ -123,21 +123,21 @@ void play::perform() {
 void play::send(const RECORDING_event& event) {
     const JSONLINE_message& m = event.message;
     const BOOL has_payload = m.dsd != nullptr;
-    const BOOL queued = VESKMSG_queue_message(&m_actors[m.src]->link, m.msg->msg, m.flags, m.dest.c_str(),
+    const BOOL queued = VESKMSG_queue_message(&actors_[m.src]->link, m.msg->msg, m.flags, m.dest.c_str(),
                                               has_payload ? m.payload.data() : nullptr, m.payload.size(),
                                               has_payload ? m.dsd->name : nullptr);
-    if (queued) ++m_played;  // else the link has said why, and check() ends it
+    if (queued) ++played_;  // else the link has said why, and check() ends it
 }
 
 void play::leave(const std::string& source) {
-    const auto found = m_actors.find(source);
-    if (found == m_actors.end()) return;
+    const auto found = actors_.find(source);
+    if (found == actors_.end()) return;
     VESKMSG_disconnect(&found->second->link);
-    m_actors.erase(found);
+    actors_.erase(found);
 }
 
 void play::move_links() {
-    for (const auto& [name, a] : m_actors) {
+    for (const auto& [name, a] : actors_) {
         VESKMSG_process_messages(
             &a->link, [](VESKMSG_proc_msg*, void*) {}, nullptr);
         check(name, *a);
@@ -146,41 +146,41 @@ void play::move_links() {
 
 void play::check(const std::string& name, actor& a) {
     if (a.link.stat == VESKMSG_S_OPEN) a.was_open = TRUE;
-    if (m_done || a.link.stat != VESKMSG_S_UNLINKED) return;
+    if (done_ || a.link.stat != VESKMSG_S_UNLINKED) return;
     UTIL_complain("%s: %s", name.c_str(), VESKMSG_error(&a.link).c_str());
     finish(a.was_open ? PEER_EXIT_LOST : PEER_EXIT_NO_LINK);
 }
 
 void play::wait() {
     std::vector<VESKMSG_link*> links;
-    for (const auto& entry : m_actors)
+    for (const auto& entry : actors_)
         links.push_back(&entry.second->link);
     double seconds = PASS_SECONDS;
-    const auto& events = m_reader.events();
+    const auto& events = reader_.events();
     if (!events.empty() && all_sent())
-        seconds = std::clamp((events.front().at - m_at) / m_options.speed, 0.0, PASS_SECONDS);
-    seconds = std::clamp(m_deadline - m_now, 0.0, seconds);
-    VESKMSG_wait(links, seconds, m_in_open && events.empty() ? m_fd : -1);
+        seconds = std::clamp((events.front().at - at_) / options_.speed, 0.0, PASS_SECONDS);
+    seconds = std::clamp(deadline_ - now_, 0.0, seconds);
+    VESKMSG_wait(links, seconds, in_open_ && events.empty() ? fd_ : -1);
 }
 
 void play::pass() {
     move_links();
-    if (m_done) return;
+    if (done_) return;
     if (UTIL_exit_poll()) return finish(PEER_EXIT_OK);
-    m_now = UTIL_ftime();
-    if (m_now >= m_deadline) return finish(PEER_EXIT_TIMEOUT);
+    now_ = UTIL_ftime();
+    if (now_ >= deadline_) return finish(PEER_EXIT_TIMEOUT);
     read_ahead();
-    if (!m_reader.events().empty()) m_at = m_position.at(m_now);
+    if (!reader_.events().empty()) at_ = position_.at(now_);
     if (all_sent()) {
-        if (m_reader.events().empty() && !m_in_open) return finish(PEER_EXIT_OK);
+        if (reader_.events().empty() && !in_open_) return finish(PEER_EXIT_OK);
         perform();
     }
-    if (!m_done) wait();
+    if (!done_) wait();
 }
 
 void play::end() {
-    for (const auto& [name, a] : m_actors) {
-        if (a->link.stat == VESKMSG_S_OPEN && m_status != PEER_EXIT_LOST) {
+    for (const auto& [name, a] : actors_) {
+        if (a->link.stat == VESKMSG_S_OPEN && status_ != PEER_EXIT_LOST) {
             static_cast<void>(VESKMSG_flush(&a->link, UTIL_exit_poll() ? PASS_SECONDS : LAST_FLUSH_SECONDS));
         }
         VESKMSG_disconnect(&a->link);
@@ -188,9 +188,9 @@ void play::end() {
 }
 
 void play::summarize() const {
-    const RECORDING_counts& counts = m_reader.counts();
-    std::string line = std::to_string(m_played) + " messages of " + std::to_string(m_sources.size()) +
-                       (m_sources.size() == 1 ? " source played" : " sources played");
+    const RECORDING_counts& counts = reader_.counts();
+    std::string line = std::to_string(played_) + " messages of " + std::to_string(sources_.size()) +
+                       (sources_.size() == 1 ? " source played" : " sources played");
     const auto add = [&line](std::size_t n, const char* what) {
         if (n > 0) line += ", " + std::to_string(n) + what;
     };
@@ -201,13 +201,13 @@ void play::summarize() const {
 }
 
 int play::run() {
-    if (m_options.timeout > 0) m_deadline = UTIL_ftime() + m_options.timeout;
-    while (!m_done)
+    if (options_.timeout > 0) deadline_ = UTIL_ftime() + options_.timeout;
+    while (!done_)
         pass();
     end();
-    if (m_played > 0 || m_status != PEER_EXIT_NO_LINK) summarize();
-    const BOOL worse = m_status == PEER_EXIT_LOST || m_status == PEER_EXIT_NO_LINK;
-    return !worse && m_reader.counts().refused > 0 ? PEER_EXIT_REFUSED_LINES : m_status;
+    if (played_ > 0 || status_ != PEER_EXIT_NO_LINK) summarize();
+    const BOOL worse = status_ == PEER_EXIT_LOST || status_ == PEER_EXIT_NO_LINK;
+    return !worse && reader_.counts().refused > 0 ? PEER_EXIT_REFUSED_LINES : status_;
 }
 
 }  // namespace

@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "libvesk/util.h"
-#include "libvesk/veskmsg.h"
+#include "libvesk/link/veskmsg.h"
+#include "libvesk/support/util.h"
 
 namespace {
 
@@ -15,7 +15,7 @@ bool is_announcement(const MSGCHECK_found& found) {
 }
 
 bool is_for(const PEER& peer, DWORD flags, std::string_view dest) {
-    return (flags & VESKMSG_TO_ALL) != 0 || peer.name == dest || peer.kind == FRAME_PEER_MONITOR;
+    return (flags & FRAME_TO_ALL) != 0 || peer.name == dest || peer.kind == FRAME_PEER_MONITOR;
 }
 
 MSGCHECK_fault check(const PEER& from, const FRAME_message& m, MSGCHECK_found* found) {
@@ -178,7 +178,7 @@ void HUB::route(PEER& from, const FRAME& frame) {
 
 void HUB::keep(PEER& from, const FRAME_message& m, FRAME_span bytes) {
     const bool announces = m.type == MSG_SERVER_INSTRUMENTINFO;
-    if (!announces && (m.flags & VESKMSG_KEEP) == 0) return;
+    if (!announces && (m.flags & FRAME_KEEP) == 0) return;
     KEEP::entry e{
         from.name, m.type, from.is_instrument(), m.flags, std::string(m.dest), {bytes.begin(), bytes.end()}};
     if (announces) return keep_.announce(std::move(e));
@@ -232,7 +232,7 @@ void HUB::remove(PEER& peer) {
 
 void HUB::announce_departure(const PEER& peer) {
     keep_.forget(peer.name);
-    const FRAME_message m{MSG_NOTIFY_CLIENT_TERMINATE, VESKMSG_TO_ALL, peer.name, {}, {}, {}};
+    const FRAME_message m{MSG_NOTIFY_CLIENT_TERMINATE, FRAME_TO_ALL, peer.name, {}, {}, {}};
     FRAME_bytes bytes;
     FRAME_encode_message(&bytes, m);
     deliver(m, bytes, nullptr);

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "libvesk/linktime.h"
-#include "libvesk/stream.h"
+#include "libvesk/link/linktime.h"
+#include "libvesk/link/stream.h"
 #include "server/keep.h"
 #include "server/peer.h"
 

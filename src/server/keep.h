@@ -6,7 +6,7 @@
 #include <map>
 #include <string>
 
-#include "libvesk/frame.h"
+#include "libvesk/link/frame.h"
 
 class KEEP {
   public:

@@ -2,15 +2,15 @@
 // one, and TCP addresses when asked.
 #pragma once
 
-#include "libvesk/asio_config.h"  // first
+#include "libvesk/link/asio_config.h"  // first
 
 #include <asio/basic_socket_acceptor.hpp>
 #include <functional>
 #include <memory>
 #include <string>
 
-#include "libvesk/address.h"
-#include "libvesk/stream.h"
+#include "libvesk/link/address.h"
+#include "libvesk/link/stream.h"
 
 // The local socket on the file system, from before it is bound until it is gone again.
 class LISTENER_path {

@@ -1,5 +1,5 @@
 // vesk.server: the message hub of a station.
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 #include "server/server.h"
 
 int main(int argc, char** argv) {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "libvesk/address.h"
+#include "libvesk/link/address.h"
 #include "server/hub.h"
 
 struct OPTIONS {

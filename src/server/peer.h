@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "libvesk/msgcheck.h"
-#include "libvesk/stream.h"
+#include "libvesk/link/msgcheck.h"
+#include "libvesk/link/stream.h"
 
 class HUB;
 

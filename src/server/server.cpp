@@ -12,7 +12,7 @@
 #include <ctime>
 #include <list>
 
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 #include "server/listener.h"
 
 namespace {

@@ -3,8 +3,8 @@
 
 #include <cmath>
 
-#include "libvesk/records/messaging.h"
-#include "libvesk/util.h"
+#include "libvesk/messages/records/messaging.h"
+#include "libvesk/support/util.h"
 
 namespace {
 
@@ -45,19 +45,19 @@ BOOL is_console(const VESKMSG_proc_msg* pm) {
 
 SIM_logger::SIM_logger(SIM_world& world, SIM_sink& sink, std::string name,
                        const SIM_logger_settings& settings, std::vector<std::string> names)
-    : SIM_voice(world, sink, std::move(name)), m_settings(settings), m_names(std::move(names)) {}
+    : SIM_voice(world, sink, std::move(name)), settings_(settings), names_(std::move(names)) {}
 
 void SIM_logger::tick() {
     error_now_and_then();
-    while (!m_answers.empty() && m_answers.front().first <= time()) {
-        say(m_answers.front().second);
-        m_answers.pop_front();
+    while (!answers_.empty() && answers_.front().first <= time()) {
+        say(answers_.front().second);
+        answers_.pop_front();
     }
 }
 
 void SIM_logger::error_now_and_then() {
-    if (m_names.empty() || !noise().chance(m_settings.errors_per_hour / 3600 * SIM_world::TICK)) return;
-    const std::string& about = m_names[noise().pick(m_names.size())];
+    if (names_.empty() || !noise().chance(settings_.errors_per_hour / 3600 * SIM_world::TICK)) return;
+    const std::string& about = names_[noise().pick(names_.size())];
     send_error_line("%s%s", about.c_str(), g_errors[noise().pick(std::size(g_errors))]);
 }
 
@@ -97,10 +97,10 @@ void SIM_logger::receive(const VESKMSG_proc_msg* pm) {
 
 void SIM_logger::answer(const VESKMSG_proc_msg* pm) {
     const auto* const message = VESKMSG_payload<NETDS_MESSAGE_OneMessage>(pm);
-    if (!m_settings.chatty || message == nullptr || m_answers.size() >= MOST_PENDING_ANSWERS) return;
-    const FTIME last = m_answers.empty() ? time() : m_answers.back().first;
+    if (!settings_.chatty || message == nullptr || answers_.size() >= MOST_PENDING_ANSWERS) return;
+    const FTIME last = answers_.empty() ? time() : answers_.back().first;
     const FTIME when = last + std::ceil(noise().uniform(1, 4));
-    m_answers.emplace_back(when, g_answers[noise().pick(std::size(g_answers))]);
+    answers_.emplace_back(when, g_answers[noise().pick(std::size(g_answers))]);
 }
 
 void SIM_logger::set_bypass(BOOL bypassed) {

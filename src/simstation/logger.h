@@ -33,7 +33,7 @@ class SIM_logger : public SIM_voice {
     void set_bypass(BOOL bypassed);
     void set_contamination(BOOL contaminated);
 
-    SIM_logger_settings m_settings;
-    std::vector<std::string> m_names;
-    std::deque<std::pair<FTIME, std::string>> m_answers;  // when to send what
+    SIM_logger_settings settings_;
+    std::vector<std::string> names_;
+    std::deque<std::pair<FTIME, std::string>> answers_;  // when to send what
 };

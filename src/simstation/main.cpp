@@ -1,5 +1,5 @@
 // vesk.simstation: a simulated aerosol station.
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 #include "simstation/station.h"
 
 int main(int argc, char** argv) {

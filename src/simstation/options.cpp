@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <fstream>
 
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 
 namespace {
 

@@ -10,32 +10,32 @@ constexpr double PARTING_SECONDS = 0.2;  // how long a peer that leaves waits fo
 }  // namespace
 
 SIM_peer::SIM_peer(std::string name, std::string host, std::function<void(const std::string&)> log)
-    : m_name(std::move(name)), m_host(std::move(host)), m_log(std::move(log)) {}
+    : name_(std::move(name)), host_(std::move(host)), log_(std::move(log)) {}
 
 BOOL SIM_peer::connect() {
     VESKMSG_connect_params params;
     VESKMSG_init_params(&params);
-    params.id_str = m_name.c_str();
-    params.host_override = m_host.empty() ? nullptr : m_host.c_str();
-    return VESKMSG_connect(&m_link, &params);
+    params.id_str = name_.c_str();
+    params.host_override = host_.empty() ? nullptr : host_.c_str();
+    return VESKMSG_connect(&link_, &params);
 }
 
 void SIM_peer::disconnect() {
     if (state() == VESKMSG_S_OPEN) {
         send_readings();
-        static_cast<void>(VESKMSG_flush(&m_link, PARTING_SECONDS));
+        static_cast<void>(VESKMSG_flush(&link_, PARTING_SECONDS));
     }
-    m_readings.clear();
-    VESKMSG_disconnect(&m_link);
+    readings_.clear();
+    VESKMSG_disconnect(&link_);
 }
 
 std::string SIM_peer::error() const {
-    return m_name + ": " + VESKMSG_error(&m_link);
+    return name_ + ": " + VESKMSG_error(&link_);
 }
 
 void SIM_peer::pump(const receiver& receive) {
     VESKMSG_process_messages(
-        &m_link, [](VESKMSG_proc_msg* pm, void* param) { (*static_cast<const receiver*>(param))(pm); },
+        &link_, [](VESKMSG_proc_msg* pm, void* param) { (*static_cast<const receiver*>(param))(pm); },
         const_cast<receiver*>(&receive));
 }
 
@@ -44,20 +44,20 @@ void SIM_peer::send(const SIM_message& message) {
     if (message.instant) return hold(message);
     send_readings();  // nothing overtakes what was said before
     const BOOL has_payload = message.dsd != nullptr;
-    VESKMSG_queue_message(&m_link, message.msg, message.flags, message.dest, message.payload,
+    VESKMSG_queue_message(&link_, message.msg, message.flags, message.dest, message.payload,
                           has_payload ? message.dsd->total_size : 0,
                           has_payload ? message.dsd->name : nullptr);
 }
 
 void SIM_peer::hold(const SIM_message& message) {
     const char* const bytes = static_cast<const char*>(message.payload);
-    std::erase_if(m_readings, [&](const reading& r) { return r.msg == message.msg; });
-    m_readings.push_back({message.msg, message.flags, message.dsd, {bytes, bytes + message.dsd->total_size}});
+    std::erase_if(readings_, [&](const reading& r) { return r.msg == message.msg; });
+    readings_.push_back({message.msg, message.flags, message.dsd, {bytes, bytes + message.dsd->total_size}});
 }
 
 void SIM_peer::send_readings() {
     if (state() != VESKMSG_S_OPEN) return;
-    for (const reading& r : m_readings)
-        VESKMSG_queue_message(&m_link, r.msg, r.flags, "", r.payload.data(), r.payload.size(), r.dsd->name);
-    m_readings.clear();
+    for (const reading& r : readings_)
+        VESKMSG_queue_message(&link_, r.msg, r.flags, "", r.payload.data(), r.payload.size(), r.dsd->name);
+    readings_.clear();
 }

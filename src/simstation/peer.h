@@ -16,9 +16,9 @@ class SIM_peer : public SIM_sink {
     // Starts connecting; state() tells how it goes. FALSE (see error()) when it cannot even start.
     [[nodiscard]] BOOL connect();
     void disconnect();  // sends what is queued first
-    [[nodiscard]] VESKMSG_LINK_STATUS state() const { return m_link.stat; }
+    [[nodiscard]] VESKMSG_LINK_STATUS state() const { return link_.stat; }
     [[nodiscard]] std::string error() const;  // "N61: the server refused: name taken"
-    [[nodiscard]] VESKMSG_link* link() { return &m_link; }
+    [[nodiscard]] VESKMSG_link* link() { return &link_; }
 
     using receiver = std::function<void(const VESKMSG_proc_msg*)>;
     // Moves what can be moved both ways, and hands every message received to `receive`.
@@ -27,7 +27,7 @@ class SIM_peer : public SIM_sink {
     void send_readings();
 
     void send(const SIM_message& message) override;
-    void log(const std::string& line) override { m_log(line); }
+    void log(const std::string& line) override { log_(line); }
 
   private:
     struct reading {
@@ -38,9 +38,9 @@ class SIM_peer : public SIM_sink {
     };
     void hold(const SIM_message& message);
 
-    VESKMSG_link m_link;
-    std::string m_name;
-    std::string m_host;
-    std::function<void(const std::string&)> m_log;
-    std::vector<reading> m_readings;  // the latest of each type, in the order in which they will leave
+    VESKMSG_link link_;
+    std::string name_;
+    std::string host_;
+    std::function<void(const std::string&)> log_;
+    std::vector<reading> readings_;  // the latest of each type, in the order in which they will leave
 };

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <limits>
 #include <sstream>
 
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 
 namespace {
 
@@ -25,32 +25,32 @@ double number_of(const std::string& text) {
 SIM_value::SIM_value(std::string_view t) : text(t), number(number_of(text)) {}
 
 SIM_instrument::SIM_instrument(SIM_world& world, SIM_sink& sink, SIM_member member)
-    : SIM_voice(world, sink, member.name), m_member(std::move(member)) {}
+    : SIM_voice(world, sink, member.name), member_(std::move(member)) {}
 
 void SIM_instrument::join() {
     if (present()) return;
-    m_joined_at = time();
-    m_block_start = time();
-    m_state = m_member.kind->dcl->make();
+    joined_at_ = time();
+    block_start_ = time();
+    state_ = member_.kind->dcl->make();
     announce();
-    send_kept(MSG_LOG_INFO, NET_LOG_Info{m_logging});
-    if (m_member.kind->dcl->start != nullptr) m_member.kind->dcl->start(m_state.get(), *this);
+    send_kept(MSG_LOG_INFO, NET_LOG_Info{logging_});
+    if (member_.kind->dcl->start != nullptr) member_.kind->dcl->start(state_.get(), *this);
     say_status();
 }
 
 void SIM_instrument::leave() {
     if (!present()) return;
-    if (m_member.kind->dcl->leave != nullptr) m_member.kind->dcl->leave(m_state.get(), *this);
-    m_state.reset();
+    if (member_.kind->dcl->leave != nullptr) member_.kind->dcl->leave(state_.get(), *this);
+    state_.reset();
     forget_sent();
 }
 
 void SIM_instrument::announce() {
     auto info = NETDSD_default<NET_SERVER_InstrumentInfo>();
-    UTIL_strcpynt(info.type, m_member.kind->type);
-    UTIL_strcpynt(info.display_name, m_member.display_name.c_str());
-    info.id_ch = m_member.id_ch;
-    std::istringstream tags(m_member.kind->tags);
+    UTIL_strcpynt(info.type, member_.kind->type);
+    UTIL_strcpynt(info.display_name, member_.display_name.c_str());
+    info.id_ch = member_.id_ch;
+    std::istringstream tags(member_.kind->tags);
     std::string tag;
     for (std::size_t i = 0; i < NET_SERVER_TAGS && tags >> tag; ++i)
         UTIL_strcpynt(info.tags[i].tag, tag.c_str());
@@ -58,19 +58,19 @@ void SIM_instrument::announce() {
 }
 
 void SIM_instrument::say_status() {
-    if (m_member.kind->dcl->status != nullptr) m_member.kind->dcl->status(m_state.get(), *this);
+    if (member_.kind->dcl->status != nullptr) member_.kind->dcl->status(state_.get(), *this);
 }
 
 BOOL SIM_instrument::average_due() const {
-    const double length = m_world.settings.average_seconds;
-    return std::floor((time() + dt()) / length) > std::floor(m_block_start / length);
+    const double length = world_.settings.average_seconds;
+    return std::floor((time() + dt()) / length) > std::floor(block_start_ / length);
 }
 
 void SIM_instrument::tick() {
-    if (!present() || !m_comms) return;
-    m_member.kind->dcl->tick(m_state.get(), *this);
+    if (!present() || !comms_) return;
+    member_.kind->dcl->tick(state_.get(), *this);
     say_status();
-    if (average_due()) m_block_start = time() + dt();
+    if (average_due()) block_start_ = time() + dt();
 }
 
 BOOL SIM_instrument::receive(const VESKMSG_proc_msg* pm) {
@@ -79,17 +79,17 @@ BOOL SIM_instrument::receive(const VESKMSG_proc_msg* pm) {
     if (!dest.empty() && dest != name()) return FALSE;
     if (pm->msg->msg == MSG_LOG_SET_STATE) return change_logging(pm);
     if (!dest.empty()) log("%s from %s", pm->msg->name, pm->src_name);
-    const auto hear = m_member.kind->dcl->hear;
-    if (hear != nullptr && hear(m_state.get(), *this, pm)) {
+    const auto hear = member_.kind->dcl->hear;
+    if (hear != nullptr && hear(state_.get(), *this, pm)) {
         say_status();
         return TRUE;
     }
-    if (!m_comms) {
+    if (!comms_) {
         if (!dest.empty()) log("no communications with the instrument");
         return FALSE;
     }
-    const auto command = m_member.kind->dcl->command;
-    const BOOL understood = command != nullptr && command(m_state.get(), *this, pm);
+    const auto command = member_.kind->dcl->command;
+    const BOOL understood = command != nullptr && command(state_.get(), *this, pm);
     if (understood) say_status();
     if (!understood && !dest.empty()) log("%s: not understood", pm->msg->name);
     return understood;
@@ -103,27 +103,27 @@ BOOL SIM_instrument::change_logging(const VESKMSG_proc_msg* pm) {
 }
 
 void SIM_instrument::set_logging(BOOL logging) {
-    m_logging = logging;
+    logging_ = logging;
     log("logging %s", logging ? "on" : "off");
     if (present()) send_kept(MSG_LOG_INFO, NET_LOG_Info{logging});
 }
 
 void SIM_instrument::set_comms(BOOL comms) {
-    if (m_comms == comms) return;
-    m_comms = comms;
+    if (comms_ == comms) return;
+    comms_ = comms;
     log("communications %s", comms ? "restored" : "lost");
     if (present()) say_status();
 }
 
 void SIM_instrument::set_alarm_flags(WORD flags) {
-    m_alarm_flags = flags;
+    alarm_flags_ = flags;
     log("alarm flags 0x%04X", static_cast<unsigned>(flags));
     if (present()) say_status();
 }
 
 BOOL SIM_instrument::set(std::string_view name, const SIM_value& value) {
-    if (!present() || m_member.kind->dcl->set == nullptr) return FALSE;
-    const BOOL taken = m_member.kind->dcl->set(m_state.get(), *this, name, value);
+    if (!present() || member_.kind->dcl->set == nullptr) return FALSE;
+    const BOOL taken = member_.kind->dcl->set(state_.get(), *this, name, value);
     log("%.*s = %s%s", static_cast<int>(name.size()), name.data(), value.text.c_str(),
         taken ? "" : ": refused");
     if (taken) say_status();

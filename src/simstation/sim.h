@@ -85,21 +85,21 @@ class SIM_instrument : public SIM_voice {
     SIM_instrument(SIM_world& world, SIM_sink& sink, SIM_member member);
 
     // --- for the kinds (and what SIM_voice offers) ---
-    [[nodiscard]] const SIM_air& air() const { return m_world.air; }
-    [[nodiscard]] double dt() const { return SIM_world::TICK; }        // seconds that a tick stands for
-    [[nodiscard]] double age() const { return time() - m_joined_at; }  // seconds since it was switched on
-    [[nodiscard]] BOOL have_comms() const { return m_comms; }
-    [[nodiscard]] BOOL logging() const { return m_logging; }
+    [[nodiscard]] const SIM_air& air() const { return world_.air; }
+    [[nodiscard]] double dt() const { return SIM_world::TICK; }       // seconds that a tick stands for
+    [[nodiscard]] double age() const { return time() - joined_at_; }  // seconds since it was switched on
+    [[nodiscard]] BOOL have_comms() const { return comms_; }
+    [[nodiscard]] BOOL logging() const { return logging_; }
     // Fault bits that a scenario raised: or them into the kind's own flags.
-    [[nodiscard]] WORD alarm_flags() const { return m_alarm_flags; }
+    [[nodiscard]] WORD alarm_flags() const { return alarm_flags_; }
     // TRUE in the tick that completes an averaging block: send the average and reset.
     [[nodiscard]] BOOL average_due() const;
     // Start of the block that this tick belongs to.
-    [[nodiscard]] FTIME average_start() const { return m_block_start; }
+    [[nodiscard]] FTIME average_start() const { return block_start_; }
 
     // --- for the station and tests ---
-    [[nodiscard]] const SIM_member& member() const { return m_member; }
-    [[nodiscard]] BOOL present() const { return m_state != nullptr; }
+    [[nodiscard]] const SIM_member& member() const { return member_; }
+    [[nodiscard]] BOOL present() const { return state_ != nullptr; }
     void join();   // announces itself, with a new state; nothing when it is there already
     void leave();  // the sink's link may close afterwards
     void tick();
@@ -115,13 +115,13 @@ class SIM_instrument : public SIM_voice {
     void say_status();
     BOOL change_logging(const VESKMSG_proc_msg* pm);
 
-    SIM_member m_member;
-    std::shared_ptr<void> m_state;
-    FTIME m_joined_at = 0;
-    FTIME m_block_start = 0;
-    BOOL m_comms = TRUE;
-    BOOL m_logging = TRUE;
-    WORD m_alarm_flags = 0;
+    SIM_member member_;
+    std::shared_ptr<void> state_;
+    FTIME joined_at_ = 0;
+    FTIME block_start_ = 0;
+    BOOL comms_ = TRUE;
+    BOOL logging_ = TRUE;
+    WORD alarm_flags_ = 0;
 };
 
 // The callbacks of the state record S: those of its members that are there. A member of that name with

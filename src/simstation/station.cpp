@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <memory>
 
-#include "libvesk/inst.h"
-#include "libvesk/util.h"
+#include "libvesk/link/inst.h"
+#include "libvesk/support/util.h"
 #include "simstation/peer.h"
 
 namespace {
@@ -24,33 +24,33 @@ constexpr double REJOIN_SECONDS = 10;  // how long a name may take to be free ag
 // everybody sends in a bunch can be put together.
 class pacer {
   public:
-    explicit pacer(double speed) : m_speed(speed), m_last(UTIL_ftime()) {}
+    explicit pacer(double speed) : speed_(speed), last_(UTIL_ftime()) {}
 
     // A new bunch; FALSE when it is too early for one. Time that went backward counts as none.
     BOOL begin() {
         const FTIME now = UTIL_ftime();
-        if (now >= m_last && now - m_last < PASS_SECONDS) return FALSE;
-        m_owed += std::clamp(now - m_last, 0.0, MOST_BEHIND) * m_speed;
-        m_last = now;
+        if (now >= last_ && now - last_ < PASS_SECONDS) return FALSE;
+        owed_ += std::clamp(now - last_, 0.0, MOST_BEHIND) * speed_;
+        last_ = now;
         return TRUE;
     }
     // TRUE, once for every tick that is due. What takes too long to work off is forgiven: the clock is slower
     // then than it was asked to be.
     BOOL take_tick() {
-        if (m_owed < SIM_world::TICK) return FALSE;
-        m_owed -= SIM_world::TICK;
-        if (UTIL_ftime() - m_last > LONGEST_BUNCH) m_owed = 0;
+        if (owed_ < SIM_world::TICK) return FALSE;
+        owed_ -= SIM_world::TICK;
+        if (UTIL_ftime() - last_ > LONGEST_BUNCH) owed_ = 0;
         return TRUE;
     }
     // Real seconds until the next bunch is worth it.
     [[nodiscard]] double wait() const {
-        return std::clamp((SIM_world::TICK - m_owed) / m_speed, PASS_SECONDS, LONGEST_WAIT);
+        return std::clamp((SIM_world::TICK - owed_) / speed_, PASS_SECONDS, LONGEST_WAIT);
     }
 
   private:
-    double m_speed;
-    FTIME m_last;
-    double m_owed = 0;  // simulated seconds not yet ticked
+    double speed_;
+    FTIME last_;
+    double owed_ = 0;  // simulated seconds not yet ticked
 };
 
 // An instrument with its link.
@@ -83,16 +83,16 @@ class station {
     void check_links();
     void fail(int code, const std::string& why);
 
-    const SIM_options& m_options;
-    SIM_world m_world;
-    const FTIME m_start;  // simulated
-    std::function<void(const std::string&)> m_log;
-    SIM_peer m_logger_peer;
-    SIM_logger m_logger;
-    std::vector<std::unique_ptr<seat>> m_seats;
-    std::size_t m_next_event = 0;
-    BOOL m_done = FALSE;
-    int m_exit_code = 0;
+    const SIM_options& options_;
+    SIM_world world_;
+    const FTIME start_;  // simulated
+    std::function<void(const std::string&)> log_;
+    SIM_peer logger_peer_;
+    SIM_logger logger_;
+    std::vector<std::unique_ptr<seat>> seats_;
+    std::size_t next_event_ = 0;
+    BOOL done_ = FALSE;
+    int exit_code_ = 0;
 };
 
 std::vector<std::string> names_of(const std::vector<SIM_member>& members) {
@@ -103,38 +103,38 @@ std::vector<std::string> names_of(const std::vector<SIM_member>& members) {
 }
 
 station::station(const SIM_options& options)
-    : m_options(options),
-      m_world(options.settings, options.start < 0 ? UTIL_ftime() : options.start),
-      m_start(m_world.now),
-      m_log([this](const std::string& line) {
-          if (m_options.quiet) return;
-          std::printf("%s %s\n", SIM_utc_text(m_world.now).c_str(), line.c_str());
+    : options_(options),
+      world_(options.settings, options.start < 0 ? UTIL_ftime() : options.start),
+      start_(world_.now),
+      log_([this](const std::string& line) {
+          if (options_.quiet) return;
+          std::printf("%s %s\n", SIM_utc_text(world_.now).c_str(), line.c_str());
           std::fflush(stdout);
       }),
-      m_logger_peer(options.name, options.host, m_log),
-      m_logger(m_world, m_logger_peer, options.name, options.logger, names_of(options.members)) {
+      logger_peer_(options.name, options.host, log_),
+      logger_(world_, logger_peer_, options.name, options.logger, names_of(options.members)) {
     for (const SIM_member& member : options.members)
-        m_seats.push_back(std::make_unique<seat>(m_world, member, options.host, m_log));
+        seats_.push_back(std::make_unique<seat>(world_, member, options.host, log_));
 }
 
 void station::fail(int code, const std::string& why) {
-    if (m_done) return;
+    if (done_) return;
     UTIL_complain("%s", why.c_str());
-    m_exit_code = code;
-    m_done = TRUE;
+    exit_code_ = code;
+    done_ = TRUE;
 }
 
 void station::wait(double seconds) {
-    std::vector<VESKMSG_link*> links{m_logger_peer.link()};
-    for (const auto& s : m_seats) {
+    std::vector<VESKMSG_link*> links{logger_peer_.link()};
+    for (const auto& s : seats_) {
         if (s->wanted) links.push_back(s->peer.link());
     }
     VESKMSG_wait(links, seconds);
 }
 
 void station::pump() {
-    m_logger_peer.pump([this](const VESKMSG_proc_msg* pm) { m_logger.receive(pm); });
-    for (const auto& s : m_seats) {
+    logger_peer_.pump([this](const VESKMSG_proc_msg* pm) { logger_.receive(pm); });
+    for (const auto& s : seats_) {
         if (!s->wanted) continue;
         s->peer.pump([&](const VESKMSG_proc_msg* pm) { s->instrument.receive(pm); });
     }
@@ -142,24 +142,24 @@ void station::pump() {
 
 // All links are opened side by side; the first that fails ends it.
 BOOL station::connect_all() {
-    if (!m_logger_peer.connect()) fail(NOT_CONNECTED, m_logger_peer.error());
-    for (const auto& s : m_seats) {
-        if (!m_done && !s->peer.connect()) fail(NOT_CONNECTED, s->peer.error());
+    if (!logger_peer_.connect()) fail(NOT_CONNECTED, logger_peer_.error());
+    for (const auto& s : seats_) {
+        if (!done_ && !s->peer.connect()) fail(NOT_CONNECTED, s->peer.error());
     }
     const FTIME give_up = UTIL_ftime() + INST_CONNECT_SECONDS;
-    while (!m_done && !UTIL_exit_poll()) {
+    while (!done_ && !UTIL_exit_poll()) {
         pump();
         std::vector<SIM_peer*> waiting;
         const auto look_at = [&](SIM_peer& peer) {
             if (peer.state() == VESKMSG_S_UNLINKED) fail(NOT_CONNECTED, peer.error());
             if (peer.state() != VESKMSG_S_OPEN) waiting.push_back(&peer);
         };
-        look_at(m_logger_peer);
-        for (const auto& s : m_seats)
+        look_at(logger_peer_);
+        for (const auto& s : seats_)
             look_at(s->peer);
         if (waiting.empty()) return TRUE;
         if (UTIL_ftime() > give_up) fail(NOT_CONNECTED, "the server does not answer");
-        if (!m_done) wait(LONGEST_WAIT);
+        if (!done_) wait(LONGEST_WAIT);
     }
     return FALSE;
 }
@@ -184,7 +184,7 @@ void station::complete_join(seat& s) {
     if (s.peer.state() == VESKMSG_S_OPEN) {
         s.give_up = VESK_NO_TIME;
         s.instrument.join();
-        m_log(s.instrument.name() + ": joined");
+        log_(s.instrument.name() + ": joined");
     } else if (s.peer.state() != VESKMSG_S_AWAITING_HANDSHAKE) {
         if (UTIL_ftime() > s.give_up) return fail(GONE, s.peer.error());
         static_cast<void>(s.peer.connect());
@@ -192,8 +192,8 @@ void station::complete_join(seat& s) {
 }
 
 void station::check_links() {
-    if (m_logger_peer.state() != VESKMSG_S_OPEN) fail(GONE, m_logger_peer.error());
-    for (const auto& s : m_seats) {
+    if (logger_peer_.state() != VESKMSG_S_OPEN) fail(GONE, logger_peer_.error());
+    for (const auto& s : seats_) {
         if (!s->wanted) continue;
         if (!s->instrument.present()) {
             complete_join(*s);
@@ -204,13 +204,13 @@ void station::check_links() {
 }
 
 void station::play(const SIM_event& event) {
-    if (event.verb == SIM_V_QUIT) m_done = TRUE;
-    if (event.target == SIM_STATION_TARGET) return m_logger.play(event);
-    for (const auto& s : m_seats) {
+    if (event.verb == SIM_V_QUIT) done_ = TRUE;
+    if (event.target == SIM_STATION_TARGET) return logger_.play(event);
+    for (const auto& s : seats_) {
         if (event.target != SIM_EVERYONE_TARGET && event.target != s->instrument.name()) continue;
         if (event.verb == SIM_V_LEAVE) {
             leave(*s);
-            m_log(s->instrument.name() + ": left");
+            log_(s->instrument.name() + ": left");
         } else if (event.verb == SIM_V_JOIN) {
             join(*s);
         } else if (s->instrument.present()) {
@@ -220,42 +220,41 @@ void station::play(const SIM_event& event) {
 }
 
 void station::tick() {
-    m_world.advance();
-    while (m_next_event < m_options.scenario.size() &&
-           m_options.scenario[m_next_event].at <= m_world.now - m_start)
-        play(m_options.scenario[m_next_event++]);
-    m_logger.tick();
-    for (const auto& s : m_seats)
+    world_.advance();
+    while (next_event_ < options_.scenario.size() && options_.scenario[next_event_].at <= world_.now - start_)
+        play(options_.scenario[next_event_++]);
+    logger_.tick();
+    for (const auto& s : seats_)
         s->instrument.tick();
 }
 
 void station::loop() {
-    pacer clock(m_options.speed);
-    while (!m_done && !UTIL_exit_poll()) {
+    pacer clock(options_.speed);
+    while (!done_ && !UTIL_exit_poll()) {
         if (clock.begin()) {
-            while (!m_done && clock.take_tick())
+            while (!done_ && clock.take_tick())
                 tick();
         }
-        for (const auto& s : m_seats)
+        for (const auto& s : seats_)
             s->peer.send_readings();
         pump();
         check_links();
-        if (!m_done) wait(clock.wait());
+        if (!done_) wait(clock.wait());
     }
 }
 
 int station::run() {
-    if (!connect_all()) return m_exit_code;
-    for (const auto& s : m_seats)
+    if (!connect_all()) return exit_code_;
+    for (const auto& s : seats_)
         s->instrument.join();
-    m_log(m_options.name + ": " + std::to_string(m_seats.size()) + " instruments connected");
+    log_(options_.name + ": " + std::to_string(seats_.size()) + " instruments connected");
     loop();
-    if (m_exit_code != 0) return m_exit_code;
-    for (const auto& s : m_seats)
+    if (exit_code_ != 0) return exit_code_;
+    for (const auto& s : seats_)
         leave(*s);
-    m_logger_peer.disconnect();
-    m_log(m_options.name + ": closed");
-    return m_exit_code;
+    logger_peer_.disconnect();
+    log_(options_.name + ": closed");
+    return exit_code_;
 }
 
 }  // namespace

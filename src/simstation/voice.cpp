@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <ctime>
 
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 
 namespace {
 
@@ -35,24 +35,24 @@ std::string SIM_utc_text(FTIME time) {
 }
 
 SIM_voice::SIM_voice(SIM_world& world, SIM_sink& sink, std::string name)
-    : m_world(world), m_sink(sink), m_name(std::move(name)), m_noise(world.settings.seed, m_name) {}
+    : world_(world), sink_(sink), name_(std::move(name)), noise_(world.settings.seed, name_) {}
 
 void SIM_voice::emit(NETMSG_type msg, DWORD flags, const char* dest, const NETDSD_entry* dsd,
                      const void* record, BOOL instant) {
     if (dsd == nullptr) {
-        m_sink.send({msg, flags, dest, nullptr, nullptr, instant});
+        sink_.send({msg, flags, dest, nullptr, nullptr, instant});
         return;
     }
     const std::vector<char> bytes = clean_bytes(dsd, record);
-    m_sink.send({msg, flags, dest, dsd, bytes.data(), instant});
+    sink_.send({msg, flags, dest, dsd, bytes.data(), instant});
 }
 
 void SIM_voice::emit_changed(NETMSG_type msg, const NETDSD_entry* dsd, const void* record) {
     std::vector<char> bytes = clean_bytes(dsd, record);
-    std::vector<char>& last = m_sent[msg];
+    std::vector<char>& last = sent_[msg];
     if (bytes == last) return;
     last = std::move(bytes);
-    m_sink.send({msg, VESKMSG_TO_ALL | VESKMSG_KEEP, "", dsd, last.data(), FALSE});
+    sink_.send({msg, FRAME_TO_ALL | FRAME_KEEP, "", dsd, last.data(), FALSE});
 }
 
 void SIM_voice::send_error_line(const char* format, ...) {
@@ -73,5 +73,5 @@ void SIM_voice::log(const char* format, ...) {
     va_start(args, format);
     const std::string text = formatted(format, args);
     va_end(args);
-    m_sink.log(m_name + ": " + text);
+    sink_.log(name_ + ": " + text);
 }

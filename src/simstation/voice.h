@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "libvesk/records/log.h"
-#include "libvesk/veskmsg.h"
-#include "simstation/world.h"
+#include "libvesk/link/veskmsg.h"
+#include "libvesk/messages/records/log.h"
+#include "simstation/physics/world.h"
 
 // "2001-02-03 04:05:06"
 [[nodiscard]] std::string SIM_utc_text(FTIME time);
@@ -35,20 +35,20 @@ class SIM_voice {
     // World and sink are lent: they must outlive this.
     SIM_voice(SIM_world& world, SIM_sink& sink, std::string name);
 
-    [[nodiscard]] const std::string& name() const { return m_name; }
-    [[nodiscard]] FTIME time() const { return m_world.now; }  // simulated; whole seconds
-    [[nodiscard]] SIM_noise& noise() { return m_noise; }      // this speaker's own stream
+    [[nodiscard]] const std::string& name() const { return name_; }
+    [[nodiscard]] FTIME time() const { return world_.now; }  // simulated; whole seconds
+    [[nodiscard]] SIM_noise& noise() { return noise_; }      // this speaker's own stream
 
     // An event: to all, once.
     template <class R>
     void send(NETMSG_type msg, R record) {
-        emit(msg, VESKMSG_TO_ALL, "", NETDSD_of<R>(), &record);
+        emit(msg, FRAME_TO_ALL, "", NETDSD_of<R>(), &record);
     }
-    void send(NETMSG_type msg) { emit(msg, VESKMSG_TO_ALL, "", nullptr, nullptr); }
+    void send(NETMSG_type msg) { emit(msg, FRAME_TO_ALL, "", nullptr, nullptr); }
     // A state: to all, and to everyone who joins later.
     template <class R>
     void send_kept(NETMSG_type msg, R record) {
-        emit(msg, VESKMSG_TO_ALL | VESKMSG_KEEP, "", NETDSD_of<R>(), &record);
+        emit(msg, FRAME_TO_ALL | FRAME_KEEP, "", NETDSD_of<R>(), &record);
     }
     // The same, but only when it differs from the last one sent with that message type. Call it as often as
     // is convenient.
@@ -59,7 +59,7 @@ class SIM_voice {
     // Latest readings, once per tick: kept too; at high speeds only the newest leaves the program.
     template <class R>
     void send_instant(NETMSG_type msg, R record) {
-        emit(msg, VESKMSG_TO_ALL | VESKMSG_KEEP, "", NETDSD_of<R>(), &record, TRUE);
+        emit(msg, FRAME_TO_ALL | FRAME_KEEP, "", NETDSD_of<R>(), &record, TRUE);
     }
     // To one peer only.
     template <class R>
@@ -74,16 +74,16 @@ class SIM_voice {
 
   protected:
     // Forgets what send_changed sent: after the server forgot it too.
-    void forget_sent() { m_sent.clear(); }
-    SIM_world& m_world;
+    void forget_sent() { sent_.clear(); }
+    SIM_world& world_;
 
   private:
     void emit(NETMSG_type msg, DWORD flags, const char* dest, const NETDSD_entry* dsd, const void* record,
               BOOL instant = FALSE);
     void emit_changed(NETMSG_type msg, const NETDSD_entry* dsd, const void* record);
 
-    SIM_sink& m_sink;
-    std::string m_name;
-    SIM_noise m_noise;
-    std::map<NETMSG_type, std::vector<char>> m_sent;
+    SIM_sink& sink_;
+    std::string name_;
+    SIM_noise noise_;
+    std::map<NETMSG_type, std::vector<char>> sent_;
 };

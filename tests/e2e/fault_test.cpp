@@ -5,8 +5,8 @@
 #include <cstdlib>
 
 #include "journey.h"
-#include "libvesk/linktime.h"
-#include "libvesk/records/cpc.h"
+#include "libvesk/link/linktime.h"
+#include "libvesk/messages/records/cpc.h"
 #include "support/wire.h"
 
 namespace {

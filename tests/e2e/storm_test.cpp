@@ -6,9 +6,9 @@
 #include <set>
 
 #include "everykind.h"
-#include "libvesk/records/server.h"
-#include "libvesk/util.h"
-#include "libvesk/veskmsg.h"
+#include "libvesk/link/veskmsg.h"
+#include "libvesk/messages/records/server.h"
+#include "libvesk/support/util.h"
 #include "support/wire.h"
 
 namespace {
@@ -142,7 +142,7 @@ class RawInstrument {
     void say(NETMSG_type type, const NETDSD_entry* dsd, const void* record, const std::string& dest = "") {
         FRAME_bytes out;
         const FRAME_span payload(static_cast<const std::byte*>(record), dsd->total_size);
-        const DWORD flags = dest.empty() ? VESKMSG_TO_ALL : 0;
+        const DWORD flags = dest.empty() ? FRAME_TO_ALL : 0;
         FRAME_encode_message(&out, {type, flags, "", dest, dsd->name, payload});
         end_.send(out);
         end_.look();

@@ -8,10 +8,10 @@
 #include <sstream>
 
 #include "journey.h"
-#include "libvesk/frame.h"
-#include "libvesk/records/cpc.h"
-#include "libvesk/records/server.h"
-#include "libvesk/veskmsg.h"
+#include "libvesk/link/frame.h"
+#include "libvesk/link/veskmsg.h"
+#include "libvesk/messages/records/cpc.h"
+#include "libvesk/messages/records/server.h"
 
 namespace {
 
@@ -157,7 +157,7 @@ TEST(WrongPeer, GarbageOnTheSocketCostsOnlyItsSender) {
 template <class R>
 void add_message(FRAME_bytes* to, NETMSG_type type, const R& record, std::size_t size = sizeof(R)) {
     const FRAME_span payload = std::as_bytes(std::span(&record, 1)).first(size);
-    FRAME_encode_message(to, {type, VESKMSG_TO_ALL, "", "", NETDSD_of<R>()->name, payload});
+    FRAME_encode_message(to, {type, FRAME_TO_ALL, "", "", NETDSD_of<R>()->name, payload});
 }
 
 // What only a peer with a link of its own making can send.

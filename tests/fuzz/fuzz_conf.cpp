@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "libvesk/conf.h"
+#include "libvesk/support/conf.h"
 
 namespace {
 

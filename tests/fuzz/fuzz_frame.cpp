@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "libvesk/frame.h"
-#include "libvesk/msgcheck.h"
+#include "libvesk/link/frame.h"
+#include "libvesk/link/msgcheck.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 // that makes one. Whatever comes, each answers with whole frames or not at all, says why it gives up, and is
 // rid of the connection once the other side has gone. The first byte of an input chooses the end under test
 // and how the rest is cut into pieces.
-#include "libvesk/asio_config.h"  // first
+#include "libvesk/link/asio_config.h"  // first
 
 #include <asio/io_context.hpp>
 #include <cstdint>
@@ -10,7 +10,7 @@
 #include <span>
 #include <string>
 
-#include "libvesk/inst.h"
+#include "libvesk/link/inst.h"
 #include "server/hub.h"
 #include "support/wire.h"
 

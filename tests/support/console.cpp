@@ -6,7 +6,7 @@
 #include "cursclient/mainmenu.h"
 #include "cursclient/passwd.h"
 #include "cursclient/status.h"
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 #include "libveskcurs/cursdialog.h"
 
 ConsoleTest::ConsoleTest() {

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "libvesk/netmsg.h"
-#include "libvesk/util.h"
+#include "libvesk/messages/netmsg.h"
+#include "libvesk/support/util.h"
 
 inline void add_with_nested(std::set<const NETDSD_entry*>* all, const NETDSD_entry* dsd) {
     all->insert(dsd);

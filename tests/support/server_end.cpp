@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "cursclient/cursclient.h"
-#include "libvesk/netmsg.h"
+#include "libvesk/messages/netmsg.h"
 
 namespace {
 

@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "libvesk/records/all.h"
+#include "libvesk/messages/records/all.h"
 #include "simstation/kinds.h"
 
 // When simulated stations of tests begin: a Tuesday night, with a new minute.

@@ -15,8 +15,8 @@
 #include <utility>
 #include <vector>
 
-#include "libvesk/frame.h"
-#include "libvesk/netmsg.h"
+#include "libvesk/link/frame.h"
+#include "libvesk/messages/netmsg.h"
 #include "support/folder.h"
 
 namespace wire {

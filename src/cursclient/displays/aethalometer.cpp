@@ -1,8 +1,8 @@
 // The seven-channel aethalometer: one column per channel, in order of wavelength.
 #include <array>
 
-#include "cursclient/displays/instdisp.h"
-#include "libvesk/records/carbon.h"
+#include "cursclient/kit/instdisp.h"
+#include "libvesk/messages/records/carbon.h"
 
 namespace {
 

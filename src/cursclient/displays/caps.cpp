@@ -1,7 +1,7 @@
 // The cavity extinction monitor: extinction with its running average, the baseline of the last zero and the
 // command that starts one.
-#include "cursclient/displays/instdisp.h"
-#include "libvesk/records/extinction.h"
+#include "cursclient/kit/instdisp.h"
+#include "libvesk/messages/records/extinction.h"
 
 namespace {
 

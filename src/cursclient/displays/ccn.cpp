@@ -2,9 +2,9 @@
 // commands that set the temperature difference along it and calibrate.
 #include <cstdlib>
 
-#include "cursclient/displays/sizer.h"
-#include "libvesk/records/ccn.h"
-#include "libvesk/util.h"
+#include "cursclient/kit/sizer.h"
+#include "libvesk/messages/records/ccn.h"
+#include "libvesk/support/util.h"
 
 namespace {
 

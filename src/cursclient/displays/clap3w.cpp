@@ -1,10 +1,10 @@
 // The three-wavelength photometer with eight sample spots: its seven views, what state it is in, and the
 // commands that change the filter, check it against a white one, advance the spot and switch the flow.
-#include "libvesk/records/clap3w.h"
+#include "libvesk/messages/records/clap3w.h"
 
 #include <iterator>
 
-#include "cursclient/displays/instdisp.h"
+#include "cursclient/kit/instdisp.h"
 
 namespace {
 

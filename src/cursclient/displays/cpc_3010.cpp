@@ -1,5 +1,5 @@
 // The TSI 3010 counter: concentrations, temperatures, and warnings from its status flags.
-#include "cursclient/displays/cpc_common.h"
+#include "cursclient/kit/cpc_common.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The TSI 3022 counter: as the 3010, with optics temperature and flow, without its dip switches and vacuum.
-#include "cursclient/displays/cpc_common.h"
+#include "cursclient/kit/cpc_common.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The TSI 3703 counter: concentrations and nothing else.
-#include "cursclient/displays/cpc_common.h"
+#include "cursclient/kit/cpc_common.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The TSI 3775 counter: concentrations and the housekeeping of its optics, flows and pressures.
-#include "cursclient/displays/cpc_common.h"
+#include "cursclient/kit/cpc_common.h"
 
 namespace {
 

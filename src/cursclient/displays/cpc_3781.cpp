@@ -1,5 +1,5 @@
 // The TSI 3781 counter, which grows its droplets in water.
-#include "cursclient/displays/cpc_common.h"
+#include "cursclient/kit/cpc_common.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // The TSI 3783 counter, which grows its droplets in water: two columns of housekeeping, and a reservoir to
 // be refilled.
-#include "cursclient/displays/cpc_common.h"
+#include "cursclient/kit/cpc_common.h"
 
 namespace {
 

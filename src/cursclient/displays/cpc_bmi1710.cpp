@@ -1,5 +1,5 @@
 // The Brechtel 1710 counter: latest values, running average or last average, as the operator chooses.
-#include "cursclient/displays/cpc_common.h"
+#include "cursclient/kit/cpc_common.h"
 
 namespace {
 

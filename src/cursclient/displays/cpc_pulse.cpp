@@ -1,5 +1,5 @@
 // A counter that is nothing but pulses on a line: concentrations and nothing else.
-#include "cursclient/displays/cpc_common.h"
+#include "cursclient/kit/cpc_common.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include "cursclient/mainmenu.h"
 #include "cursclient/wins.h"
 #include "cursclient/wintext.h"
-#include "libvesk/records/log.h"
-#include "libvesk/util.h"
+#include "libvesk/messages/records/log.h"
+#include "libvesk/support/util.h"
 #include "libveskcurs/curskeys.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "cursclient/displays/instdisp.h"
+#include "cursclient/kit/instdisp.h"
 
 namespace {
 

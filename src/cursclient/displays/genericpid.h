@@ -3,8 +3,8 @@
 #pragma once
 
 #include "cursclient/dialog.h"
-#include "cursclient/displays/insthead.h"
-#include "libvesk/records/genericpid.h"
+#include "cursclient/kit/insthead.h"
+#include "libvesk/messages/records/genericpid.h"
 
 struct GENERICPID_prv_data : INSTDISP_head {
     NET_GENERICPID_Instant instant;

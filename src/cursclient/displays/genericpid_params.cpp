@@ -1,9 +1,9 @@
 // The dialogs that change a PID controller's set point and its parameters with their limits.
 #include <cstdio>
 
-#include "cursclient/displays/command.h"
 #include "cursclient/displays/genericpid.h"
-#include "libvesk/util.h"
+#include "cursclient/kit/command.h"
+#include "libvesk/support/util.h"
 
 namespace {
 

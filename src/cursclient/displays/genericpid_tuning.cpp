@@ -3,8 +3,8 @@
 #include <cmath>
 #include <iterator>
 
-#include "cursclient/displays/command.h"
 #include "cursclient/displays/genericpid.h"
+#include "cursclient/kit/command.h"
 
 namespace {
 

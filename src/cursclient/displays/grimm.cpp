@@ -1,6 +1,6 @@
 // The Grimm optical particle counter: 31 sizes, and the concentration of the condensation counter beside it.
-#include "cursclient/displays/sizer.h"
-#include "libvesk/records/sizers.h"
+#include "cursclient/kit/sizer.h"
+#include "libvesk/messages/records/sizers.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // The PMS Lasair optical particle counter: eight sizes, laser, manifold and analog inputs.
-#include "cursclient/displays/sizer.h"
-#include "libvesk/records/sizers.h"
+#include "cursclient/kit/sizer.h"
+#include "libvesk/messages/records/sizers.h"
 
 namespace {
 

@@ -8,14 +8,14 @@
 #include <string_view>
 #include <type_traits>
 
-#include "cursclient/displays/command.h"
-#include "cursclient/displays/textentry.h"
 #include "cursclient/displays_generated.h"
+#include "cursclient/kit/command.h"
+#include "cursclient/kit/textentry.h"
 #include "cursclient/mainmenu.h"
 #include "cursclient/wins.h"
 #include "cursclient/wintext.h"
-#include "libvesk/records/log.h"
-#include "libvesk/util.h"
+#include "libvesk/messages/records/log.h"
+#include "libvesk/support/util.h"
 #include "libveskcurs/curskeys.h"
 
 namespace {
@@ -87,7 +87,7 @@ void LOGENTRY_make_entry(LOGENTRY_prv_data* pd) {
         note.flags = NET_LOG_MONITOR_NOTE;
         note.msgtime = std::floor(UTIL_ftime());
         UTIL_strcpynt(note.msg, ("USER: " + std::string(text)).c_str());
-        COMMAND_broadcast(MSG_LOG_MONITOR, VESKMSG_TO_ALL, note);
+        COMMAND_broadcast(MSG_LOG_MONITOR, FRAME_TO_ALL, note);
     }
     empty(pd);
 }

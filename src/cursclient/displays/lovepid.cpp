@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "cursclient/displays/instdisp.h"
-#include "libvesk/records/loopctl.h"
-#include "libvesk/util.h"
+#include "cursclient/kit/instdisp.h"
+#include "libvesk/messages/records/loopctl.h"
+#include "libvesk/support/util.h"
 
 namespace {
 

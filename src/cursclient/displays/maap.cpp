@@ -1,6 +1,6 @@
 // The multi-angle absorption photometer, with the command that advances its filter tape.
-#include "cursclient/displays/instdisp.h"
-#include "libvesk/records/carbon.h"
+#include "cursclient/kit/instdisp.h"
+#include "libvesk/messages/records/carbon.h"
 
 namespace {
 

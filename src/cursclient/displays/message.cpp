@@ -5,15 +5,15 @@
 #include <string_view>
 #include <type_traits>
 
-#include "cursclient/displays/instdisp.h"
-#include "cursclient/displays/textentry.h"
 #include "cursclient/displays_generated.h"
+#include "cursclient/kit/instdisp.h"
+#include "cursclient/kit/textentry.h"
 #include "cursclient/mainmenu.h"
 #include "cursclient/wins.h"
 #include "cursclient/wintext.h"
-#include "libvesk/records/messaging.h"
-#include "libvesk/sfmt.h"
-#include "libvesk/util.h"
+#include "libvesk/messages/records/messaging.h"
+#include "libvesk/support/sfmt.h"
+#include "libvesk/support/util.h"
 #include "libveskcurs/curskeys.h"
 
 namespace {
@@ -69,7 +69,7 @@ void send_message(MESSAGE_prv_data* pd) {
     NETDS_MESSAGE_OneMessage message{};
     message.time_sent = UTIL_ftime();
     UTIL_strcpynt(message.contents, pd->entry_buffer);
-    COMMAND_broadcast(MSG_MESSAGING_MESSAGE, VESKMSG_TO_ALL, message);
+    COMMAND_broadcast(MSG_MESSAGING_MESSAGE, FRAME_TO_ALL, message);
     pd->entry_buffer[0] = '\0';
 }
 

@@ -1,7 +1,7 @@
 // The private record of the three-wavelength nephelometer's display, which its parameter dialog reads too.
 #pragma once
 
-#include "cursclient/displays/neph_common.h"
+#include "cursclient/kit/neph_common.h"
 
 struct NEPH_prv_data : SPANCHECK_head {
     NET_NEPH_Avg avg;

@@ -1,5 +1,5 @@
 // The single-wavelength nephelometer M903: latest reading beside running average, and the span check.
-#include "cursclient/displays/neph_common.h"
+#include "cursclient/kit/neph_common.h"
 
 struct NEPHM903_prv_data : SPANCHECK_head {
     NET_NEPHM903_Avg avg;

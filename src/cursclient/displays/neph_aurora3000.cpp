@@ -1,5 +1,5 @@
 // The three-wavelength nephelometer Aurora 3000: as its elder sister, with the values that this model has.
-#include "cursclient/displays/neph_common.h"
+#include "cursclient/kit/neph_common.h"
 
 struct NEPHAURORA3000_prv_data : SPANCHECK_head {
     NET_NEPHAURORA3000_Avg avg;

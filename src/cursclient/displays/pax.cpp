@@ -3,8 +3,8 @@
 #include <array>
 #include <cmath>
 
-#include "cursclient/displays/instdisp.h"
-#include "libvesk/records/extinction.h"
+#include "cursclient/kit/instdisp.h"
+#include "libvesk/messages/records/extinction.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The one-wavelength absorption photometer: one column of values, and the change of its filter.
-#include "cursclient/displays/psap_common.h"
+#include "cursclient/kit/psap_common.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // The three-wavelength absorption photometer with one spot: a column for each colour, and the change of its
 // filter.
-#include "cursclient/displays/psap_common.h"
+#include "cursclient/kit/psap_common.h"
 
 namespace {
 

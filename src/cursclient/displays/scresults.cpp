@@ -4,10 +4,10 @@
 #include <cstring>
 #include <type_traits>
 
-#include "cursclient/cursclient.h"
-#include "cursclient/displays/spancheck.h"
 #include "cursclient/displays_generated.h"
-#include "libvesk/util.h"
+#include "cursclient/globals.h"
+#include "cursclient/kit/spancheck.h"
+#include "libvesk/support/util.h"
 #include "libveskcurs/curskeys.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // The scanning electrical mobility spectrometer: sixty sizes, counted on an upward and on a downward sweep of
 // its voltage. Cumulative number, dN/dlogD and dV/dlogD of each sweep are derived here.
-#include "cursclient/displays/sizer.h"
-#include "libvesk/records/sizers.h"
+#include "cursclient/kit/sizer.h"
+#include "libvesk/messages/records/sizers.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The skeleton: an instrument display with nothing of its own. Copy it to begin a new kind.
-#include "cursclient/displays/instdisp.h"
+#include "cursclient/kit/instdisp.h"
 
 namespace {
 

@@ -2,9 +2,9 @@
 // enable, direct and reset the tasks. It snoops the waypoint table even while no such display exists.
 #include <string>
 
-#include "cursclient/displays/instdisp.h"
-#include "libvesk/records/verticalprofile.h"
-#include "libvesk/util.h"
+#include "cursclient/kit/instdisp.h"
+#include "libvesk/messages/records/verticalprofile.h"
+#include "libvesk/support/util.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 // The Watlow controller: set point, instantaneous and averaged value of its channels A and B.
 #include "cursclient/displays/watlow.h"
 
-#include "cursclient/displays/instdisp.h"
-#include "libvesk/records/loopctl.h"
-#include "libvesk/util.h"
+#include "cursclient/kit/instdisp.h"
+#include "libvesk/messages/records/loopctl.h"
+#include "libvesk/support/util.h"
 
 namespace {
 

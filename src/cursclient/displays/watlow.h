@@ -2,7 +2,7 @@
 // change set points from the console.
 #pragma once
 
-#include "libvesk/types.h"
+#include "libvesk/support/types.h"
 
 // Asks for the password and opens the dialog for the display of that uid, if it is still there.
 void WATLOW_change_setpoint(DWORD uid);

@@ -1,5 +1,5 @@
 // The black-carbon instruments: the order of the aethalometer's channels and the MAAP's error row.
-#include "libvesk/records/carbon.h"
+#include "libvesk/messages/records/carbon.h"
 #include "display_rig.h"
 
 namespace {

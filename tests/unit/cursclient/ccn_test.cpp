@@ -1,5 +1,5 @@
 // The CCN counter: its housekeeping in the three data sets, and its commands with their dialogs.
-#include "libvesk/records/ccn.h"
+#include "libvesk/messages/records/ccn.h"
 #include "display_rig.h"
 
 namespace {

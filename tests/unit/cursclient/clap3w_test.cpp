@@ -1,9 +1,9 @@
 // The photometer with eight spots: its seven views, the status line, the demand for the operator's attention,
 // and what its menu offers while the filter is out.
-#include "libvesk/records/clap3w.h"
+#include "libvesk/messages/records/clap3w.h"
 #include "cursclient/cursclient.h"
 #include "display_rig.h"
-#include "libvesk/netdsd.h"
+#include "libvesk/messages/netdsd.h"
 
 namespace {
 

@@ -2,9 +2,9 @@
 #include <cmath>
 #include <limits>
 
-#include "cursclient/displays/instdisp.h"
+#include "cursclient/kit/instdisp.h"
 #include "display_rig.h"
-#include "libvesk/records/cpc.h"
+#include "libvesk/messages/records/cpc.h"
 
 namespace {
 

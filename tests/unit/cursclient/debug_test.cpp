@@ -9,7 +9,7 @@
 
 #include "cursclient/cursclient.h"
 #include "display_rig.h"
-#include "libvesk/records/log.h"
+#include "libvesk/messages/records/log.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <string>
 
 #include "cursclient/passwd.h"
-#include "libvesk/netmsg.h"
-#include "libvesk/util.h"
+#include "libvesk/messages/netmsg.h"
+#include "libvesk/support/util.h"
 #include "support/console.h"
 #include "support/server_end.h"
 

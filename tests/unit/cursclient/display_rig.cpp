@@ -5,8 +5,8 @@
 
 #include "cursclient/cursclient.h"
 #include "cursclient/display.h"
-#include "cursclient/displays/command.h"
-#include "libvesk/records/server.h"
+#include "cursclient/kit/command.h"
+#include "libvesk/messages/records/server.h"
 #include "peer/json_line.h"
 #include "peer/json_record.h"
 

@@ -11,9 +11,9 @@
 
 #include "cursclient/passwd.h"
 #include "cursclient/wins.h"
-#include "libvesk/netmsg.h"
-#include "libvesk/util.h"
-#include "libvesk/veskmsg.h"
+#include "libvesk/link/veskmsg.h"
+#include "libvesk/messages/netmsg.h"
+#include "libvesk/support/util.h"
 #include "libveskcurs/cursdialog.h"
 #include "support/console.h"
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "libvesk/records/server.h"
-#include "libvesk/util.h"
+#include "libvesk/messages/records/server.h"
+#include "libvesk/support/util.h"
 
 namespace {
 

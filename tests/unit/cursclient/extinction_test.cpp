@@ -1,5 +1,5 @@
 // The extinction monitor and the photoacoustic extinctiometer.
-#include "libvesk/records/extinction.h"
+#include "libvesk/messages/records/extinction.h"
 #include "display_rig.h"
 
 namespace {

@@ -1,13 +1,13 @@
 // What every instrument display gets from the shared unit, on the skeleton and on a kind made for the test.
-#include "cursclient/displays/instdisp.h"
+#include "cursclient/kit/instdisp.h"
 
 #include <clocale>
 #include <limits>
 
 #include "cursclient/cursclient.h"
 #include "display_rig.h"
-#include "libvesk/records/cpc.h"
-#include "libvesk/records/log.h"
+#include "libvesk/messages/records/cpc.h"
+#include "libvesk/messages/records/log.h"
 #include "libveskcurs/curskeys.h"
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include "cursclient/displays/watlow.h"
 #include "display_rig.h"
-#include "libvesk/records/loopctl.h"
+#include "libvesk/messages/records/loopctl.h"
 
 namespace {
 

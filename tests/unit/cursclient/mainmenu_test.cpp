@@ -11,8 +11,8 @@
 
 #include "cursclient/cursclient.h"
 #include "cursclient/passwd.h"
-#include "libvesk/netmsg.h"
-#include "libvesk/util.h"
+#include "libvesk/messages/netmsg.h"
+#include "libvesk/support/util.h"
 #include "libveskcurs/cursdialog.h"
 #include "libveskcurs/curskeys.h"
 #include "support/console.h"

@@ -1,8 +1,8 @@
 // The nephelometers' windows: the three-wavelength kind with its parameters, the one that is only watched,
 // the single-wavelength kind and the Aurora 3000.
-#include "libvesk/records/neph.h"
+#include "libvesk/messages/records/neph.h"
 #include "display_rig.h"
-#include "libvesk/records/common_neph.h"
+#include "libvesk/messages/records/common_neph.h"
 
 namespace {
 

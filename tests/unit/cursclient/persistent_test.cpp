@@ -4,8 +4,8 @@
 
 #include "cursclient/mainmenu.h"
 #include "display_rig.h"
-#include "libvesk/records/log.h"
-#include "libvesk/records/messaging.h"
+#include "libvesk/messages/records/log.h"
+#include "libvesk/messages/records/messaging.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The particle soot absorption photometers: their screens, and the filter change that both have.
-#include "libvesk/records/psap.h"
+#include "libvesk/messages/records/psap.h"
 #include "display_rig.h"
 
 namespace {

@@ -5,7 +5,7 @@
 
 #include "cursclient/display.h"
 #include "display_rig.h"
-#include "libvesk/records/sizers.h"
+#include "libvesk/messages/records/sizers.h"
 
 namespace {
 

@@ -2,10 +2,10 @@
 // choice of instruments, what is sent, the window, and the results of all of them.
 #include <limits>
 
-#include "cursclient/displays/spancheck.h"
+#include "cursclient/kit/spancheck.h"
 #include "display_rig.h"
-#include "libvesk/records/log.h"
-#include "libvesk/records/neph.h"
+#include "libvesk/messages/records/log.h"
+#include "libvesk/messages/records/neph.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 #include "support/console.h"
 
 using testing::StartsWith;

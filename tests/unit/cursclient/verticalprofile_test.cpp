@@ -1,5 +1,5 @@
 // The vertical profile's schedule: its screen and the waypoint table that it snoops.
-#include "libvesk/records/verticalprofile.h"
+#include "libvesk/messages/records/verticalprofile.h"
 #include "display_rig.h"
 
 namespace {

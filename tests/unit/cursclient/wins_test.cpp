@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "cursclient/cursclient.h"
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 #include "libveskcurs/curskeys.h"
 #include "support/console.h"
 

@@ -1,5 +1,5 @@
 // Addresses as people write them, and where the local server is looked for.
-#include "libvesk/address.h"
+#include "libvesk/link/address.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

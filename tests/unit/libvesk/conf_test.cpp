@@ -1,6 +1,6 @@
 // The settings tree and its file: lookups, round trips of every name and value, what stays as it was in a
 // file that somebody else wrote, and files that are broken.
-#include "libvesk/conf.h"
+#include "libvesk/support/conf.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // Frames there and back, streams cut anywhere, streams that are wrong, and the bytes that the document
 // promises.
-#include "libvesk/frame.h"
+#include "libvesk/link/frame.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

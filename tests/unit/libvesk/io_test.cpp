@@ -1,7 +1,7 @@
 // The registry of I/O channels: which report changes what, and what is forgotten when.
-#include "libvesk/io.h"
+#include "libvesk/link/io.h"
 
-#include "libvesk/records/io.h"
+#include "libvesk/messages/records/io.h"
 #include "link_rig.h"
 
 namespace {

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "libvesk/inst.h"
-#include "libvesk/util.h"
+#include "libvesk/link/inst.h"
+#include "libvesk/support/util.h"
 #include "support/wire.h"
 
 class LinkRig : public testing::Test {

@@ -1,6 +1,6 @@
 // Lists: order after every kind of insertion, deletion of any set of nodes, searches, and ownership of
 // copies.
-#include "libvesk/ll.h"
+#include "libvesk/support/ll.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "libvesk/netdsd.h"
+#include "libvesk/messages/netdsd.h"
 
 #include <gtest/gtest.h>
 
@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "libvesk/records/cpc.h"
-#include "libvesk/records/server.h"
+#include "libvesk/messages/records/cpc.h"
+#include "libvesk/messages/records/server.h"
 #include "support/records.h"
 
 // Records that exist for these tests only: one field of every type, packed as wire records are.

@@ -1,12 +1,12 @@
-#include "libvesk/netmsg.h"
+#include "libvesk/messages/netmsg.h"
 
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <string>
 
-#include "libvesk/records/cpc.h"
-#include "libvesk/records/log.h"
+#include "libvesk/messages/records/cpc.h"
+#include "libvesk/messages/records/log.h"
 
 namespace {
 

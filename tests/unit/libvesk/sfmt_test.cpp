@@ -1,6 +1,6 @@
 // The formatting calls: fields of numbers over the whole matrix of widths and values, the % conversions
 // beside the C library's own, what is refused at compile time, and the growth of buffers.
-#include "libvesk/sfmt.h"
+#include "libvesk/support/sfmt.h"
 
 #include <gtest/gtest.h>
 

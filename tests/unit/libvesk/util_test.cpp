@@ -1,5 +1,5 @@
 // Text helpers, patterns, numbers, the clock, sleep and exit signals, and lines on standard error.
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 
 #include <gtest/gtest.h>
 

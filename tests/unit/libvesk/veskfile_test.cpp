@@ -1,5 +1,5 @@
 // Line reads over a pipe: whole lines, lines in parts, lines longer than the reader's room, the end.
-#include "libvesk/veskfile.h"
+#include "libvesk/support/veskfile.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

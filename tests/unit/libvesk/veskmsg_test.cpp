@@ -1,11 +1,11 @@
 // The peer's end of the link, against a server that says exactly what a test wants it to say.
-#include "libvesk/veskmsg.h"
+#include "libvesk/link/veskmsg.h"
 
 #include <unistd.h>
 
-#include "libvesk/records/log.h"
-#include "libvesk/records/loopctl.h"
-#include "libvesk/records/server.h"
+#include "libvesk/messages/records/log.h"
+#include "libvesk/messages/records/loopctl.h"
+#include "libvesk/messages/records/server.h"
 #include "link_rig.h"
 
 namespace {
@@ -207,7 +207,7 @@ TEST_F(Link, QueuedMessagesArriveAndWrongOnesAreRefusedHere) {
     ASSERT_EQ(sent.size(), 4U);
     EXPECT_EQ(sent[0].dest, "LOGGER");
     EXPECT_EQ(sent[0].payload, FRAME_bytes{std::byte{1}});
-    EXPECT_EQ(sent[1].flags, VESKMSG_TO_ALL | VESKMSG_KEEP);
+    EXPECT_EQ(sent[1].flags, FRAME_TO_ALL | FRAME_KEEP);
     EXPECT_EQ(sent[2].dest, "N12");
     EXPECT_EQ(sent[2].record, "");
     FRAME_bytes without_padding(sizeof setpoint, std::byte{0x93});

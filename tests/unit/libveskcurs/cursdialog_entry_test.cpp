@@ -2,7 +2,7 @@
 #include <clocale>
 #include <cmath>
 
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 #include "libveskcurs/cursdialog.h"
 #include "libveskcurs/cursdialog_line.h"
 #include "unit/libveskcurs/dialog_test.h"

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "libvesk/records/cpc.h"
-#include "libvesk/records/io.h"
-#include "libvesk/records/log.h"
-#include "libvesk/util.h"
+#include "libvesk/messages/records/cpc.h"
+#include "libvesk/messages/records/io.h"
+#include "libvesk/messages/records/log.h"
+#include "libvesk/support/util.h"
 #include "peer/json_record.h"
 #include "support/records.h"
 

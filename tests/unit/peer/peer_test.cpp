@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 #include "support/wire.h"
 
 namespace {
@@ -30,16 +30,16 @@ BOOL readable(int fd) {
 // The far side of one link: takes the connection, hears messages, says others.
 class far_side {
   public:
-    explicit far_side(const std::string& path) : m_listener(path) {}
+    explicit far_side(const std::string& path) : listener_(path) {}
 
     FRAME_bytes take_hello() {
-        m_end.emplace(m_listener.next());
+        end_.emplace(listener_.next());
         return next().bytes;
     }
     void send(const FRAME_bytes& bytes) {
-        m_end->send(bytes);
-        m_end->write();
-        EXPECT_EQ(m_end->unsent(), 0u);
+        end_->send(bytes);
+        end_->write();
+        EXPECT_EQ(end_->unsent(), 0u);
     }
     void welcome() { send(wire::welcome()); }
     // All at once: the peer may go after any of them.
@@ -58,89 +58,87 @@ class far_side {
         return std::string(NETMSG_by_type(m.value)->name) + " " + std::to_string(m.flags) + " " + m.dest +
                " " + m.record + " " + std::to_string(m.payload.size());
     }
-    void hang_up() { m_end->hang_up(); }
+    void hang_up() { end_->hang_up(); }
 
   private:
     // What comes next; empty at the end.
     wire::Seen next() {
-        auto& frames = m_end->frames();
-        EXPECT_TRUE(wire::until([&] { m_end->look(); }, [&] { return !frames.empty() || m_end->ended(); }));
+        auto& frames = end_->frames();
+        EXPECT_TRUE(wire::until([&] { end_->look(); }, [&] { return !frames.empty() || end_->ended(); }));
         if (frames.empty()) return {};
         wire::Seen first = std::move(frames.front());
         frames.erase(frames.begin());
         return first;
     }
 
-    wire::Listener m_listener;
-    std::optional<wire::End> m_end;
+    wire::Listener listener_;
+    std::optional<wire::End> end_;
 };
 
 // A peer that runs on a thread of its own, between two pipes.
 class PeerLoop : public testing::Test {
   protected:
     PeerLoop() {
-        options.host = m_folder / "socket";
-        if (pipe(m_in) != 0 || pipe(m_out) != 0 || !LIBVESK_init("PEER")) std::abort();
+        options.host = folder_ / "socket";
+        if (pipe(in_) != 0 || pipe(out_) != 0 || !LIBVESK_init("PEER")) std::abort();
     }
     ~PeerLoop() override {
-        for (const int fd : {m_in[0], m_in[1], m_out[0], m_out[1]})
+        for (const int fd : {in_[0], in_[1], out_[0], out_[1]})
             if (fd >= 0) close(fd);
     }
 
     void start() {
-        m_status = std::async(std::launch::async, [this] { return PEER_run(options, m_in[0], m_out[1]); });
+        status_ = std::async(std::launch::async, [this] { return PEER_run(options, in_[0], out_[1]); });
     }
     void start_welcomed() {
         start();
         server.take_hello();
         server.welcome();
     }
-    void type(std::string_view text) {
-        ASSERT_EQ(write(m_in[1], text.data(), text.size()), std::ssize(text));
-    }
+    void type(std::string_view text) { ASSERT_EQ(write(in_[1], text.data(), text.size()), std::ssize(text)); }
     void end_input() {
-        close(m_in[1]);
-        m_in[1] = -1;
+        close(in_[1]);
+        in_[1] = -1;
     }
     void stop_reading() {
-        close(m_out[0]);
-        m_out[0] = -1;
+        close(out_[0]);
+        out_[0] = -1;
     }
     int status() {
-        if (m_status.wait_for(std::chrono::milliseconds(PATIENCE_MS)) != std::future_status::ready) {
+        if (status_.wait_for(std::chrono::milliseconds(PATIENCE_MS)) != std::future_status::ready) {
             UTIL_request_exit();
             ADD_FAILURE() << "the peer goes on";
         }
-        return m_status.get();
+        return status_.get();
     }
     std::string output_line() {
         std::string line;
         char c = 0;
-        while (readable(m_out[0]) && read(m_out[0], &c, 1) == 1 && c != '\n')
+        while (readable(out_[0]) && read(out_[0], &c, 1) == 1 && c != '\n')
             line += c;
         return line;
     }
     std::string rest_of_output() {
-        close(m_out[1]);
-        m_out[1] = -1;
+        close(out_[1]);
+        out_[1] = -1;
         std::string text(65536, '\0');
-        const ssize_t n = read(m_out[0], text.data(), text.size());
+        const ssize_t n = read(out_[0], text.data(), text.size());
         text.resize(n > 0 ? static_cast<std::size_t>(n) : 0);
         return text;
     }
 
     PEER_options options;
-    TemporaryFolder m_folder;
-    far_side server{m_folder / "socket"};
+    TemporaryFolder folder_;
+    far_side server{folder_ / "socket"};
 
   private:
-    int m_in[2] = {-1, -1};
-    int m_out[2] = {-1, -1};
-    std::future<int> m_status;
+    int in_[2] = {-1, -1};
+    int out_[2] = {-1, -1};
+    std::future<int> status_;
 };
 
 TEST_F(PeerLoop, WithoutAServerSaysWhereItLooked) {
-    options.host = m_folder / "nobody";
+    options.host = folder_ / "nobody";
     testing::internal::CaptureStderr();
     start();
     EXPECT_EQ(status(), PEER_EXIT_NO_LINK);
@@ -244,7 +242,7 @@ TEST_F(PeerLoop, AnInstrumentEndsWithItsInputEvenWhenThatIsEmpty) {
 }
 
 TEST_F(PeerLoop, InputMayBeAFile) {
-    const std::string path = m_folder / "lines";
+    const std::string path = folder_ / "lines";
     const int file = open(path.c_str(), O_RDWR | O_CREAT, 0600);
     const std::string_view line = "{\"msg\":\"MSG_LOG_FLUSH\"}\n";
     for (int i = 0; i < 2000; ++i)

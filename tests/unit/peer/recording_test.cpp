@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 
 namespace {
 

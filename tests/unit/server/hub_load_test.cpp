@@ -1,7 +1,7 @@
 // The hub under load and over time: floods, readers that do not read, peers that say nothing, clocks that
 // leap.
 #include "hub_rig.h"
-#include "libvesk/veskmsg.h"
+#include "libvesk/link/veskmsg.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 // of it runs on one thread: round() lets the hub and every peer do what they can.
 #pragma once
 
-#include "libvesk/asio_config.h"  // first
+#include "libvesk/link/asio_config.h"  // first
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,13 +13,13 @@
 #include <string>
 #include <vector>
 
-#include "libvesk/util.h"
-#include "libvesk/veskmsg.h"
+#include "libvesk/link/veskmsg.h"
+#include "libvesk/support/util.h"
 #include "server/hub.h"
 #include "server/listener.h"
 #include "support/wire.h"
 
-constexpr DWORD ALL = VESKMSG_TO_ALL;
+constexpr DWORD ALL = FRAME_TO_ALL;
 
 class HubRig : public testing::Test {
   protected:

@@ -1,6 +1,6 @@
 // Who gets what: greeting, routing, stamping, keeping, departures, and what happens to what is wrong.
 #include "hub_rig.h"
-#include "libvesk/veskmsg.h"
+#include "libvesk/link/veskmsg.h"
 
 namespace {
 
@@ -8,7 +8,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using wire::message;
 
-constexpr DWORD SHARED = VESKMSG_TO_ALL | VESKMSG_RESERVED | VESKMSG_KEEP;
+constexpr DWORD SHARED = FRAME_TO_ALL | FRAME_RESERVED | FRAME_KEEP;
 
 using Hub = HubRig;
 
@@ -68,7 +68,7 @@ TEST_F(Hub, DirectedMessageReachesItsNameAndMonitorsOnce) {
     wire::End& b = instrument("B1");
     wire::End& monitor = join(FRAME_PEER_MONITOR);
     console.send(message(MSG_NEPH_ISSUE_ZERO, 0, "A1"));
-    console.send(message(MSG_NEPH_CONFIG, VESKMSG_KEEP, "C1"));
+    console.send(message(MSG_NEPH_CONFIG, FRAME_KEEP, "C1"));
     console.send(message(MSG_LOG_FLUSH, ALL, "A1"));
     a.send(message(MSG_CPC_3010_STATUS, 0, "CLIENT"));
     settle(console);
@@ -89,7 +89,7 @@ TEST_F(Hub, DirectedMessageReachesItsNameAndMonitorsOnce) {
 TEST_F(Hub, FramesInOrderAreForwardedByteForByteAndOthersGetTheirTrueSource) {
     wire::End& a = instrument("A1");
     wire::End& console = client();
-    const FRAME_bytes own = message(MSG_CPC_3010_STATUS, ALL | VESKMSG_RESERVED, "B1", 0xA5, "A1");
+    const FRAME_bytes own = message(MSG_CPC_3010_STATUS, ALL | FRAME_RESERVED, "B1", 0xA5, "A1");
     a.send(own);
     a.send(message(MSG_CPC_3010_STATUS, ALL, "B1", 0xA5, ""));
     a.send(message(MSG_CPC_3010_STATUS, ALL, "B1", 0xA5, "CLIENT"));

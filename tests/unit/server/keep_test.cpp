@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "libvesk/netmsg.h"
+#include "libvesk/messages/netmsg.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <fstream>
 
 #include "hub_rig.h"
-#include "libvesk/inst.h"
+#include "libvesk/link/inst.h"
 
 namespace {
 

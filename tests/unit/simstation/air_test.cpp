@@ -1,5 +1,5 @@
 // The chance and the air of the station: reproducible, in range, and one story for all instruments.
-#include "simstation/air.h"
+#include "simstation/physics/air.h"
 
 #include <gtest/gtest.h>
 
@@ -8,9 +8,9 @@
 #include <functional>
 #include <vector>
 
-#include "libvesk/records/cpc.h"
-#include "simstation/average.h"
-#include "simstation/channels.h"
+#include "libvesk/messages/records/cpc.h"
+#include "simstation/physics/average.h"
+#include "simstation/physics/channels.h"
 
 namespace {
 

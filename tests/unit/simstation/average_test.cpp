@@ -1,11 +1,11 @@
 // Averages against values worked out by hand.
-#include "simstation/average.h"
+#include "simstation/physics/average.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 
-#include "libvesk/records/cpc.h"
+#include "libvesk/messages/records/cpc.h"
 
 namespace {
 

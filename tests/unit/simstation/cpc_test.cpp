@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "simstation/average.h"
+#include "simstation/physics/average.h"
 #include "support/sim_probe.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <cmath>
 #include <string>
 
-#include "simstation/average.h"
-#include "simstation/filter.h"
+#include "simstation/physics/average.h"
+#include "simstation/physics/filter.h"
 #include "support/sim_probe.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <limits>
 #include <string>
 
-#include "simstation/pid.h"
-#include "simstation/pidtune.h"
+#include "simstation/physics/pid.h"
+#include "simstation/physics/pidtune.h"
 #include "support/sim_probe.h"
 
 namespace {

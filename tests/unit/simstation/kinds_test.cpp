@@ -7,8 +7,8 @@
 #include <ostream>
 #include <set>
 
-#include "libvesk/records/server.h"
-#include "libvesk/util.h"
+#include "libvesk/messages/records/server.h"
+#include "libvesk/support/util.h"
 #include "support/sim_probe.h"
 
 // How a case is named in the list of tests.

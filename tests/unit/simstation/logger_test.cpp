@@ -3,8 +3,8 @@
 
 #include <gmock/gmock.h>
 
-#include "libvesk/records/messaging.h"
-#include "libvesk/util.h"
+#include "libvesk/messages/records/messaging.h"
+#include "libvesk/support/util.h"
 #include "support/sim_probe.h"
 
 namespace {
@@ -97,7 +97,7 @@ TEST_F(Logger, BypassAndContaminationAreSharedAndLast) {
     SIM_logger logger = make({});
     receive(logger, MSG_CONTAMINATION_BYPASS);
     EXPECT_TRUE(record<NET_LOG_AVG_Bypass>(0).bypassed);
-    EXPECT_EQ(sink.sent[0].flags, DWORD{VESKMSG_TO_ALL | VESKMSG_KEEP});
+    EXPECT_EQ(sink.sent[0].flags, DWORD{FRAME_TO_ALL | FRAME_KEEP});
     receive(logger, MSG_CONTAMINATION_UNBYPASSOVERRIDE);
     EXPECT_FALSE(record<NET_LOG_AVG_Bypass>(1).bypassed);
     receive(logger, MSG_CONTAMINATION_CONTAMINATE);

@@ -2,7 +2,7 @@
 // advances.
 #include <gtest/gtest.h>
 
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 #include "support/sim_probe.h"
 
 namespace {

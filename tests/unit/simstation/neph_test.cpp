@@ -5,8 +5,8 @@
 #include <cmath>
 #include <limits>
 
-#include "libvesk/util.h"
-#include "simstation/spancheck.h"
+#include "libvesk/support/util.h"
+#include "simstation/kinds/spancheck.h"
 #include "support/sim_probe.h"
 
 namespace {
@@ -160,7 +160,7 @@ TEST_F(Spancheck, RunsItsPhasesForTheOrderedTimesAndReportsPlausibleErrors) {
         EXPECT_THAT(phases, ElementsAre(std::pair{1, 180.0}, std::pair{2, 780.0}, std::pair{3, 1080.0},
                                         std::pair{4, 1260.0}, std::pair{5, 1860.0}, std::pair{0, -1.0}));
         const auto r = probe.last<MSG_COMMON_NEPH_SPANCHECK_RESULTS>();
-        EXPECT_EQ(probe.of(MSG_COMMON_NEPH_SPANCHECK_RESULTS).back().flags, DWORD{VESKMSG_TO_ALL});
+        EXPECT_EQ(probe.of(MSG_COMMON_NEPH_SPANCHECK_RESULTS).back().flags, DWORD{FRAME_TO_ALL});
         const bool green_only = std::string_view(type) == "nephM903";
         for (int i = 0; i < 3; ++i) {
             const bool absent = green_only && i != 1;

@@ -3,9 +3,9 @@
 
 #include <gmock/gmock.h>
 
-#include "libvesk/records/cpc.h"
-#include "libvesk/records/server.h"
-#include "simstation/average.h"
+#include "libvesk/messages/records/cpc.h"
+#include "libvesk/messages/records/server.h"
+#include "simstation/physics/average.h"
 #include "support/sim_probe.h"
 
 namespace {
@@ -79,7 +79,7 @@ TEST_F(Instrument, JoinSaysWhoItIsBeforeItsStartAndItsStatusAfter) {
     EXPECT_STREQ(info.tags[1].tag, "second");
     EXPECT_STREQ(info.tags[2].tag, "");
     for (const SentMessage& m : sink.sent)
-        EXPECT_EQ(m.flags, DWORD{VESKMSG_TO_ALL | VESKMSG_KEEP});
+        EXPECT_EQ(m.flags, DWORD{FRAME_TO_ALL | FRAME_KEEP});
     sim.join();
     EXPECT_EQ(sink.sent.size(), 3u) << "joining twice changes nothing";
 }

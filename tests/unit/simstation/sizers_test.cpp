@@ -22,7 +22,7 @@ void expect_bins_announced_once(const char* type) {
     SimProbe probe(type);
     probe.run(60);
     ASSERT_EQ(probe.count(INFO), 1u);
-    EXPECT_EQ(probe.of(INFO)[0].flags, DWORD{VESKMSG_TO_ALL | VESKMSG_KEEP});
+    EXPECT_EQ(probe.of(INFO)[0].flags, DWORD{FRAME_TO_ALL | FRAME_KEEP});
     const auto info = probe.last<INFO>();
     for (std::size_t i = 1; i < std::size(info.D); ++i)
         EXPECT_GT(+info.D[i], +info.D[i - 1]) << type;

@@ -9,7 +9,7 @@
 #include <map>
 #include <regex>
 
-#include "libvesk/util.h"
+#include "libvesk/support/util.h"
 #include "simstation/logger.h"
 #include "simstation/roster.h"
 #include "simstation/scenario.h"
@@ -40,10 +40,10 @@ class Training {
         text.assign(std::istreambuf_iterator<char>(file), {});
         std::vector<std::string> errors;
         const auto members = SIM_roster(kinds_of(text), errors);
-        m_events = SIM_parse_scenario(text, errors);
-        SIM_check_scenario(m_events, members, errors);
+        events_ = SIM_parse_scenario(text, errors);
+        SIM_check_scenario(events_, members, errors);
         EXPECT_THAT(errors, IsEmpty());
-        EXPECT_FALSE(m_events.empty());
+        EXPECT_FALSE(events_.empty());
         sink.now = &world.now;
         for (const SIM_member& member : members) {
             auto& instrument = instruments[member.name];
@@ -55,9 +55,9 @@ class Training {
     void run_until(double second) {
         while (world.now < SIM_START + second) {
             world.advance();
-            while (!m_events.empty() && SIM_START + m_events.front().at <= world.now) {
-                play(m_events.front());
-                m_events.erase(m_events.begin());
+            while (!events_.empty() && SIM_START + events_.front().at <= world.now) {
+                play(events_.front());
+                events_.erase(events_.begin());
             }
             for (const auto& [name, instrument] : instruments)
                 if (instrument->present()) instrument->tick();
@@ -65,9 +65,9 @@ class Training {
     }
     // All events, and what comes right after each; the long time between them is left out.
     void run_through() {
-        while (!m_events.empty()) {
-            world.now = std::max(world.now, SIM_START + m_events.front().at - 1);
-            run_until(m_events.front().at + AFTERMATH);
+        while (!events_.empty()) {
+            world.now = std::max(world.now, SIM_START + events_.front().at - 1);
+            run_until(events_.front().at + AFTERMATH);
         }
     }
 
@@ -105,7 +105,7 @@ class Training {
             }
         }
     }
-    std::vector<SIM_event> m_events;
+    std::vector<SIM_event> events_;
 };
 
 class TrainingTest : public testing::Test {

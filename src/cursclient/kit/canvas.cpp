@@ -1,0 +1,63 @@
+// Drawing inside windows for displays: attributes set around each write, everything clipped by the text
+// layer.
+#include "cursclient/kit/canvas.h"
+
+#include <langinfo.h>
+
+#include "cursclient/wintext.h"
+
+namespace {
+
+BOOL locale_is_utf8() {
+    return std::string_view(nl_langinfo(CODESET)) == "UTF-8";
+}
+
+void add_block(WINDOW* win, int attr) {
+    if (locale_is_utf8()) {
+        static constexpr wchar_t FULL_BLOCK[] = L"\u2588";
+        cchar_t cell{};
+        setcchar(&cell, FULL_BLOCK, static_cast<attr_t>(attr), static_cast<short>(PAIR_NUMBER(attr)),
+                 nullptr);
+        wadd_wch(win, &cell);
+    } else {
+        waddch(win, ACS_BLOCK | static_cast<chtype>(attr));
+    }
+}
+
+}  // namespace
+
+CANVAS::CANVAS(WINS_window* win, SFMT_buffer* sbfr) : win_(win), sbfr_(sbfr), attr_(WINS_attr_normal()) {}
+
+CANVAS CANVAS::in(int attr) const {
+    CANVAS other = *this;
+    other.attr_ = attr;
+    return other;
+}
+
+void CANVAS::text(int row, int col, std::string_view text) const {
+    WINTEXT_put_attr(win_, row, col, attr_, text);
+}
+
+void CANVAS::text_centered(int row, std::string_view text) const {
+    WINTEXT_put_centered(win_, row, attr_, text);
+}
+
+void CANVAS::rule(int row, std::string_view title) const {
+    if (win_ == nullptr || win_->win == nullptr) return;
+    wattrset(win_->win, WINS_frame_attr(win_));
+    WINTEXT_rule(win_, row, title);
+    wattrset(win_->win, WINS_attr_normal());
+}
+
+void CANVAS::block(int row, int col) const {
+    if (win_ == nullptr || win_->win == nullptr) return;
+    const BOOL inside =
+        row >= 1 && row <= getmaxy(win_->win) - 2 && col >= 1 && col <= getmaxx(win_->win) - 2;
+    if (inside && wmove(win_->win, row, col) != ERR) add_block(win_->win, attr_);
+}
+
+BOOL CANVAS::no_comms(int row, BOOL have_comms) const {
+    if (have_comms) return FALSE;
+    alarm().text_centered(row, "NO COMMS");
+    return TRUE;
+}

@@ -1,0 +1,119 @@
+// Carries an operator's command from its button to its message. Everything that waits for the operator holds
+// the uid of the display and never a pointer to it.
+#include "cursclient/kit/command.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <type_traits>
+
+#include "cursclient/globals.h"
+#include "cursclient/passwd.h"
+#include "libvesk/support/util.h"
+
+namespace {
+
+// What a button, a confirmation and the password carry.
+struct pending {
+    DWORD uid;
+    COMMAND_action action;
+    COMMAND_guard guard;
+};
+static_assert(std::is_trivially_copyable_v<pending>);
+
+COMMAND_sender g_sender = nullptr;
+
+void run_now(DWORD uid, const COMMAND_action& action) {
+    auto* pd = COMMAND_display<INSTDISP_head>(uid);
+    if (pd != nullptr) action.call(action.fn, pd, uid);
+}
+
+void password_given(BOOL passok, void* param) {
+    const pending p = *static_cast<pending*>(param);
+    delete static_cast<pending*>(param);
+    if (passok) run_now(p.uid, p.action);
+}
+
+void complain_no_memory(DWORD uid, int line, int error) {
+    const auto* pd = COMMAND_display<INSTDISP_head>(uid);
+    const std::string source = std::string("displays/") + (pd != nullptr ? pd->type : "");
+    UTIL_assertion_failed_errno(source.c_str(), line, "(pd = malloc(sizeof(DWORD))) != NULL", error);
+}
+
+void run_guarded(DWORD uid, const COMMAND_action& action) {
+    auto* p = new (std::nothrow) pending{uid, action, COMMAND_FREE};
+    if (p == nullptr) return complain_no_memory(uid, __LINE__, ENOMEM);
+    PASSWD_checkpass(password_given, p);
+}
+
+void pressed(CURSDIALOG_type* /*dlg*/, void* /*dlg_user_data*/, CURSDIALOG_widget* /*wd*/, void* wd_user_data,
+             CURSDIALOG_button_action* act) {
+    act->close_dialog = TRUE;
+    const pending p = *static_cast<pending*>(wd_user_data);
+    COMMAND_run(p.uid, p.action, p.guard);
+}
+
+}  // namespace
+
+void COMMAND_run(DWORD uid, COMMAND_action action, COMMAND_guard guard) {
+    if (guard == COMMAND_PASSWORD)
+        run_guarded(uid, action);
+    else
+        run_now(uid, action);
+}
+
+BOOL COMMAND_queue(NETMSG_type msg, DWORD flags, const char* dest, const void* payload, std::size_t size,
+                   const char* record) {
+    if (g_sender != nullptr) return g_sender(msg, flags, dest, payload, size, record);
+    return VESKMSG_queue_message(&g_lnk.msg_lnk, msg, flags, dest, payload, size, record);
+}
+
+void COMMAND_set_sender(COMMAND_sender sender) {
+    g_sender = sender;
+}
+
+BOOL COMMAND_send(const INSTDISP_head* pd, NETMSG_type msg) {
+    return COMMAND_queue(msg, 0, pd->name, nullptr, 0, nullptr);
+}
+
+CURSDIALOG_type* COMMAND_dialog(const char* title, DWORD uid) {
+    return DIALOG_create(title, 0, &uid, sizeof uid);
+}
+
+CURSDIALOG_widget* COMMAND_button(CURSDIALOG_type* dlg, COMMAND_place place, int hot_key, const char* label,
+                                  DWORD uid, COMMAND_action action, COMMAND_guard guard) {
+    const pending p{uid, action, guard};
+    return CURSDIALOG_add_button(dlg, place.x, place.y, place.width, place.style, hot_key, label, pressed, &p,
+                                 sizeof p);
+}
+
+void COMMAND_confirm(const char* question, DWORD uid, COMMAND_action on_yes) {
+    static constexpr int WIDTH = 18;
+    const pending p{uid, on_yes, COMMAND_FREE};
+    COMMAND_ending(COMMAND_dialog(question, uid), 1, WIDTH, "Yes", pressed, "No", &p, sizeof p);
+}
+
+void COMMAND_ending(CURSDIALOG_type* dlg, int y, int width, const char* ok_label, CURSDIALOG_button_cb ok,
+                    const char* cancel_label, const void* user_data, std::size_t user_data_size) {
+    CURSDIALOG_add_button(dlg, 1, y, width, CURSDIALOG_STYLE_ROW, 0, ok_label, ok, user_data, user_data_size);
+    CURSDIALOG_widget* cancel =
+        CURSDIALOG_add_button(dlg, 1 + width, y, width, CURSDIALOG_STYLE_ROW, 0, cancel_label,
+                              CURSDIALOG_DEFAULT_button_close, nullptr, 0);
+    CURSDIALOG_force_widget_focus(dlg, cancel);
+}
+
+CURSDIALOG_widget* COMMAND_number_entry(CURSDIALOG_type* dlg, int y, const char* label, const char* initial,
+                                        int max_len, const CURSDIALOG_DEFAULT_entry_numeric_param* limits,
+                                        std::size_t limits_size) {
+    return CURSDIALOG_add_entry(dlg, 1, y, 0, CURSDIALOG_STYLE_LIST, 0, label, initial, max_len,
+                                CURSDIALOG_DEFAULT_entry_numeric, limits,
+                                limits != nullptr ? limits_size : 0);
+}
+
+double COMMAND_entry_value(CURSDIALOG_widget* entry) {
+    return UTIL_atofv(CURSDIALOG_getvalue(entry, nullptr, 0));
+}
+
+std::string COMMAND_check_label(BOOL on, const char* text) {
+    return std::string(on ? "[*] " : "[ ] ") + text;
+}

@@ -1,0 +1,242 @@
+// The extinction monitor and the photoacoustic extinctiometer: both measure the air's extinction against a
+// zero that they renew from time to time.
+#include <array>
+#include <cmath>
+
+#include "libvesk/messages/records/extinction.h"
+#include "simstation/kinds.h"
+#include "simstation/physics/average.h"
+#include "simstation/physics/channels.h"
+
+namespace {
+
+// --- cavity attenuated phase shift
+
+constexpr double CAPS_WAVELENGTH = 530;  // nm
+constexpr double ZERO_INTERVAL = 3600;   // seconds between the starts of automatic zeros
+constexpr int ZERO_SECONDS = 60;
+constexpr double FLUSH_LAG = 6;  // seconds in which the cell fills with other air
+constexpr WORD ZEROING = 0x0001;
+
+constexpr SIM_channel CAPS_CHANNELS[] = {
+    {"temp", 31, 0.02, 400, 22}, {"press", 984, 0.2}, {"signal", 18200, 25}};
+
+struct caps {
+    static constexpr SIM_setting settings[] = {{"baseline", "of the cavity, 1/Mm: 300 to 900"}};
+
+    void start(SIM_instrument& sim) {
+        known_baseline = baseline;
+        plan(sim);
+    }
+
+    void tick(SIM_instrument& sim) {
+        channels.step(sim.noise(), sim.dt());
+        if (zeroing == 0 && sim.time() >= next_zero) begin(sim);
+        const double ambient = sim.air().scattering(CAPS_WAVELENGTH) + sim.air().absorption(CAPS_WAVELENGTH);
+        in_cell = SIM_approach(in_cell, zeroing > 0 ? 0 : ambient, FLUSH_LAG, sim.dt());
+        baseline += drift.step(sim.noise(), sim.dt()) * sim.dt() / 3600;
+        const NET_CAPS_Reading now = reading(sim);
+        if (zeroing > 0 && zeroing <= ZERO_SECONDS / 2) zero_loss.add(now.loss);
+        running.add(sim.time(), now);
+        block.add(now);
+        sim.send_instant(MSG_CAPS_INSTANT, NET_CAPS_Instant{sim.time(), now, running.mean()});
+        if (sim.average_due()) say_average(sim);
+        if (zeroing > 0 && --zeroing == 0) finish(sim);
+    }
+
+    void status(SIM_instrument& sim) { sim.send_changed(MSG_CAPS_STATUS, NET_CAPS_Status{sim.have_comms()}); }
+
+    BOOL command(SIM_instrument& sim, const VESKMSG_proc_msg* pm) {
+        if (pm->msg->msg != MSG_CAPS_ISSUE_ZERO) return FALSE;
+        if (zeroing == 0) begin(sim);
+        return TRUE;
+    }
+
+    BOOL set(SIM_instrument&, std::string_view, const SIM_value& value) {
+        if (!(value.number >= 300 && value.number <= 900)) return FALSE;
+        baseline = value.number;
+        return TRUE;
+    }
+
+    void plan(SIM_instrument& sim) {
+        next_zero = sim.time() + ZERO_INTERVAL;
+        sim.send_kept(MSG_CAPS_ZEROSCHEDULE, NET_CAPS_ZeroSchedule{next_zero});
+    }
+
+    void begin(SIM_instrument& sim) {
+        zeroing = ZERO_SECONDS;
+        zero_loss.reset();
+        zero_start = sim.time();
+        sim.log("zero begins");
+    }
+
+    // The second half of the zero is the measurement, when the cell is free of the air before.
+    void finish(SIM_instrument& sim) {
+        const double measured = zero_loss.mean();
+        sim.send_kept(MSG_CAPS_ZERO, NET_CAPS_Zero{zero_start, measured, measured - known_baseline});
+        known_baseline = measured;
+        plan(sim);
+        sim.log("zero: baseline %.2f /Mm", measured);
+    }
+
+    NET_CAPS_Reading reading(SIM_instrument& sim) {
+        auto r = NETDSD_default<NET_CAPS_Reading>();
+        channels.fill(r);
+        r.start_time = sim.time();
+        r.loss = baseline + in_cell + sim.noise().normal(0, 0.4);
+        r.ext = r.loss - known_baseline;
+        r.flags = static_cast<WORD>((zeroing > 0 ? ZEROING : 0) | sim.alarm_flags());
+        return r;
+    }
+
+    void say_average(SIM_instrument& sim) {
+        NET_CAPS_Reading average = block.mean();
+        average.start_time = sim.average_start();
+        sim.send_kept(MSG_CAPS_AVERAGE, average);
+        block.reset();
+    }
+
+    SIM_channels channels{CAPS_CHANNELS};
+    SIM_drift drift{3, 7200};  // 1/Mm per hour
+    SIM_record_running<NET_CAPS_Reading> running;
+    SIM_record_block<NET_CAPS_Reading> block;
+    SIM_stats zero_loss;
+    double baseline = 480;        // as it is
+    double known_baseline = 480;  // as the last zero found it
+    double in_cell = 0;           // extinction of what is in the cell
+    int zeroing = 0;              // seconds left
+    FTIME zero_start = VESK_NO_TIME;
+    FTIME next_zero = VESK_NO_TIME;
+};
+
+// --- photoacoustic extinctiometer
+
+constexpr double PAX_WAVELENGTH = 870;  // nm
+
+// One step of its cycle; after the last the first follows.
+struct pax_step {
+    NET_PAX_Mode mode;
+    int seconds;
+};
+constexpr std::array<pax_step, 4> PAX_CYCLE{{
+    {NET_PAX_MODE_MEASURE, 480},
+    {NET_PAX_MODE_FLUSH, 30},
+    {NET_PAX_MODE_ZERO, 60},
+    {NET_PAX_MODE_FLUSH, 30},
+}};
+
+constexpr SIM_channel PAX_CHANNELS[] = {
+    {"baNoise", 0.4, 0.02},
+    {"p", 984, 0.2},
+    {"pInlet", 986, 0.2},
+    {"pVacuum", 410, 2},
+    {"tSample", 28, 0.03, 300, 22},
+    {"tLaser", 25, 0.02, 120, 22},
+    {"v33", 3.3, 0.002},
+    {"v5", 5.02, 0.003},
+    {"v12", 12.05, 0.01},
+    {"vM5", -5.01, 0.003},
+    {"vP5", 5.01, 0.003},
+    {"aLaser", 2.1, 0.004},
+    {"aPhotoDiode", 0.62, 0.002},
+    {"pLaser", 1.6, 0.005},
+    {"laserPhase", 163, 0.2},
+    {"micPressure", 0.8, 0.01},
+    {"qFactor", 61, 0.2},
+    {"rh", 32, 0.2},
+    {"frequency", 1503, 0.5},
+};
+
+struct pax {
+    static constexpr SIM_setting settings[] = {
+        {"mode", "next: the present step of the cycle ends now", TRUE}};
+
+    void start(SIM_instrument& sim) { step_ends = sim.time() + PAX_CYCLE[step].seconds; }
+
+    void tick(SIM_instrument& sim) {
+        channels.step(sim.noise(), sim.dt());
+        if (sim.time() >= step_ends) next_step(sim);
+        const BOOL filtered = PAX_CYCLE[step].mode != NET_PAX_MODE_MEASURE;
+        absorption =
+            SIM_approach(absorption, filtered ? 0 : sim.air().absorption(PAX_WAVELENGTH), 5, sim.dt());
+        scattering =
+            SIM_approach(scattering, filtered ? 0 : sim.air().scattering(PAX_WAVELENGTH), 5, sim.dt());
+        const NET_PAX_Reading now = reading(sim);
+        if (PAX_CYCLE[step].mode == NET_PAX_MODE_ZERO) {
+            zero_ba.add(absorption_background + sim.noise().normal(0, 0.2));
+            zero_bs.add(scattering_background + sim.noise().normal(0, 0.2));
+        }
+        running.add(sim.time(), now);
+        block.add(now);
+        sim.send_instant(MSG_PAX_INSTANT,
+                         NET_PAX_Instant{sim.time(), now, running.mean(), PAX_CYCLE[step].mode, step_ends});
+        if (sim.average_due()) say_average(sim);
+    }
+
+    void status(SIM_instrument& sim) { sim.send_changed(MSG_PAX_STATUS, NET_PAX_Status{sim.have_comms()}); }
+
+    BOOL set(SIM_instrument& sim, std::string_view, const SIM_value& value) {
+        if (value.text != "next") return FALSE;
+        step_ends = sim.time();
+        return TRUE;
+    }
+
+    void next_step(SIM_instrument& sim) {
+        if (PAX_CYCLE[step].mode == NET_PAX_MODE_ZERO) say_zero(sim);
+        step = (step + 1) % PAX_CYCLE.size();
+        step_ends = sim.time() + PAX_CYCLE[step].seconds;
+    }
+
+    void say_zero(SIM_instrument& sim) {
+        NET_PAX_Zero z{};
+        z.start_time = sim.time() - zero_ba.count() * sim.dt();
+        z.ba = zero_ba.mean();
+        z.bs = zero_bs.mean();
+        z.baPhase = sim.noise().normal(118, 0.5);
+        z.baShift = VESK_difference(z.ba, last_ba);
+        z.bsShift = VESK_difference(z.bs, last_bs);
+        last_ba = z.ba;
+        last_bs = z.bs;
+        zero_ba.reset();
+        zero_bs.reset();
+        absorption_background += sim.noise().normal(0, 0.3);
+        scattering_background += sim.noise().normal(0, 0.3);
+        sim.send_kept(MSG_PAX_ZERO, z);
+    }
+
+    NET_PAX_Reading reading(SIM_instrument& sim) {
+        auto r = NETDSD_default<NET_PAX_Reading>();
+        channels.fill(r);
+        SIM_noise& noise = sim.noise();
+        r.start_time = sim.time();
+        r.ba = absorption + noise.normal(0, 0.4);
+        r.bs = scattering + noise.normal(0, 0.4);
+        r.baPhase = noise.normal(120, 4);
+        r.iMic = 2.1e-6 * (std::abs(r.ba) + absorption_background);
+        r.iScat = 3.4e-5 * (std::abs(r.bs) + scattering_background);
+        r.flags = sim.alarm_flags();
+        return r;
+    }
+
+    void say_average(SIM_instrument& sim) {
+        NET_PAX_Reading average = block.mean();
+        average.start_time = sim.average_start();
+        sim.send_kept(MSG_PAX_AVERAGE, average);
+        block.reset();
+    }
+
+    SIM_channels channels{PAX_CHANNELS};
+    SIM_record_running<NET_PAX_Reading> running;
+    SIM_record_block<NET_PAX_Reading> block;
+    SIM_stats zero_ba, zero_bs;
+    double absorption = 0, scattering = 0;  // of what is in the cell, 1/Mm
+    double absorption_background = 21, scattering_background = 9;
+    double last_ba = VESK_MISSING, last_bs = VESK_MISSING;  // of the zero before
+    std::size_t step = 0;
+    FTIME step_ends = VESK_NO_TIME;
+};
+
+}  // namespace
+
+constinit const SIM_decl SIM_DCL_caps = SIM_decl_of<caps>();
+constinit const SIM_decl SIM_DCL_pax = SIM_decl_of<pax>();
