@@ -6,8 +6,6 @@
 #include <cctype>
 #include <cstdlib>
 #include <map>
-#include <set>
-#include <sstream>
 
 #include "journey.h"
 
@@ -18,7 +16,6 @@ constexpr TerminalSize ROOMY{50, 120};
 constexpr int LEFT = 2, TOP = 1;      // where the window stands
 constexpr int RIGHT = 2, BOTTOM = 1;  // what stays free behind it, beside the status line
 constexpr int STATUS_COLS = 40;       // an indicator or two, and the time
-constexpr char NO_VALUE[] = "-.-";    // in every number that is not there yet
 constexpr long START = 1700049600;    // 12:00:00 UTC, away from the hours at which zeros are due
 
 // ---- comparing pictures
@@ -84,105 +81,7 @@ void picture(Terminal& console, const std::string& name) {
                       << testing::PrintToString(now());
 }
 
-// ---- one kind
-
-struct view {
-    const char* name;  // of the picture, behind the kind's
-    const char* keys;  // that lead to it from the view before
-    const char* text;  // stands in it
-};
-
-struct kind_case {
-    const char* kind;
-    const char* name;   // of its first simulated instrument
-    const char* ready;  // stands in the window once the instrument has reported
-    std::vector<view> views = {};
-    const char* speed = "10";     // slow, where the labels change with time
-    const char* cold = "";        // stands in the window until the instrument is warm
-    bool has_gaps = false;        // values that do not come for long, or never
-    TerminalSize at_least{0, 0};  // for dialogs that are larger than the window
-};
-
-const std::vector<kind_case> KINDS{
-    {.kind = "aethalometer", .name = "A81", .ready = "Flow:  "},
-    {.kind = "caps", .name = "E71", .ready = "Next zero:", .has_gaps = true},
-    {.kind = "ccn",
-     .name = "N71",
-     .ready = "█",
-     .views = {{"-dN", "n", "dN - Instantanous"},
-               {"-table", "t", "Tabular - Instantanous"},
-               {"-housekeeping", "h", "Housekeeping - Instantanous"}}},
-    {.kind = "clap3w",
-     .name = "A13",
-     .ready = "Transmittance:",
-     .views = {{"-I", "d", "I spot 8:"},
-               {"-Ig", "d", "Ig spot 8:"},
-               {"-In", "d", "In spot 8:"},
-               {"-Ing", "d", "Ing spot 8:"},
-               {"-Irw", "d", "Irw spot 8:"},
-               {"-Irz", "d", "Irz spot 8:"},
-               {"-flow", "m5", "[ ] Override locks"}}},
-    {.kind = "cpc_3010", .name = "N61", .ready = "Last Average:", .speed = "300", .cold = "LASER/TEMP"},
-    {.kind = "cpc_3022", .name = "N62", .ready = "Last Average:", .speed = "300", .cold = "LASER/TEMP"},
-    {.kind = "cpc_3703", .name = "N63", .ready = "Last Average:"},
-    {.kind = "cpc_3775", .name = "N64", .ready = "Last Average:", .speed = "300", .cold = "Flags:"},
-    {.kind = "cpc_3781", .name = "N65", .ready = "Last Average:", .speed = "300", .cold = "Flags:"},
-    {.kind = "cpc_3783", .name = "N66", .ready = "Last Average:", .speed = "300", .cold = "Flags:"},
-    {.kind = "cpc_bmi1710", .name = "N67", .ready = "Concentration (cm-3):", .speed = "300"},
-    {.kind = "cpc_pulse", .name = "N68", .ready = "Last Average:"},
-    {.kind = "genericpid",
-     .name = "C13",
-     .ready = "T_line:  4.5",
-     .views = {{"-start", "m5", "Calculation method: "}, {"-parameters", "\x17m4", "[ ] Limit P"}},
-     .speed = "200",
-     .at_least = {14, 64}},
-    {.kind = "grimm",
-     .name = "S11",
-     .ready = "█",
-     .views = {{"-dN", "n", " dN - Instantanous"},
-               {"-table", "t", "Tabular - Instantanous"},
-               {"-housekeeping", "h", "Battery"}}},
-    {.kind = "lasair",
-     .name = "S12",
-     .ready = "█",
-     .views = {{"-dN", "n", " dN - Instantanous"},
-               {"-table", "t", "Tabular - Instantanous"},
-               {"-housekeeping", "h", "Laser"}}},
-    {.kind = "lovepid",
-     .name = "C11",
-     .ready = " 2a   18.00",
-     .views = {{"-setpoint", "m2", "Address:  10"}},
-     .speed = "300"},
-    {.kind = "maap", .name = "A82", .ready = "S165/SZ165:"},
-    {.kind = "neph",
-     .name = "N11",
-     .ready = "Next zero:",
-     .views = {{"-counts", "s", "SampTS:"}, {"-parameters", "m4", "Zero valve unchanged"}},
-     .at_least = {0, 64}},
-    {.kind = "nephM903", .name = "N31", .ready = "P (hPa):"},
-    {.kind = "neph_aurora3000", .name = "N41", .ready = "Next zero:", .views = {{"-counts", "s", "NTotal:"}}},
-    {.kind = "neph_passive", .name = "N21", .ready = "Next zero:"},
-    {.kind = "pax", .name = "E72", .ready = "NEXT AT", .speed = "1", .has_gaps = true},
-    {.kind = "psap", .name = "A11", .ready = "Flow (slpm):"},
-    {.kind = "psap3", .name = "A12", .ready = "Flow (slpm):"},
-    {.kind = "sems",
-     .name = "S13",
-     .ready = "█",
-     .views = {{"-downward", "n", "dN/dlogD, downward sweep"},
-               {"-volume", "v", "dV/dlogD, upward sweep"},
-               {"-cumulative", "c", "cum N(D), upward sweep"},
-               {"-table", "t", "(um^3/cm^3)"},
-               {"-housekeeping", "h", "Upward:"}},
-     .speed = "100"},
-    {.kind = "inst_skel", .name = "X11", .ready = "Skeleton"},
-    {.kind = "verticalprofile", .name = "V11", .ready = "Last task: TAKE OFF", .speed = "1"},
-    {.kind = "watlow", .name = "C12", .ready = "B:   40.0"},
-};
-
-// Its page and its pictures: those of the skeleton, which is announced under a longer name, too.
-std::string page_of(std::string_view kind) {
-    return kind == "inst_skel" ? "skel" : std::string(kind);
-}
+// ---- the terminal
 
 // The frame whose upper left corner is at that place reaches to there; nothing while it is not whole.
 std::optional<TerminalSize> frame_end(const Terminal& console, int row, int col) {
@@ -204,10 +103,6 @@ class ScreensDrawn : public testing::Test {
                                                  std::to_string(TOP) + "\n" + key + "Visible = TRUE\n");
         console_ = station_.console({.arguments = {}, .size = ROOMY});
         ASSERT_TRUE(is_up(*console_));
-    }
-    void simulate(const std::string& kind, const std::string& speed = "10") {
-        simulated_ = station_.simstation({"--kinds", kind, "--seed", "11", "--start", std::to_string(START),
-                                          "--speed", speed, "--average", "5", "--errors", "0"});
     }
     // The condition holds on a screen that was drawn whole: the clock, which is drawn last, has gone on while
     // it did.
@@ -244,50 +139,8 @@ class ScreensDrawn : public testing::Test {
     }
 
     Station station_;
-    std::unique_ptr<Process> simulated_;
     std::unique_ptr<Terminal> console_;
 };
-
-void PrintTo(const kind_case& c, std::ostream* os) {
-    *os << c.kind;
-}
-
-class ScreensOfKind : public ScreensDrawn, public testing::WithParamInterface<kind_case> {};
-
-TEST_P(ScreensOfKind, AreAsInTheDocuments) {
-    const kind_case& c = GetParam();
-    open(c.kind, c.name);
-    simulate(c.kind, c.speed);
-    const auto settled = [&] {
-        return console_->find(c.ready) && (c.has_gaps || !console_->find(NO_VALUE)) &&
-               (*c.cold == '\0' || !console_->find(c.cold));
-    };
-    ASSERT_TRUE(holds(settled, std::string("\"") + c.ready + "\" and every value"));
-    fit(c.at_least);
-    const std::string name = "displays/" + page_of(c.kind);
-    picture(*console_, name);
-    for (const view& v : c.views) {
-        console_->type(v.keys);
-        ASSERT_TRUE(stands(v.text));
-        picture(*console_, name + v.name);
-    }
-    EXPECT_FALSE(console_->find("NO COMMS"));
-}
-
-INSTANTIATE_TEST_SUITE_P(Station, ScreensOfKind, testing::ValuesIn(KINDS),
-                         [](const auto& param_info) { return std::string(param_info.param.kind); });
-
-TEST_F(ScreensDrawn, OfEveryKindThatThereIs) {
-    auto list = station_.start("vesk.simstation", {"--list"});
-    ASSERT_EQ(list->wait_exit(), 0);
-    std::set<std::string> simulated, shown;
-    std::istringstream lines(list->out());
-    for (std::string line; std::getline(lines, line);)
-        if (!line.starts_with(" ")) simulated.insert(line.substr(0, line.find(' ')));
-    for (const kind_case& c : KINDS)
-        shown.insert(c.kind);
-    EXPECT_EQ(shown, simulated);
-}
 
 // ---- what takes more than a key
 

@@ -46,39 +46,31 @@ Cell cell_at(WINDOW* win, int y, int x) {
     return cell;
 }
 
-// Line drawing as curses stores it in a cell: a letter of the alternate character set.
-char alternate_as_ascii(wchar_t ch) {
-    switch (ch) {
-        case L'q':
-            return '-';
-        case L'x':
-            return '|';
-        case L'a':
-        case L'h':
-        case L'0':
-            return '#';
-        case L'-':
-            return '^';
-        case L'.':
-            return 'v';
-        case L',':
-            return '<';
-        case L'+':
-            return '>';
-        default:
-            return ch >= L'j' && ch <= L'w' ? '+' : '?';
-    }
+// Line drawing and the like: as curses stores it in a cell (a letter of the alternate character set), as a
+// terminal shows it, and as texts of tests have it.
+struct Glyph {
+    wchar_t alternate;
+    wchar_t shown;
+    char ascii;
+};
+constexpr Glyph GLYPHS[] = {{L'q', L'─', '-'}, {L'x', L'│', '|'}, {L'l', L'┌', '+'}, {L'k', L'┐', '+'},
+                            {L'm', L'└', '+'}, {L'j', L'┘', '+'}, {L't', L'├', '+'}, {L'u', L'┤', '+'},
+                            {L'w', L'┬', '+'}, {L'v', L'┴', '+'}, {L'n', L'┼', '+'}, {L'a', L'▒', '#'},
+                            {L'0', L'█', '#'}, {L'-', L'↑', '^'}, {L'.', L'↓', 'v'}, {L',', L'←', '<'},
+                            {L'+', L'→', '>'}};
+
+wchar_t shown_in(const Cell& cell) {
+    if ((cell.attributes & A_ALTCHARSET) != 0)
+        for (const Glyph& glyph : GLYPHS)
+            if (cell.ch == glyph.alternate) return glyph.shown;
+    return cell.ch == L'\0' ? L' ' : cell.ch;
 }
 
 char cell_as_ascii(const Cell& cell) {
-    if ((cell.attributes & A_ALTCHARSET) != 0) return alternate_as_ascii(cell.ch);
-    if (cell.ch == L'\0') return ' ';
-    if (cell.ch >= 32 && cell.ch < 127) return static_cast<char>(cell.ch);
-    if (cell.ch == 0x2500) return '-';
-    if (cell.ch == 0x2502) return '|';
-    if (cell.ch > 0x2502 && cell.ch < 0x2580) return '+';
-    if (cell.ch >= 0x2580 && cell.ch < 0x25A0) return '#';
-    return '?';
+    const wchar_t shown = shown_in(cell);
+    for (const Glyph& glyph : GLYPHS)
+        if (shown == glyph.shown) return glyph.ascii;
+    return shown >= 32 && shown < 127 ? static_cast<char>(shown) : '?';
 }
 
 // The environment is where curses takes the size from before it asks any terminal.
@@ -186,4 +178,8 @@ attr_t TestScreen::attributes(WINDOW* win, int y, int x) {
 
 int TestScreen::color_pair(WINDOW* win, int y, int x) {
     return cell_at(win, y, x).pair;
+}
+
+wchar_t TestScreen::character(WINDOW* win, int y, int x) {
+    return shown_in(cell_at(win, y, x));
 }

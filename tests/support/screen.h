@@ -31,6 +31,8 @@ class TestScreen {
     // All rows, each with a newline, trailing blanks cut: what a failing test prints.
     static std::string dump(WINDOW* win);
     static std::string screen_dump();
+    // The character that a terminal shows in a cell, line drawing included.
+    static wchar_t character(WINDOW* win, int y, int x);
     // Attributes (A_BOLD, A_REVERSE, ...) and colour pair of a cell.
     static attr_t attributes(WINDOW* win, int y, int x);
     static int color_pair(WINDOW* win, int y, int x);

@@ -414,3 +414,8 @@ bool Terminal::settings_changed() const {
     return a.c_iflag != b.c_iflag || a.c_oflag != b.c_oflag || a.c_cflag != b.c_cflag ||
            a.c_lflag != b.c_lflag || std::memcmp(a.c_cc, b.c_cc, sizeof a.c_cc) != 0;
 }
+
+std::string Terminal::svg(std::string_view title) const {
+    return draw_picture(
+        size(), [this](int row, int col) { return cell(row, col); }, title);
+}

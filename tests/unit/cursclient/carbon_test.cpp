@@ -1,6 +1,6 @@
 // The black-carbon instruments: the order of the aethalometer's channels and the MAAP's error row.
 #include "libvesk/messages/records/carbon.h"
-#include "display_rig.h"
+#include "support/display_rig.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // The CCN counter: its housekeeping in the three data sets, and its commands with their dialogs.
 #include "libvesk/messages/records/ccn.h"
-#include "display_rig.h"
+#include "support/display_rig.h"
 
 namespace {
 

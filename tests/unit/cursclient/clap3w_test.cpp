@@ -2,8 +2,8 @@
 // and what its menu offers while the filter is out.
 #include "libvesk/messages/records/clap3w.h"
 #include "cursclient/cursclient.h"
-#include "display_rig.h"
 #include "libvesk/messages/netdsd.h"
+#include "support/display_rig.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <limits>
 
 #include "cursclient/kit/instdisp.h"
-#include "display_rig.h"
 #include "libvesk/messages/records/cpc.h"
+#include "support/display_rig.h"
 
 namespace {
 

@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "display_rig.h"
+#include "support/display_rig.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include <string>
 
 #include "cursclient/cursclient.h"
-#include "display_rig.h"
 #include "libvesk/messages/records/log.h"
+#include "support/display_rig.h"
 
 namespace {
 

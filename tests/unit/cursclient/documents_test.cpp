@@ -14,8 +14,8 @@
 
 #include "cursclient/display.h"
 #include "cursclient/displays_generated.h"
-#include "display_rig.h"
 #include "libveskcurs/curskeys.h"
+#include "support/display_rig.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // The extinction monitor and the photoacoustic extinctiometer.
 #include "libvesk/messages/records/extinction.h"
-#include "display_rig.h"
+#include "support/display_rig.h"
 
 namespace {
 

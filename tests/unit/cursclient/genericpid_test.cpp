@@ -4,7 +4,7 @@
 #include <string>
 
 #include "cursclient/displays/genericpid.h"
-#include "display_rig.h"
+#include "support/display_rig.h"
 
 namespace {
 

@@ -5,10 +5,10 @@
 #include <limits>
 
 #include "cursclient/cursclient.h"
-#include "display_rig.h"
 #include "libvesk/messages/records/cpc.h"
 #include "libvesk/messages/records/log.h"
 #include "libveskcurs/curskeys.h"
+#include "support/display_rig.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <span>
 
 #include "cursclient/displays_generated.h"
-#include "display_rig.h"
+#include "support/display_rig.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 #include <cstring>
 
 #include "cursclient/displays/watlow.h"
-#include "display_rig.h"
 #include "libvesk/messages/records/loopctl.h"
+#include "support/display_rig.h"
 
 namespace {
 

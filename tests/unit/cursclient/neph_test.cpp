@@ -1,8 +1,8 @@
 // The nephelometers' windows: the three-wavelength kind with its parameters, the one that is only watched,
 // the single-wavelength kind and the Aurora 3000.
 #include "libvesk/messages/records/neph.h"
-#include "display_rig.h"
 #include "libvesk/messages/records/common_neph.h"
+#include "support/display_rig.h"
 
 namespace {
 

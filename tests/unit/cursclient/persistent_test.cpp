@@ -3,9 +3,9 @@
 #include <string>
 
 #include "cursclient/mainmenu.h"
-#include "display_rig.h"
 #include "libvesk/messages/records/log.h"
 #include "libvesk/messages/records/messaging.h"
+#include "support/display_rig.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // The particle soot absorption photometers: their screens, and the filter change that both have.
 #include "libvesk/messages/records/psap.h"
-#include "display_rig.h"
+#include "support/display_rig.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <limits>
 
 #include "cursclient/display.h"
-#include "display_rig.h"
 #include "libvesk/messages/records/sizers.h"
+#include "support/display_rig.h"
 
 namespace {
 

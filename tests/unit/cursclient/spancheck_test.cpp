@@ -3,9 +3,9 @@
 #include <limits>
 
 #include "cursclient/kit/spancheck.h"
-#include "display_rig.h"
 #include "libvesk/messages/records/log.h"
 #include "libvesk/messages/records/neph.h"
+#include "support/display_rig.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // The vertical profile's schedule: its screen and the waypoint table that it snoops.
 #include "libvesk/messages/records/verticalprofile.h"
-#include "display_rig.h"
+#include "support/display_rig.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // What displays send goes no further than a list here; time stands still until a test moves it.
-#include "display_rig.h"
+#include "support/display_rig.h"
 
 #include <utility>
 

@@ -1,10 +1,10 @@
-// The screen of a terminal as an SVG picture: backgrounds as rectangles, text in runs of one look, frames as
-// lines, so that they join in every font.
+// Backgrounds are rectangles, text stands in runs of one look, frames are lines, so that they join in every
+// font.
+#include "support/picture.h"
+
+#include <algorithm>
 #include <array>
 #include <cstdio>
-#include <string>
-
-#include "support/terminal.h"
 
 namespace {
 
@@ -82,11 +82,12 @@ std::uint32_t background(std::uint32_t rgb) {
 
 class Picture {
   public:
-    explicit Picture(const Terminal& terminal) : terminal_(terminal) {}
+    Picture(TerminalSize size, const std::function<TerminalCell(int, int)>& cell)
+        : size_(size), cell_(cell) {}
 
     std::string draw(std::string_view title) {
-        const int width = terminal_.size().cols * CELL_WIDTH + 2 * MARGIN;
-        const int height = terminal_.size().rows * CELL_HEIGHT + BAR_HEIGHT + MARGIN;
+        const int width = size_.cols * CELL_WIDTH + 2 * MARGIN;
+        const int height = size_.rows * CELL_HEIGHT + BAR_HEIGHT + MARGIN;
         svg_ = "<svg xmlns=\"http://www.w3.org/2000/svg\"" + attribute("width", width) +
                attribute("height", height) + " font-family=\"DejaVu Sans Mono,Menlo,Consolas,monospace\"" +
                attribute("font-size", FONT_SIZE) + ">\n";
@@ -94,9 +95,9 @@ class Picture {
         svg_ += rectangle(0, 0, width, height, 0x2e3436, MARGIN);
         svg_ += "<text" + attribute("x", width / 2) + attribute("y", 19) +
                 " text-anchor=\"middle\" fill=\"#d3d7cf\">" + escaped(title) + "</text>\n";
-        for (int y = 0; y < terminal_.size().rows; ++y)
+        for (int y = 0; y < size_.rows; ++y)
             backgrounds(y);
-        for (int y = 0; y < terminal_.size().rows; ++y)
+        for (int y = 0; y < size_.rows; ++y)
             glyphs(y);
         return svg_ + "</svg>\n";
     }
@@ -108,19 +109,19 @@ class Picture {
     // The end of the run of cells from `from` that `same` holds together with the first of them.
     template <class Same>
     int run_end(int row, int from, Same same) const {
-        const TerminalCell first = terminal_.cell(row, from);
+        const TerminalCell first = cell_(row, from);
         int end = from + 1;
-        while (end < terminal_.size().cols && same(first, terminal_.cell(row, end)))
+        while (end < size_.cols && same(first, cell_(row, end)))
             ++end;
         return end;
     }
 
     void backgrounds(int row) {
-        for (int from = 0, end = 0; from < terminal_.size().cols; from = end) {
+        for (int from = 0, end = 0; from < size_.cols; from = end) {
             end =
                 run_end(row, from, [](const TerminalCell& a, const TerminalCell& b) { return a.bg == b.bg; });
             svg_ += rectangle(left(from), top(row), (end - from) * CELL_WIDTH, CELL_HEIGHT,
-                              background(terminal_.cell(row, from).bg));
+                              background(cell_(row, from).bg));
         }
     }
 
@@ -129,9 +130,9 @@ class Picture {
             return a.fg == b.fg && a.bold == b.bold && arms_of(a.text) == nullptr &&
                    arms_of(b.text) == nullptr;
         };
-        for (int from = 0, end = 0; from < terminal_.size().cols; from = end) {
+        for (int from = 0, end = 0; from < size_.cols; from = end) {
             end = run_end(row, from, same);
-            const TerminalCell first = terminal_.cell(row, from);
+            const TerminalCell first = cell_(row, from);
             if (const Arms* arms = arms_of(first.text)) {
                 lines(row, from, *arms, first);
             } else {
@@ -156,7 +157,7 @@ class Picture {
     void text(int row, int from, int end, const TerminalCell& look) {
         std::string content;
         for (int col = from; col < end; ++col)
-            content += terminal_.cell(row, col).text;
+            content += cell_(row, col).text;
         if (content.find_first_not_of(' ') == std::string::npos) return;
         svg_ += "<text xml:space=\"preserve\"" + attribute("x", left(from)) +
                 attribute("y", top(row) + BASELINE) + attribute("textLength", (end - from) * CELL_WIDTH) +
@@ -164,12 +165,14 @@ class Picture {
                 escaped(content) + "</text>\n";
     }
 
-    const Terminal& terminal_;
+    TerminalSize size_;
+    const std::function<TerminalCell(int, int)>& cell_;
     std::string svg_;
 };
 
 }  // namespace
 
-std::string Terminal::svg(std::string_view title) const {
-    return Picture(*this).draw(title);
+std::string draw_picture(TerminalSize size, const std::function<TerminalCell(int, int)>& cell,
+                         std::string_view title) {
+    return Picture(size, cell).draw(title);
 }

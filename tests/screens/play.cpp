@@ -1,0 +1,251 @@
+#include "screens/play.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <sstream>
+
+#include "cursclient/cursclient.h"
+#include "libvesk/messages/records/server.h"
+#include "libveskcurs/curskeys.h"
+#include "peer/json_line.h"
+
+namespace {
+
+// Where an instrument's window stands, and what stays free around it.
+constexpr int LEFT = 2, TOP = 1, BOTTOM = 1;
+constexpr int STATUS_COLS = 40;  // an indicator or two, and the time
+
+const std::map<std::string, int, std::less<>> KEYS{
+    {"tab", CURSKEYS_TAB}, {"btab", CURSKEYS_BTAB},      {"enter", '\r'},    {"esc", CURSKEYS_ESCAPE},
+    {"up", KEY_UP},        {"down", KEY_DOWN},           {"left", KEY_LEFT}, {"right", KEY_RIGHT},
+    {"pgup", KEY_PPAGE},   {"pgdn", KEY_NPAGE},          {"space", ' '},     {"home", KEY_HOME},
+    {"end", KEY_END},      {"backspace", KEY_BACKSPACE}, {"delete", KEY_DC}};
+
+// The key behind a name: of the table, "f5", "ctrl-w", "alt-n"; 0 when there is none.
+int key_named(std::string_view name) {
+    if (const auto it = KEYS.find(name); it != KEYS.end()) return it->second;
+    if (name.size() > 1 && name[0] == 'f') return KEY_F(std::atoi(name.data() + 1));
+    if (name.size() == 6 && name.starts_with("ctrl-")) return name[5] & 0x1F;
+    if (name.size() == 5 && name.starts_with("alt-")) return CURSKEYS_ALT + name[4];
+    return 0;
+}
+
+void append_utf8(std::string* text, wchar_t wide) {
+    const auto c = static_cast<unsigned>(wide);
+    if (c < 0x80) {
+        *text += static_cast<char>(c);
+        return;
+    }
+    if (c < 0x800) {
+        *text += static_cast<char>(0xC0 | c >> 6);
+    } else {
+        *text += static_cast<char>(0xE0 | c >> 12);
+        *text += static_cast<char>(0x80 | (c >> 6 & 0x3F));
+    }
+    *text += static_cast<char>(0x80 | (c & 0x3F));
+}
+
+std::string utf8(wchar_t c) {
+    std::string text;
+    append_utf8(&text, c);
+    return text;
+}
+
+void cut_blanks(std::string* line) {
+    line->erase(line->find_last_not_of(' ') + 1);
+}
+
+// ---- looks
+
+// The frame of the window that has the focus is bold; in texts its lines are heavy instead, so that only what
+// stands out otherwise needs letters.
+wchar_t heavy(wchar_t line) {
+    static constexpr std::wstring_view LIGHT = L"─│┌┐└┘├┤", HEAVY = L"━┃┏┓┗┛┣┫";
+    const auto at = LIGHT.find(line);
+    return at == std::wstring_view::npos ? line : HEAVY[at];
+}
+
+struct Look {
+    int pair;
+    bool bold;
+    bool reverse;
+};
+
+Look look_at(int y, int x) {
+    const attr_t attributes = TestScreen::attributes(newscr, y, x);
+    return {TestScreen::color_pair(newscr, y, x), (attributes & A_BOLD) != 0, (attributes & A_REVERSE) != 0};
+}
+
+std::string with_light_sides(std::string text) {
+    for (std::size_t at = 0; (at = text.find("┃", at)) != std::string::npos;)
+        text.replace(at, std::string_view("┃").size(), "│");
+    return text;
+}
+
+// The letter of a pair of colours, a capital when the text is bold; a blank for white on blue, and for bold
+// yellow in a heavy border, where white on blue has a dot. Of a blank only the background can be seen.
+// Underlines, of hot keys and entries, are left out.
+char letter_of(Look look, wchar_t c, bool in_border) {
+    static constexpr std::string_view PLAIN =
+                                          "nw yk"
+                                          "re",
+                                      BOLD = "NWBYKRE";
+    if (look.reverse) return look.bold ? 'I' : 'i';
+    const auto pair = static_cast<std::size_t>(look.pair);
+    if (pair >= PLAIN.size()) return '?';
+    if (c == L' ') return look.pair == CP_YELLOW_BLUE || look.pair == CP_RED_BLUE ? ' ' : PLAIN[pair];
+    const char letter = look.bold ? BOLD[pair] : PLAIN[pair];
+    if (!in_border) return letter;
+    return letter == 'Y' ? ' ' : letter == ' ' ? '.' : letter;
+}
+
+TerminalCell picture_cell(int y, int x) {
+    static constexpr struct {
+        std::uint32_t fg, bg;
+    } COLORS[] = {{TERMINAL_WHITE, TERMINAL_BLACK},  {TERMINAL_WHITE, TERMINAL_BLACK},
+                  {TERMINAL_WHITE, TERMINAL_BLUE},   {TERMINAL_YELLOW, TERMINAL_BLUE},
+                  {TERMINAL_YELLOW, TERMINAL_BLACK}, {TERMINAL_RED, TERMINAL_BLUE},
+                  {TERMINAL_WHITE, TERMINAL_RED}};
+    const Look look = look_at(y, x);
+    auto [fg, bg] = COLORS[look.pair];
+    if (look.reverse) std::swap(fg, bg);
+    return {.text = utf8(TestScreen::character(newscr, y, x)),
+            .fg = fg,
+            .bg = bg,
+            .bold = look.bold,
+            .reverse = look.reverse};
+}
+
+bool is_expected(std::string_view line) {
+    return !line.empty() &&
+           (line.front() == ' ' || std::isdigit(static_cast<unsigned char>(line.front())) != 0 ||
+            line.starts_with("sent "));
+}
+
+}  // namespace
+
+std::string ScreenPlay::play(const std::string& text) {
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        if (is_expected(line)) continue;
+        std::string written = line;
+        for (std::string more; line.ends_with('\\') && std::getline(lines, more);) {
+            written += '\n' + more;
+            line.pop_back();
+            line += more;
+        }
+        out_ += written + '\n';
+        SCOPED_TRACE(line);
+        step(line);
+        note_sent();
+    }
+    return out_;
+}
+
+void ScreenPlay::step(const std::string& line) {
+    if (line.empty() || line.front() == '#') return;
+    if (line.front() == '{') return receive_line(line);
+    const std::size_t blank = line.find(' ');
+    const std::string word = line.substr(0, blank);
+    const std::string rest = blank == std::string::npos ? "" : line.substr(blank + 1);
+    if (word == "keys") return press_keys(rest);
+    if (word == "screen") return show_screen(rest);
+    if (word == "terminal") return set_terminal(rest);
+    if (word == "clock") return set_time(std::atof(rest.c_str()));
+    if (word == "ticks") return void(g_tick += static_cast<DWORD>(std::atoi(rest.c_str())));
+    if (word == "password") return UTIL_strcpynt(g_passwd, rest.c_str());
+    if (word == "focus") return void(focus(rest.c_str()));
+    ADD_FAILURE() << "a screen file knows no \"" << word << "\"";
+}
+
+void ScreenPlay::receive_line(const std::string& line) {
+    JSONLINE_message message;
+    std::string error;
+    if (!JSONLINE_read(line, &message, &error)) {
+        ADD_FAILURE() << error;
+        return;
+    }
+    const bool announced = message.msg->msg == MSG_SERVER_INSTRUMENTINFO;
+    const bool first = source_.empty();
+    if (announced) source_ = message.src;
+    const std::string source = message.src.empty() ? source_ : message.src;
+    receive(source.c_str(), message.msg->msg, message.dsd, message.payload.data());
+    if (!announced) return;
+    const auto* info = reinterpret_cast<const NET_SERVER_InstrumentInfo*>(message.payload.data());
+    WINS_window* win = window((info->type + (':' + source)).c_str());
+    if (win == nullptr) return;
+    WINS_focus_window(win);
+    if (first) fit(win);
+}
+
+void ScreenPlay::press_keys(std::string_view text) {
+    while (!text.empty()) {
+        const std::size_t end = text.front() == '<' ? text.find('>') : std::string_view::npos;
+        if (end == std::string_view::npos) {
+            press(static_cast<unsigned char>(text.front()));
+            text.remove_prefix(1);
+            continue;
+        }
+        const int key = key_named(std::string(text.substr(1, end - 1)));
+        EXPECT_NE(key, 0) << text;
+        press(key);
+        text.remove_prefix(end + 1);
+    }
+}
+
+void ScreenPlay::set_terminal(const std::string& size) {
+    int lines = 0, cols = 0;
+    ASSERT_EQ(std::sscanf(size.c_str(), "%dx%d", &cols, &lines), 2) << "COLSxLINES";
+    sized_ = true;
+    rows_.clear();
+    resize(lines, cols);
+}
+
+// The first instrument's window stands in the corner of a terminal that is just large enough for it, if the
+// file says no other size.
+void ScreenPlay::fit(WINS_window* win) {
+    if (!sized_) {
+        const int cols = std::max(getmaxx(win->win) + 2 * LEFT, STATUS_COLS);
+        set_terminal(std::to_string(cols) + "x" + std::to_string(getmaxy(win->win) + TOP + BOTTOM + 1));
+    }
+    WINS_absolute_move(win, LEFT, TOP);
+}
+
+ScreenPlay::Row ScreenPlay::row_of_screen(int y) {
+    Row row;
+    bool in_border = false;  // between the corners of the frame of what has the focus
+    for (int x = 0; x < COLS; ++x) {
+        const Look look = look_at(y, x);
+        const wchar_t c = TestScreen::character(newscr, y, x);
+        const wchar_t told = look.bold && look.pair == CP_YELLOW_BLUE ? heavy(c) : c;
+        if (told == L'┏' || told == L'┗') in_border = true;
+        if (told == L'┓' || told == L'┛') in_border = false;
+        append_utf8(&row.text, told);
+        row.looks += told != c ? ' ' : letter_of(look, c, in_border);
+    }
+    cut_blanks(&row.text);
+    cut_blanks(&row.looks);
+    return row;
+}
+
+// A row is told when it is not as the screen before had it; that the sides of a frame became heavy or light
+// is told at its corners alone. The status bar is never told.
+void ScreenPlay::show_screen(const std::string& picture) {
+    redraw();
+    rows_.resize(static_cast<std::size_t>(LINES) - 1);
+    for (int y = 0; y < LINES - 1; ++y) {
+        const Row row = row_of_screen(y);
+        const Row before = std::exchange(rows_[static_cast<std::size_t>(y)], row);
+        if (with_light_sides(row.text) == with_light_sides(before.text) && row.looks == before.looks)
+            continue;
+        out_ += (y < 10 ? " " : "") + std::to_string(y) + (row.text.empty() ? "" : " ") + row.text + '\n';
+        if (!row.looks.empty()) out_ += "   " + row.looks + '\n';
+    }
+    if (!picture.empty()) pictures_[picture] = draw_picture({LINES, COLS}, picture_cell, "vesk.cursclient");
+}
+
+void ScreenPlay::note_sent() {
+    for (const std::string& sent : take_sent())
+        out_ += "sent " + sent + '\n';
+}

@@ -1,0 +1,41 @@
+// Plays a screen file: what instruments say, the keys that are pressed, and the screens and commands that
+// come of it. docs/architecture.md says how such a file is written.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "support/display_rig.h"
+#include "support/picture.h"
+
+class ScreenPlay : public DisplayRig {
+  public:
+    // The text of a file, with every screen and command in it as the program has them now. What is wrong in
+    // the text fails the test.
+    std::string play(const std::string& text);
+    // The pictures that the screens asked for, by their names, as SVG.
+    [[nodiscard]] const std::map<std::string, std::string>& pictures() const { return pictures_; }
+
+  private:
+    struct Row {
+        std::string text;   // trailing blanks cut
+        std::string looks;  // a letter for each cell, a blank for the usual look, trailing blanks cut
+    };
+
+    void TestBody() override {}
+    void step(const std::string& line);
+    void receive_line(const std::string& line);
+    void press_keys(std::string_view text);
+    void set_terminal(const std::string& size);
+    void fit(WINS_window* win);
+    static Row row_of_screen(int y);
+    void show_screen(const std::string& picture);
+    void note_sent();
+
+    std::string out_;
+    std::string source_;  // of messages that do not say theirs: whoever announced itself last
+    bool sized_ = false;  // the file has said how large the terminal is
+    std::vector<Row> rows_;
+    std::map<std::string, std::string> pictures_;
+};
