@@ -22,12 +22,11 @@ void open_closed_streams() {
 
 int main(int argc, char** argv) {
     PEER_options options;
-    int status = PEER_EXIT_OK;
-    if (!PEER_parse_options(argc, argv, &options, &status)) return status;
+    if (const auto status = PEER_parse_options(argc, argv, &options)) return *status;
     open_closed_streams();
     if (!LIBVESK_init("PEER")) return PEER_EXIT_NO_LINK;
     UTIL_exit_signal_poll_setup_hup();
-    status = options.replay.empty() ? PEER_run(options) : REPLAY_run(options);
+    const int status = options.replay.empty() ? PEER_run(options) : REPLAY_run(options);
     LIBVESK_cleanup();
     return status;
 }

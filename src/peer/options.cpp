@@ -1,13 +1,14 @@
 // The only unit that knows the command-line library, which is slow to compile.
 #include "peer/options.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstdint>
 
-#include "libvesk/support/util.h"
-#include "peer/peer.h"
+#include "libvesk/support/cmdline.h"
 
 namespace {
+
+constexpr double LONGEST_TIMEOUT = 1e9;  // seconds: thirty years
 
 std::string check_instrument(const std::string& name) {
     if (name == "CLIENT") return "CLIENT is what a peer is without --as";
@@ -23,9 +24,7 @@ void declare_replay(CLI::App& app, PEER_options* options) {
     });
     for (const char* other : {"--as", "--monitor", "--count"})
         replay->excludes(app.get_option(other));
-    app.add_option("--speed", options->speed, "seconds of the recording per second (default 1)")
-        ->type_name("X")
-        ->check(CLI::Range(0.001, 1e6))
+    CMDLINE_number(app, "--speed", &options->speed, {0.001, 1e6}, "seconds of the recording per second")
         ->needs(replay);
 }
 
@@ -38,12 +37,9 @@ void declare(CLI::App& app, PEER_options* options) {
     app.add_option("--only", options->only,
                    "print (or play) only what a pattern matches: message or source name")
         ->type_name("PATTERN");
-    app.add_option("--count", options->count, "end after N printed lines")
-        ->type_name("N")
-        ->check(CLI::PositiveNumber);
-    app.add_option("--timeout", options->timeout, "end after S seconds, with status 3")
-        ->type_name("S")
-        ->check(CLI::PositiveNumber);
+    CMDLINE_number(app, "--count", &options->count, {1, SIZE_MAX}, "end after that many printed lines");
+    CMDLINE_number(app, "--timeout", &options->timeout, {0.001, LONGEST_TIMEOUT},
+                   "end after that many seconds, with status 3");
     declare_replay(app, options);
 }
 
@@ -56,17 +52,11 @@ BOOL PEER_is_wanted(const std::vector<std::string>& only, const char* message, c
            });
 }
 
-BOOL PEER_parse_options(int argc, const char* const* argv, PEER_options* options, int* status) {
+std::optional<int> PEER_parse_options(int argc, const char* const* argv, PEER_options* options) {
     CLI::App app(
         "The station's messages as JSON lines: received ones on standard output, one per line;\n"
         "each line on standard input sends one.",
         "vesk.peer");
     declare(app, options);
-    try {
-        app.parse(argc, argv);
-        return TRUE;
-    } catch (const CLI::ParseError& error) {
-        *status = app.exit(error) == 0 ? PEER_EXIT_OK : PEER_EXIT_NO_LINK;
-        return FALSE;
-    }
+    return CMDLINE_parse(app, argc, argv);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,5 @@ struct PEER_options {
 [[nodiscard]] BOOL PEER_is_wanted(const std::vector<std::string>& only, const char* message,
                                   const char* source);
 
-// FALSE when the program ends here, with `status` for main to return: help was asked for, or the command
-// line is wrong (said on standard error).
-[[nodiscard]] BOOL PEER_parse_options(int argc, const char* const* argv, PEER_options* options, int* status);
+// Fills the options. A value is the exit status with which the program ends at once (CMDLINE_parse).
+[[nodiscard]] std::optional<int> PEER_parse_options(int argc, const char* const* argv, PEER_options* options);

@@ -1,9 +1,11 @@
 // What can be said on the command line, and the checks of it.
 #include "server/options.h"
 
-#include <CLI/CLI.hpp>
+#include "libvesk/support/cmdline.h"
 
 namespace {
+
+constexpr std::size_t MOST_BYTES = std::size_t{1} << 40;
 
 ADDRESS parse_address(const std::string& text, bool local) {
     ADDRESS address;
@@ -15,50 +17,43 @@ ADDRESS parse_address(const std::string& text, bool local) {
     return address;
 }
 
-}  // namespace
-
-std::optional<OPTIONS> OPTIONS_parse(int argc, const char* const* argv, int* status) {
-    OPTIONS options;
-    options.socket = ADDRESS_default();
-    CLI::App app("The message hub of a station: instruments and consoles connect to it.", "vesk.server");
+void declare_addresses(CLI::App& app, SERVER_options* o) {
     app.add_option_function<std::string>(
-           "--socket", [&](const std::string& text) { options.socket = parse_address(text, true); },
-           "local socket to listen on (default " + options.socket.path + ")")
+           "--socket", [o](const std::string& text) { o->socket = parse_address(text, true); },
+           "local socket to listen on (default " + UTIL_printable(o->socket.path) + ")")
         ->type_name("PATH");
     app.add_option_function<std::vector<std::string>>(
            "--listen",
-           [&](const std::vector<std::string>& texts) {
+           [o](const std::vector<std::string>& texts) {
                for (const std::string& text : texts)
-                   options.listen.push_back(parse_address(text, false));
+                   o->listen.push_back(parse_address(text, false));
            },
            "TCP address to listen on too: NAME, NAME:PORT or [V6]:PORT; may be given several times (default: "
            "none)")
         ->type_name("ADDRESS")
         ->take_all();
-    app.add_option("--queue-bytes", options.hub.queue_bytes,
-                   "bytes that may wait for a peer that does not read")
-        ->check(CLI::Range(std::size_t{FRAME_MAX}, std::size_t{1} << 40))
-        ->capture_default_str();
-    app.add_option("--keep-bytes", options.hub.keep_bytes, "bytes of messages kept for those who come later")
-        ->capture_default_str();
-    app.add_option("--stall-seconds", options.hub.stall_seconds,
-                   "a peer over that bound that takes nothing for so long is disconnected")
-        ->check(CLI::Range(0.25, 3600.0))
-        ->capture_default_str();
-    app.add_option("--heartbeat", options.hub.heartbeat_seconds,
-                   "seconds between two heartbeats to every peer")
-        ->check(CLI::Range(0.25, 30.0))
-        ->capture_default_str();
-    app.add_option("--silence", options.hub.silence_seconds,
-                   "a peer silent for so many seconds is disconnected")
-        ->check(CLI::Range(1.0, 86400.0))
-        ->capture_default_str();
-    app.add_flag("-v,--verbose", options.verbose, "log consoles that come and go, too");
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& e) {
-        *status = app.exit(e) == 0 ? 0 : 2;
-        return std::nullopt;
-    }
-    return options;
+}
+
+void declare_limits(CLI::App& app, HUB_params* hub) {
+    CMDLINE_number(app, "--queue-bytes", &hub->queue_bytes, {FRAME_MAX, MOST_BYTES},
+                   "bytes that may wait for a peer that does not read");
+    CMDLINE_number(app, "--keep-bytes", &hub->keep_bytes, {0, MOST_BYTES},
+                   "bytes of messages kept for those who come later");
+    CMDLINE_number(app, "--stall-seconds", &hub->stall_seconds, {0.25, 3600},
+                   "a peer over that bound that takes nothing for so long is disconnected");
+    CMDLINE_number(app, "--heartbeat", &hub->heartbeat_seconds, {0.25, 30},
+                   "seconds between two heartbeats to every peer");
+    CMDLINE_number(app, "--silence", &hub->silence_seconds, {1, 86400},
+                   "a peer silent for so many seconds is disconnected");
+}
+
+}  // namespace
+
+std::optional<int> SERVER_parse_options(int argc, const char* const* argv, SERVER_options* options) {
+    options->socket = ADDRESS_default();
+    CLI::App app("The message hub of a station: instruments and consoles connect to it.", "vesk.server");
+    declare_addresses(app, options);
+    declare_limits(app, &options->hub);
+    app.add_flag("-v,--verbose", options->verbose, "log consoles that come and go, too");
+    return CMDLINE_parse(app, argc, argv);
 }

@@ -3,6 +3,7 @@
 
 #include <asio/post.hpp>
 
+#include "libvesk/support/util.h"
 #include "server/hub.h"
 
 namespace {
@@ -29,7 +30,7 @@ void PEER::start() {
 }
 
 std::string PEER::text() const {
-    return name.empty() ? where_ : MSGCHECK_printable(name) + " (" + where_ + ")";
+    return name.empty() ? where_ : UTIL_printable(name) + " (" + where_ + ")";
 }
 
 void PEER::send(FRAME_span frame) {

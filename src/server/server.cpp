@@ -41,7 +41,7 @@ std::size_t most_peers() {
 
 class server {
   public:
-    explicit server(OPTIONS options) : options_(std::move(options)), hub_(hub_params()) {}
+    explicit server(SERVER_options options) : options_(std::move(options)), hub_(hub_params()) {}
 
     int run() {
         if (!listen()) return 1;
@@ -95,7 +95,7 @@ class server {
         });
     }
 
-    OPTIONS options_;
+    SERVER_options options_;
     asio::io_context context_{1};
     asio::signal_set signals_{context_, SIGTERM, SIGINT, SIGHUP};
     asio::steady_timer timer_{context_};
@@ -105,7 +105,7 @@ class server {
 
 }  // namespace
 
-int SERVER_run(OPTIONS options) {
+int SERVER_run(SERVER_options options) {
     server s(std::move(options));
     return s.run();
 }

@@ -5,4 +5,4 @@
 
 // Runs until SIGTERM, SIGINT or SIGHUP. The exit status: 0 after such an end, 1 when it could not
 // start.
-[[nodiscard]] int SERVER_run(OPTIONS options);
+[[nodiscard]] int SERVER_run(SERVER_options options);

@@ -4,7 +4,7 @@
 
 int main(int argc, char** argv) {
     SIM_options options;
-    if (const auto exit_code = SIM_parse_options(argc, argv, options)) return *exit_code;
+    if (const auto exit_code = SIM_parse_options(argc, argv, &options)) return *exit_code;
     if (!LIBVESK_init("SIMSTATION")) return 2;
     UTIL_exit_signal_poll_setup_hup();
     const int exit_code = SIM_run_station(options);

@@ -1,15 +1,13 @@
 // Reading the command line, with the list of instruments and the scenario that it names.
 #include "simstation/options.h"
 
-#include <CLI/CLI.hpp>
+#include <cstdint>
 #include <cstdio>
 #include <fstream>
 
-#include "libvesk/support/util.h"
+#include "libvesk/support/cmdline.h"
 
 namespace {
-
-constexpr int WRONG_USAGE = 2;
 
 void list_kinds() {
     for (const SIM_kind& kind : SIM_kinds()) {
@@ -50,19 +48,15 @@ struct raw_options {
 void declare(CLI::App& app, SIM_options& o, raw_options& raw) {
     app.add_option("--host", o.host, "Server: NAME, NAME:PORT, [V6]:PORT or a socket path");
     app.add_option("--kinds", raw.kinds, "Instruments: TYPE[=NAME][*COUNT],... (default: one of each kind)");
-    app.add_option("--seed", o.settings.seed, "The same seed gives the same values")->capture_default_str();
-    app.add_option("--speed", o.speed, "Simulated seconds per second")
-        ->check(CLI::Range(0.01, 10000.0))
-        ->capture_default_str();
-    app.add_option("--start", o.start, "Simulated time at the start, seconds since 1970 (default: now)")
-        ->check(CLI::Range(0.0, 2e9));
-    app.add_option("--average", o.settings.average_seconds, "Length of averages in seconds")
-        ->check(CLI::Range(1, 86400))
-        ->capture_default_str();
+    CMDLINE_number(app, "--seed", &o.settings.seed, {0, UINT64_MAX}, "The same seed gives the same values");
+    CMDLINE_number(app, "--speed", &o.speed, {0.01, 10000}, "Simulated seconds per second");
+    CMDLINE_number(app, "--start", &o.start, {0, 2e9},
+                   "Simulated time at the start, seconds since 1970; default: now");
+    CMDLINE_number(app, "--average", &o.settings.average_seconds, {1, 86400},
+                   "Length of averages in seconds");
     app.add_option("--scenario", raw.scenario, "File of timed events");
-    app.add_option("--errors", o.logger.errors_per_hour, "Error lines in the station log per simulated hour")
-        ->check(CLI::Range(0.0, 3600.0))
-        ->capture_default_str();
+    CMDLINE_number(app, "--errors", &o.logger.errors_per_hour, {0, 3600},
+                   "Error lines in the station log per simulated hour");
     app.add_flag("--chatty", o.logger.chatty, "Answer operators' messages");
     app.add_option("--name", o.name, "Name of the station's own peer, its data logger")
         ->capture_default_str();
@@ -84,23 +78,18 @@ std::vector<std::string> complete(SIM_options& options, const raw_options& raw) 
 
 }  // namespace
 
-std::optional<int> SIM_parse_options(int argc, char** argv, SIM_options& options) {
+std::optional<int> SIM_parse_options(int argc, const char* const* argv, SIM_options* options) {
     raw_options raw;
-    options.name = "LOGGER";
+    options->name = "LOGGER";
     CLI::App app("A simulated aerosol station: instruments that connect to a server", "vesk.simstation");
-    declare(app, options, raw);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& e) {
-        return app.exit(e) == 0 ? 0 : WRONG_USAGE;
-    }
+    declare(app, *options, raw);
+    if (const auto status = CMDLINE_parse(app, argc, argv)) return status;
     if (raw.list) {
         list_kinds();
         return 0;
     }
-    const std::vector<std::string> errors = complete(options, raw);
+    const std::vector<std::string> errors = complete(*options, raw);
     for (const std::string& error : errors)
-        std::fprintf(stderr, "vesk.simstation: %s\n", error.c_str());
-    if (!errors.empty()) return WRONG_USAGE;
-    return std::nullopt;
+        UTIL_say("vesk.simstation: " + error);
+    return errors.empty() ? std::nullopt : std::optional(CMDLINE_WRONG);
 }

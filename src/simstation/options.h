@@ -20,6 +20,6 @@ struct SIM_options {
     BOOL quiet = FALSE;
 };
 
-// Fills the options. A value ends the program at once with that exit code: 0 after --help and --list, 2 after
-// anything wrong, which has then been said on standard error.
-[[nodiscard]] std::optional<int> SIM_parse_options(int argc, char** argv, SIM_options& options);
+// Fills the options. A value is the exit status with which the program ends at once (CMDLINE_parse), after
+// --list too.
+[[nodiscard]] std::optional<int> SIM_parse_options(int argc, const char* const* argv, SIM_options* options);

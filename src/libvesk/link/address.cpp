@@ -22,10 +22,7 @@ BOOL fail(std::string* why, std::string text) {
 }
 
 std::string quoted(std::string_view text) {
-    std::string out = "\"";
-    for (const char c : text)
-        out += UTIL_is_printable(static_cast<unsigned char>(c)) ? c : '?';
-    return out + '"';
+    return '"' + UTIL_printable(text) + '"';
 }
 
 BOOL good_host(std::string_view host) {

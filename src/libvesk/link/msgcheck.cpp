@@ -73,13 +73,6 @@ std::string MSGCHECK_describe(const FRAME_message& m) {
     const NETMSG_entry* msg = NETMSG_by_type(m.type);
     std::string text = msg != nullptr ? msg->name : "type " + std::to_string(m.type);
     if (m.record.empty() && m.payload.empty()) return text;
-    return text + " with " + std::to_string(m.payload.size()) + " bytes of \"" +
-           MSGCHECK_printable(m.record) + '"';
-}
-
-std::string MSGCHECK_printable(std::string_view text) {
-    std::string out(text);
-    for (char& c : out)
-        if (!UTIL_is_printable(static_cast<unsigned char>(c))) c = '?';
-    return out;
+    return text + " with " + std::to_string(m.payload.size()) + " bytes of \"" + UTIL_printable(m.record) +
+           '"';
 }

@@ -33,5 +33,3 @@ struct MSGCHECK_found {
 [[nodiscard]] const char* MSGCHECK_text(MSGCHECK_fault fault);
 // The message in a few printable words, for the same line: "MSG_LOG_INFO with 3 bytes of NET_LOG_Info".
 [[nodiscard]] std::string MSGCHECK_describe(const FRAME_message& m);
-// Any text from outside, for a log line: bytes that are not printable become '?'.
-[[nodiscard]] std::string MSGCHECK_printable(std::string_view text);

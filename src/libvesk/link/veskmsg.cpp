@@ -123,7 +123,7 @@ BOOL VESKMSG_connect(VESKMSG_link* link, const VESKMSG_connect_params* params) {
     const std::string_view name = text(params->id_str);
     const bool client = name == CLIENT_NAME;
     if (!UTIL_valid_source_name(name))
-        return refuse(link, "\"" + MSGCHECK_printable(name) + "\" cannot be a name");
+        return refuse(link, "\"" + UTIL_printable(name) + "\" cannot be a name");
     if (params->monitor && !client) return refuse(link, "only a CLIENT can be a monitor");
 
     ADDRESS address;

@@ -24,8 +24,8 @@ using endpoint = asio::generic::stream_protocol::endpoint;
 VESKMSG_received::VESKMSG_received(const FRAME_message& m, const MSGCHECK_found& found)
     : what(found),
       flags(m.flags),
-      source(MSGCHECK_printable(m.source)),
-      dest(MSGCHECK_printable(m.dest)),
+      source(UTIL_printable(m.source)),
+      dest(UTIL_printable(m.dest)),
       payload((m.payload.size() + sizeof payload[0] - 1) / sizeof payload[0]) {
     if (what.dsd == nullptr) return;
     std::memcpy(payload.data(), m.payload.data(), m.payload.size());
@@ -186,7 +186,7 @@ void VESKMSG_state::frame(const FRAME& f) {
     if (f.kind != FRAME_REFUSAL || open || !refusal)
         return fail("the server broke the protocol: a frame out of turn");
     fail("the server refused: " +
-         (refusal->text.empty() ? FRAME_refusal_text(refusal->reason) : MSGCHECK_printable(refusal->text)));
+         (refusal->text.empty() ? FRAME_refusal_text(refusal->reason) : UTIL_printable(refusal->text)));
 }
 
 void VESKMSG_state::message(const FRAME& f) {

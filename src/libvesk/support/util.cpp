@@ -96,7 +96,7 @@ void UTIL_say(std::string_view line) {
     constexpr std::size_t LONGEST = 1023;
     std::string text;
     if (g_lines_lost > 0) text = "(lines lost: " + std::to_string(g_lines_lost) + ")\n";
-    text.append(line.substr(0, LONGEST)).push_back('\n');
+    text.append(UTIL_printable(line.substr(0, LONGEST))).push_back('\n');
     // A pipe that takes anything takes PIPE_BUF bytes, so the write does not wait either.
     static_assert(LONGEST + 64 <= PIPE_BUF);
     pollfd fd{STDERR_FILENO, POLLOUT, 0};
@@ -212,6 +212,13 @@ void UTIL_shift_array(void* array, std::size_t total, std::ptrdiff_t shift) {
         std::memmove(bytes, bytes + distance, total - distance);
     else
         std::memmove(bytes + distance, bytes, total - distance);
+}
+
+std::string UTIL_printable(std::string_view text) {
+    std::string out(text);
+    for (char& c : out)
+        if (!UTIL_is_printable(static_cast<unsigned char>(c))) c = '?';
+    return out;
 }
 
 BOOL UTIL_valid_source_name(std::string_view name) {

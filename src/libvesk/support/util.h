@@ -16,8 +16,8 @@ void LIBVESK_cleanup();
 [[nodiscard]] const char* LIBVESK_title();
 
 // Writes the line to standard error, cut to 1 KiB, in one piece: lines of several processes on one terminal
-// do not mix. Never waits: a line that nobody takes (a full pipe, a terminal that is held) is lost, and the
-// next one that is taken comes behind how many were.
+// do not mix. Bytes that are not printable become '?'. Never waits: a line that nobody takes (a full pipe, a
+// terminal that is held) is lost, and the next one that is taken comes behind how many were.
 void UTIL_say(std::string_view line);
 // Writes "%sassertion failed (%s:%i): %s\n" to standard error, or the form with the system's error text.
 void UTIL_assertion_failed(const char* source, int line, const char* expression);
@@ -75,5 +75,7 @@ void UTIL_shift_array(void* array, std::size_t total, std::ptrdiff_t shift);
 [[nodiscard]] constexpr BOOL UTIL_is_printable(unsigned char c) {
     return c >= 32 && c < 127;
 }
+// The text with a '?' in place of every other byte, newlines included: one line, whatever it was.
+[[nodiscard]] std::string UTIL_printable(std::string_view text);
 // The name of an instrument or its refusal: 1 to 31 printable characters, no blank at either end.
 [[nodiscard]] BOOL UTIL_valid_source_name(std::string_view name);
