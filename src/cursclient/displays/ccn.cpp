@@ -1,10 +1,8 @@
 // The DMT cloud condensation nuclei counter: 21 sizes of activated droplets, the state of its column, and the
 // commands that set the temperature difference along it and calibrate.
-#include <cstdlib>
-
-#include "cursclient/kit/sizer.h"
 #include "libvesk/messages/records/ccn.h"
-#include "libvesk/support/util.h"
+#include "cursclient/kit/form.h"
+#include "cursclient/kit/sizer.h"
 
 namespace {
 
@@ -18,8 +16,6 @@ constexpr SIZER_column COLUMNS[] = {
 struct CCN_prv_data : SIZER_optical<NET_CCN_BINS, NET_CCN_Avg, NET_CCN_Instant, NET_CCN_Status> {
     NET_CCN_Scanning scanning;
     NET_CCN_DMTModelResults dmtmodel;
-    double sp_set;  // set point and cycles being edited
-    int cal_cycles;
 
     static constexpr SIZER_row ROW{.cols = 41,
                                    .rows = 23,
@@ -42,8 +38,6 @@ struct CCN_prv_data : SIZER_optical<NET_CCN_BINS, NET_CCN_Avg, NET_CCN_Instant, 
 void reset(CCN_prv_data* pd) {
     pd->clear();
     pd->D.fill([](std::size_t i) { return static_cast<double>(i) / NET_CCN_BINS * 10 + 0.5; });
-    pd->sp_set = VESK_MISSING;
-    pd->cal_cycles = 1;
 }
 
 // ---- housekeeping
@@ -104,23 +98,6 @@ void CCN_prv_data::housekeeping(const CANVAS& d) const {
 
 // ---- commands
 
-constexpr int MAX_ENTRY = 10;
-constexpr int BUTTON_ROW = 3;
-constexpr int BUTTON_WIDTH = 18;
-
-// One entry of a dialog: the numeric limits, and whose value it is.
-struct entry_param {
-    CURSDIALOG_DEFAULT_entry_numeric_param limits;
-    DWORD uid;
-};
-
-CCN_prv_data* display_of_entry(void* wd_user_data) {
-    return COMMAND_display<CCN_prv_data>(static_cast<const entry_param*>(wd_user_data)->uid);
-}
-CCN_prv_data* display_of_dialog(void* dlg_user_data) {
-    return COMMAND_display<CCN_prv_data>(*static_cast<DWORD*>(dlg_user_data));
-}
-
 std::string scanning_label(const CCN_prv_data* pd) {
     return pd->scanning.enabled ? "2 Disable setpoint scanning" : "2 Enable setpoint scanning";
 }
@@ -131,61 +108,56 @@ void toggle_scanning(CCN_prv_data* pd, DWORD /*uid*/) {
         NET_CCN_ScanningControl{.sp = VESK_MISSING, .enable = !pd->scanning.enabled, .set_enable = TRUE});
 }
 
-void setpoint_accepted(CURSDIALOG_type*, void*, CURSDIALOG_widget*, void* wd_user_data, char* str,
-                       CURSDIALOG_entry_action*) {
-    if (CCN_prv_data* pd = display_of_entry(wd_user_data)) pd->sp_set = UTIL_atofv(str);
+// A set point other than the present one; scanning goes on as it is.
+void send_setpoint(CCN_prv_data* pd, const NET_CCN_ScanningControl& wanted) {
+    if (VESK_is_missing(wanted.sp) || wanted.sp == pd->scanning.last) return;
+    COMMAND_send(pd, MSG_CCN_SET_SCANNING, wanted);
 }
 
-void apply_setpoint(CURSDIALOG_type*, void* dlg_user_data, CURSDIALOG_widget*, void*,
-                    CURSDIALOG_button_action* act) {
-    act->close_dialog = TRUE;
-    const CCN_prv_data* pd = display_of_dialog(dlg_user_data);
-    if (pd == nullptr || VESK_is_missing(pd->sp_set) || pd->sp_set == pd->scanning.last) return;
-    COMMAND_send(pd, MSG_CCN_SET_SCANNING,
-                 NET_CCN_ScanningControl{.sp = pd->sp_set, .enable = TRUE, .set_enable = FALSE});
+BOOL read_setpoint(const CCN_prv_data* pd, NET_CCN_ScanningControl* start) {
+    *start = {.sp = pd->scanning.last, .enable = TRUE, .set_enable = FALSE};
+    return TRUE;
 }
 
-void change_setpoint(CCN_prv_data* pd, DWORD uid) {
-    pd->sp_set = pd->scanning.last;
-    CURSDIALOG_type* dlg = COMMAND_dialog("Change setpoint", uid);
-    if (dlg == nullptr) return;
-    SFMT_printf(&pd->sbfr, "%.2f", pd->sp_set);
-    const entry_param entry{{0.0, 99.99, "%.2f", setpoint_accepted}, uid};
-    COMMAND_number_entry(dlg, 1, "Setpoint: ", SFMT_get_buffer(&pd->sbfr), MAX_ENTRY, &entry.limits,
-                         sizeof entry);
-    COMMAND_ending(dlg, BUTTON_ROW, BUTTON_WIDTH, "Apply", apply_setpoint);
-}
+using setpoint_form = FORM<CCN_prv_data, NET_CCN_ScanningControl>;
+constexpr setpoint_form::row SETPOINT_ROWS[] = {setpoint_form::number<&NET_CCN_ScanningControl::sp>(
+    "Setpoint: ", {.min = 0, .max = 99.99, .format = "%.2f", .exact_until_edited = TRUE})};
+constexpr setpoint_form SETPOINT{.title = "Change setpoint",
+                                 .rows = SETPOINT_ROWS,
+                                 .read = read_setpoint,
+                                 .send = send_setpoint,
+                                 .gap = 1,
+                                 .trusts_start_values = TRUE};
 
 std::string calibration_label(const CCN_prv_data* pd) {
     return pd->status.in_calibration ? "4 Stop calibration scans" : "4 Start calibration scans";
 }
 
-void cycles_accepted(CURSDIALOG_type*, void*, CURSDIALOG_widget*, void* wd_user_data, char* str,
-                     CURSDIALOG_entry_action*) {
-    if (CCN_prv_data* pd = display_of_entry(wd_user_data)) pd->cal_cycles = std::atoi(str);
+BOOL read_calibration(const CCN_prv_data*, NET_CCN_StartCalibration* start) {
+    start->cycles = 1;
+    return TRUE;
 }
 
-void start_calibration(CURSDIALOG_type*, void* dlg_user_data, CURSDIALOG_widget*, void*,
-                       CURSDIALOG_button_action* act) {
-    act->close_dialog = TRUE;
-    const CCN_prv_data* pd = display_of_dialog(dlg_user_data);
-    if (pd == nullptr || pd->cal_cycles <= 0) return;
-    COMMAND_send(pd, MSG_CCN_START_CALIBRATION, NET_CCN_StartCalibration{pd->cal_cycles});
+void send_calibration(CCN_prv_data* pd, const NET_CCN_StartCalibration& wanted) {
+    if (wanted.cycles > 0) COMMAND_send(pd, MSG_CCN_START_CALIBRATION, wanted);
 }
+
+using calibration_form = FORM<CCN_prv_data, NET_CCN_StartCalibration>;
+constexpr calibration_form::row CALIBRATION_ROWS[] = {
+    calibration_form::number<&NET_CCN_StartCalibration::cycles>("Cycles: ",
+                                                                {.min = 0, .max = 999, .format = "%.0f"})};
+constexpr calibration_form CALIBRATION{.title = "Start Calibration",
+                                       .rows = CALIBRATION_ROWS,
+                                       .read = read_calibration,
+                                       .send = send_calibration,
+                                       .ok = "Start",
+                                       .gap = 1};
 
 void change_calibration(CCN_prv_data* pd, DWORD uid) {
-    if (pd->status.in_calibration) {
+    if (pd->status.in_calibration)
         COMMAND_send(pd, MSG_CCN_STOP_CALIBRATION);
-        return;
-    }
-    pd->cal_cycles = 1;
-    CURSDIALOG_type* dlg = COMMAND_dialog("Start Calibration", uid);
-    if (dlg == nullptr) return;
-    SFMT_printf(&pd->sbfr, "%d", pd->cal_cycles);
-    const entry_param entry{{0, 999, "%.0f", cycles_accepted}, uid};
-    COMMAND_number_entry(dlg, 1, "Cycles: ", SFMT_get_buffer(&pd->sbfr), MAX_ENTRY, &entry.limits,
-                         sizeof entry);
-    COMMAND_ending(dlg, BUTTON_ROW, BUTTON_WIDTH, "Start", start_calibration);
+    else
+        FORM_open<CALIBRATION>(pd, uid);
 }
 
 using store = INSTDISP_store<CCN_prv_data>;
@@ -199,7 +171,7 @@ constexpr store STORES[] = {
 constexpr auto& MODES = SIZER_OPTICAL_MENU<CCN_prv_data>;
 constexpr INSTDISP_menu_row<CCN_prv_data> MENU[] = {
     {'2', nullptr, toggle_scanning, COMMAND_PASSWORD, scanning_label},
-    {'3', "3 Change dT setpoint", change_setpoint, COMMAND_PASSWORD},
+    {'3', "3 Change dT setpoint", FORM_open<SETPOINT>, COMMAND_PASSWORD},
     {'4', nullptr, change_calibration, COMMAND_PASSWORD, calibration_label},
     MODES[0],
     MODES[1],

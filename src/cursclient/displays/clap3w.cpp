@@ -4,6 +4,7 @@
 
 #include <iterator>
 
+#include "cursclient/kit/form.h"
 #include "cursclient/kit/instdisp.h"
 
 namespace {
@@ -25,7 +26,6 @@ struct CLAP3W_prv_data : INSTDISP_head {
     NET_CLAP3W_FilterStatus filter_status;
     NET_CLAP3W_Status status;
     CLAP3W_DISPLAY_MODE display_mode;
-    BOOL override_locks;       // the box in the flow dialog
     std::int32_t seen_status;  // of the filter status before the present one
 };
 
@@ -222,7 +222,7 @@ void send_filter_change(CLAP3W_prv_data* pd, DWORD /*uid*/) {
 }
 
 void confirm_end(DWORD uid) {
-    COMMAND_confirm("Have you finished changing the filter?", uid, send_filter_change);
+    COMMAND_confirm("Have you finished changing the filter?", uid, COMMAND_do<send_filter_change>);
 }
 
 void change_filter(CLAP3W_prv_data* pd, DWORD uid) {
@@ -240,38 +240,26 @@ void advance_spot(CLAP3W_prv_data* pd, DWORD /*uid*/) {
     COMMAND_send(pd, MSG_CLAP3W_SPOTADVANCE);
 }
 
-void enable_flow(CLAP3W_prv_data* pd, DWORD /*uid*/) {
-    COMMAND_send(pd, pd->override_locks ? MSG_CLAP3W_FLOWOVERRIDE : MSG_CLAP3W_FLOW);
+struct CLAP3W_flow {
+    BOOL override_locks;
+};
+
+void enable_flow(CLAP3W_prv_data* pd, const CLAP3W_flow& flow) {
+    COMMAND_send(pd, flow.override_locks ? MSG_CLAP3W_FLOWOVERRIDE : MSG_CLAP3W_FLOW);
 }
 
-void disable_flow(CLAP3W_prv_data* pd, DWORD /*uid*/) {
-    COMMAND_send(pd, pd->override_locks ? MSG_CLAP3W_NOFLOWOVERRIDE : MSG_CLAP3W_NOFLOW);
+void disable_flow(CLAP3W_prv_data* pd, const CLAP3W_flow& flow) {
+    COMMAND_send(pd, flow.override_locks ? MSG_CLAP3W_NOFLOWOVERRIDE : MSG_CLAP3W_NOFLOW);
 }
 
-constexpr const char* OVERRIDE_LOCKS = "Override locks";
-
-void toggle_override(CURSDIALOG_type* /*dlg*/, void* dlg_user_data, CURSDIALOG_widget* wd,
-                     void* /*wd_user_data*/, CURSDIALOG_button_action* /*act*/) {
-    auto* pd = COMMAND_display<CLAP3W_prv_data>(*static_cast<DWORD*>(dlg_user_data));
-    if (pd == nullptr) return;
-    pd->override_locks = !pd->override_locks;
-    CURSDIALOG_setlabel(wd, COMMAND_check_label(pd->override_locks, OVERRIDE_LOCKS).c_str());
-}
-
-void set_flow(CLAP3W_prv_data* pd, DWORD uid) {
-    static constexpr int LEFT = 1, RIGHT = 19, WIDTH = 18;
-    pd->override_locks = FALSE;
-    CURSDIALOG_type* dlg = COMMAND_dialog("Set Flow Status", uid);
-    CURSDIALOG_add_button(dlg, LEFT, 1, 0, CURSDIALOG_STYLE_LIST, 0,
-                          COMMAND_check_label(FALSE, OVERRIDE_LOCKS).c_str(), toggle_override, nullptr, 0);
-    COMMAND_button(dlg, {LEFT, 2, WIDTH, CURSDIALOG_STYLE_ROW}, 0, "Enable Flow", uid, enable_flow,
-                   COMMAND_FREE);
-    COMMAND_button(dlg, {RIGHT, 2, WIDTH, CURSDIALOG_STYLE_ROW}, 0, "Disable Flow", uid, disable_flow,
-                   COMMAND_FREE);
-    CURSDIALOG_widget* cancel = CURSDIALOG_add_button(dlg, RIGHT, 3, WIDTH, CURSDIALOG_STYLE_ROW, 0, "Cancel",
-                                                      CURSDIALOG_DEFAULT_button_close, nullptr, 0);
-    CURSDIALOG_force_widget_focus(dlg, cancel);
-}
+using form = FORM<CLAP3W_prv_data, CLAP3W_flow>;
+constexpr form::row FLOW_ROWS[] = {
+    form::check<&CLAP3W_flow::override_locks>("Override locks"),
+    form::button("Enable Flow", 1, 18, enable_flow),
+    form::button("Disable Flow", 19, 18, disable_flow),
+    form::button("Cancel", 19, 18, nullptr),
+};
+constexpr form FLOW{.title = "Set Flow Status", .rows = FLOW_ROWS};
 
 void next_mode(CLAP3W_prv_data* pd, DWORD /*uid*/) {
     pd->display_mode = mode_after(pd->display_mode);
@@ -307,7 +295,7 @@ constexpr INSTDISP_menu_row<CLAP3W_prv_data> MENU[] = {
     {'2', nullptr, change_filter, COMMAND_PASSWORD, filter_label},
     {'3', nullptr, check_white_filter, COMMAND_PASSWORD, white_label},
     {'4', nullptr, advance_spot, COMMAND_PASSWORD, advance_label},
-    {'5', "5 Set flow override", set_flow, COMMAND_PASSWORD},
+    {'5', "5 Set flow override", FORM_open<FLOW>, COMMAND_PASSWORD},
     {'D', nullptr, next_mode, COMMAND_FREE, mode_label},
 };
 

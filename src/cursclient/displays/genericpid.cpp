@@ -99,8 +99,8 @@ void send_reset(GENERICPID_prv_data* pd, DWORD /*uid*/) {
 
 void confirm_reset(GENERICPID_prv_data*, DWORD uid) {
     CURSDIALOG_type* dlg = COMMAND_dialog("Confirm PID Reset", uid);
-    COMMAND_button(dlg, {1, 1, 0, CURSDIALOG_STYLE_CLOSE}, 0, "Reset PID control", uid, send_reset,
-                   COMMAND_PASSWORD);
+    COMMAND_button(dlg, {1, 1, 0, CURSDIALOG_STYLE_CLOSE}, 0, "Reset PID control", uid,
+                   COMMAND_do<send_reset>, COMMAND_PASSWORD);
     CURSDIALOG_force_widget_focus(dlg,
                                   CURSDIALOG_add_button(dlg, 1, 2, 0, CURSDIALOG_STYLE_CLOSE, 0, "Cancel",
                                                         CURSDIALOG_DEFAULT_button_close, nullptr, 0));

@@ -2,8 +2,7 @@
 // opens. Each dialog sends its message only if the display is still there when the operator has answered.
 #pragma once
 
-#include "cursclient/dialog.h"
-#include "cursclient/kit/insthead.h"
+#include "cursclient/kit/form.h"
 #include "libvesk/messages/records/genericpid.h"
 
 struct GENERICPID_prv_data : INSTDISP_head {
@@ -19,6 +18,5 @@ void GENERICPID_open_setpoint(GENERICPID_prv_data* pd, DWORD uid);
 void GENERICPID_open_params(GENERICPID_prv_data* pd, DWORD uid);
 void GENERICPID_open_tuning(GENERICPID_prv_data* pd, DWORD uid);
 
-// An entry at column 1 with `value` in it as "%e" shows it; null limits: any number will do.
-CURSDIALOG_widget* GENERICPID_value_entry(CURSDIALOG_type* dlg, int y, const char* label, double value,
-                                          const CURSDIALOG_DEFAULT_entry_numeric_param* limits = nullptr);
+// An entry that takes any number and keeps it as it was typed.
+inline constexpr FORM_number GENERICPID_VALUE{.format = "%e", .max_len = 16, .as_typed = TRUE};

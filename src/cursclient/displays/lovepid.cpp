@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "cursclient/kit/form.h"
 #include "cursclient/kit/instdisp.h"
 #include "libvesk/messages/records/loopctl.h"
-#include "libvesk/support/util.h"
 
 namespace {
 
@@ -16,9 +16,6 @@ struct LOVEPID_prv_data : INSTDISP_head {
     NET_LOVEPID_Status status;
     WORD last_addr;  // the address set last, preferred by the set-point dialog; 0: none yet
 };
-
-constexpr int MAX_ENTRY = 10;
-constexpr int BUTTON_WIDTH = 10;
 
 // ---- screen
 
@@ -52,15 +49,6 @@ void draw(LOVEPID_prv_data* pd, const CANVAS& d) {
 
 // ---- set point
 
-struct LOVEPID_setpoint_dlg_prv {
-    CURSDIALOG_widget* wd_val;
-    CURSDIALOG_widget* wd_addr;
-    CURSDIALOG_type* dlg_addr_select;  // the open list of addresses, or null
-    WORD addr;                         // chosen
-    DWORD uid;
-};
-using form = LOVEPID_setpoint_dlg_prv;
-
 // The slot of an address, or -1.
 int slot_of(const LOVEPID_prv_data* pd, WORD addr) {
     for (int slot = 0; slot < NET_LOVEPID_SLOTS; ++slot)
@@ -76,69 +64,47 @@ int preferred_slot(const LOVEPID_prv_data* pd) {
     return -1;
 }
 
-std::string address_label(WORD addr) {
+// Addresses are hexadecimal: on the button in capitals.
+std::string address_label(double addr) {
     char label[32];
-    std::snprintf(label, sizeof label, "Address: %3hX", addr);
+    std::snprintf(label, sizeof label, "Address: %3hX", static_cast<WORD>(addr));
     return label;
 }
 
-void address_chosen(CURSDIALOG_type*, void* dlg_user_data, CURSDIALOG_widget*, void* wd_user_data,
-                    CURSDIALOG_button_action* act) {
-    act->close_dialog = TRUE;
-    form* f = COMMAND_param<form>(dlg_user_data);
-    std::memcpy(&f->addr, wd_user_data, sizeof f->addr);
-    CURSDIALOG_setlabel(f->wd_addr, address_label(f->addr).c_str());
-}
-
-void address_list_closed(CURSDIALOG_type*, void* dlg_user_data) {
-    COMMAND_param<form>(dlg_user_data)->dlg_addr_select = nullptr;
-}
-
-void open_address_list(CURSDIALOG_type*, void* dlg_user_data, CURSDIALOG_widget*, void*,
-                       CURSDIALOG_button_action*) {
-    form* f = COMMAND_param<form>(dlg_user_data);
-    const auto* pd = COMMAND_display<LOVEPID_prv_data>(f->uid);
-    if (pd == nullptr || f->dlg_addr_select != nullptr) return;
-    CURSDIALOG_type* dlg = DIALOG_create("Address", 0, &f, sizeof f, address_list_closed);
-    f->dlg_addr_select = dlg;
-    int y = 1;
+std::vector<FORM_listed> addresses(const LOVEPID_prv_data* pd) {
+    std::vector<FORM_listed> all;
     for (const WORD addr : pd->status.addrs) {
         if (addr == 0) continue;
         char label[16];
         std::snprintf(label, sizeof label, " %3hx", addr);
-        CURSDIALOG_widget* button = CURSDIALOG_add_button(dlg, 1, y++, 0, CURSDIALOG_STYLE_LIST, 0, label,
-                                                          address_chosen, &addr, sizeof addr);
-        if (addr == f->addr) CURSDIALOG_force_widget_focus(dlg, button);
+        all.push_back({static_cast<double>(addr), label});
     }
+    return all;
 }
 
-void setpoint_closed(CURSDIALOG_type*, void* dlg_user_data) {
-    CURSDIALOG_close(COMMAND_param<form>(dlg_user_data)->dlg_addr_select);
-}
-
-void apply(CURSDIALOG_type*, void* dlg_user_data, CURSDIALOG_widget*, void*, CURSDIALOG_button_action* act) {
-    act->close_dialog = TRUE;
-    const form* f = COMMAND_param<form>(dlg_user_data);
-    auto* pd = COMMAND_display<LOVEPID_prv_data>(f->uid);
-    if (pd == nullptr) return;
-    pd->last_addr = f->addr;
-    COMMAND_send(pd, MSG_LOVEPID_SET, NET_LOVEPID_Setpoint{COMMAND_entry_value(f->wd_val), f->addr});
-}
-
-void change_setpoint(LOVEPID_prv_data* pd, DWORD uid) {
+BOOL read_setpoint(const LOVEPID_prv_data* pd, NET_LOVEPID_Setpoint* start) {
     const int slot = preferred_slot(pd);
-    if (slot < 0) return;
-    const auto [dlg, f] = COMMAND_create_form<form>("Change setpoint", setpoint_closed);
-    if (dlg == nullptr) return;
-    f->uid = uid;
-    f->addr = pd->status.addrs[slot];
-    static constexpr CURSDIALOG_DEFAULT_entry_numeric_param LIMITS{-999.99, 999.99, "%.2f", nullptr};
-    SFMT_printf(&pd->sbfr, "%.2f", static_cast<double>(pd->sp.sp[slot]));
-    f->wd_val = COMMAND_number_entry(dlg, 1, "Setpoint: ", SFMT_get_buffer(&pd->sbfr), MAX_ENTRY, &LIMITS);
-    f->wd_addr = CURSDIALOG_add_button(dlg, 1, 2, 0, CURSDIALOG_STYLE_LIST, 0, address_label(f->addr).c_str(),
-                                       open_address_list, nullptr, 0);
-    COMMAND_ending(dlg, 3, BUTTON_WIDTH, "Apply", apply);
+    if (slot < 0) return FALSE;
+    *start = {pd->sp.sp[slot], pd->status.addrs[slot]};
+    return TRUE;
 }
+
+void send_setpoint(LOVEPID_prv_data* pd, const NET_LOVEPID_Setpoint& wanted) {
+    pd->last_addr = wanted.addr;
+    COMMAND_send(pd, MSG_LOVEPID_SET, wanted);
+}
+
+using form = FORM<LOVEPID_prv_data, NET_LOVEPID_Setpoint>;
+constexpr form::row SETPOINT_ROWS[] = {
+    form::number<&NET_LOVEPID_Setpoint::sp>("Setpoint: ", {.min = -999.99, .max = 999.99, .format = "%.2f"}),
+    form::pick<&NET_LOVEPID_Setpoint::addr>("Address", "", addresses, {.button_of = address_label}),
+};
+constexpr form SETPOINT{.title = "Change setpoint",
+                        .rows = SETPOINT_ROWS,
+                        .read = read_setpoint,
+                        .send = send_setpoint,
+                        .ok_width = 10,
+                        .trusts_start_values = TRUE};
 
 using store = INSTDISP_store<LOVEPID_prv_data>;
 constexpr store STORES[] = {
@@ -148,7 +114,7 @@ constexpr store STORES[] = {
     store::into<&LOVEPID_prv_data::status>(MSG_LOVEPID_STATUS),
 };
 constexpr INSTDISP_menu_row<LOVEPID_prv_data> MENU[] = {
-    {.hot_key = '2', .label = "2 Change setpoint", .action = change_setpoint, .guard = COMMAND_PASSWORD}};
+    {.hot_key = '2', .label = "2 Change setpoint", .action = FORM_open<SETPOINT>, .guard = COMMAND_PASSWORD}};
 constexpr INSTDISP_kind<LOVEPID_prv_data> KIND{
     .cols = 43, .rows = 7, .stores = STORES, .draw = draw, .menu = MENU};
 

@@ -1,9 +1,9 @@
 // The Watlow controller: set point, instantaneous and averaged value of its channels A and B.
 #include "cursclient/displays/watlow.h"
 
+#include "cursclient/kit/form.h"
 #include "cursclient/kit/instdisp.h"
 #include "libvesk/messages/records/loopctl.h"
-#include "libvesk/support/util.h"
 
 namespace {
 
@@ -12,11 +12,7 @@ struct WATLOW_prv_data : INSTDISP_head {
     NET_WATLOW_Channels instant;
     NET_WATLOW_Channels sps;
     NET_WATLOW_Status status;
-    NET_WATLOW_Channels new_sps;  // what the dialog was told
 };
-
-constexpr int MAX_ENTRY = 10;
-constexpr int BUTTON_WIDTH = 18;
 
 void draw_status(const NET_WATLOW_Status& status, const CANVAS& d) {
     if (!status.have_comms && status.err == 0)
@@ -34,54 +30,25 @@ void draw(WATLOW_prv_data* pd, const CANVAS& d) {
     draw_status(pd->status, d);
 }
 
-void reset(WATLOW_prv_data* pd) {
-    pd->new_sps = NETDSD_default<NET_WATLOW_Channels>();
-}
-
 // ---- set points
 
-// One entry of the dialog: the numeric limits, and whose channel it is.
-struct channel_entry {
-    CURSDIALOG_DEFAULT_entry_numeric_param limits;
-    DWORD uid;
-    char chan;
+// One message for each channel whose set point is another than the instrument has by now.
+void send_setpoints(WATLOW_prv_data* pd, const NET_WATLOW_Channels& wanted) {
+    if (wanted.chA != pd->sps.chA) COMMAND_send(pd, MSG_WATLOW_SET, NET_WATLOW_OneChannel{'A', wanted.chA});
+    if (wanted.chB != pd->sps.chB) COMMAND_send(pd, MSG_WATLOW_SET, NET_WATLOW_OneChannel{'B', wanted.chB});
+}
+
+using form = FORM<WATLOW_prv_data, NET_WATLOW_Channels>;
+constexpr FORM_number TEMPERATURE{.min = -99.9, .max = 99.9, .format = "%.1f", .exact_until_edited = TRUE};
+constexpr form::row SETPOINT_ROWS[] = {
+    form::number<&NET_WATLOW_Channels::chA>("Setpoint A: ", TEMPERATURE),
+    form::number<&NET_WATLOW_Channels::chB>("Setpoint B: ", TEMPERATURE),
 };
-
-void value_accepted(CURSDIALOG_type*, void*, CURSDIALOG_widget*, void* wd_user_data, char* str,
-                    CURSDIALOG_entry_action*) {
-    const auto* entry = static_cast<const channel_entry*>(wd_user_data);
-    auto* pd = COMMAND_display<WATLOW_prv_data>(entry->uid);
-    if (pd == nullptr) return;
-    (entry->chan == 'A' ? pd->new_sps.chA : pd->new_sps.chB) = UTIL_atofv(str);
-}
-
-void send_if_changed(const WATLOW_prv_data* pd, char chan, double wanted, double present) {
-    if (wanted != present) COMMAND_send(pd, MSG_WATLOW_SET, NET_WATLOW_OneChannel{chan, wanted});
-}
-
-void apply(CURSDIALOG_type*, void* dlg_user_data, CURSDIALOG_widget*, void*, CURSDIALOG_button_action* act) {
-    act->close_dialog = TRUE;
-    const auto* pd = COMMAND_display<WATLOW_prv_data>(*static_cast<DWORD*>(dlg_user_data));
-    if (pd == nullptr) return;
-    send_if_changed(pd, 'A', pd->new_sps.chA, pd->sps.chA);
-    send_if_changed(pd, 'B', pd->new_sps.chB, pd->sps.chB);
-}
-
-void add_entry(CURSDIALOG_type* dlg, WATLOW_prv_data* pd, int y, const char* label, double value,
-               const channel_entry& entry) {
-    SFMT_printf(&pd->sbfr, "%.1f", value);
-    COMMAND_number_entry(dlg, y, label, SFMT_get_buffer(&pd->sbfr), MAX_ENTRY, &entry.limits, sizeof entry);
-}
-
-void open_setpoint_dialog(WATLOW_prv_data* pd, DWORD uid) {
-    CURSDIALOG_type* dlg = COMMAND_dialog("Change setpoint", uid);
-    if (dlg == nullptr) return;
-    pd->new_sps = pd->sps;
-    const CURSDIALOG_DEFAULT_entry_numeric_param limits{-99.9, 99.9, "%.1f", value_accepted};
-    add_entry(dlg, pd, 1, "Setpoint A: ", pd->sps.chA, {limits, uid, 'A'});
-    add_entry(dlg, pd, 2, "Setpoint B: ", pd->sps.chB, {limits, uid, 'B'});
-    COMMAND_ending(dlg, 3, BUTTON_WIDTH, "Apply", apply);
-}
+constexpr form SETPOINTS{.title = "Change setpoint",
+                         .rows = SETPOINT_ROWS,
+                         .read = FORM_read<&WATLOW_prv_data::sps>,
+                         .send = send_setpoints,
+                         .trusts_start_values = TRUE};
 
 using store = INSTDISP_store<WATLOW_prv_data>;
 constexpr store STORES[] = {
@@ -90,13 +57,12 @@ constexpr store STORES[] = {
     store::into<&WATLOW_prv_data::sps>(MSG_WATLOW_SETPOINTS),
     store::into<&WATLOW_prv_data::status>(MSG_WATLOW_STATUS),
 };
-constexpr INSTDISP_kind<WATLOW_prv_data> KIND{
-    .cols = 27, .rows = 6, .stores = STORES, .draw = draw, .reset = reset};
+constexpr INSTDISP_kind<WATLOW_prv_data> KIND{.cols = 27, .rows = 6, .stores = STORES, .draw = draw};
 
 }  // namespace
 
 void WATLOW_change_setpoint(DWORD uid) {
-    COMMAND_run(uid, open_setpoint_dialog, COMMAND_PASSWORD);
+    COMMAND_run(uid, COMMAND_do<FORM_open<SETPOINTS, WATLOW_prv_data>>, COMMAND_PASSWORD);
 }
 
 INSTDISP_BINDINGS(WATLOW, watlow, KIND)

@@ -25,7 +25,7 @@ COMMAND_sender g_sender = nullptr;
 
 void run_now(DWORD uid, const COMMAND_action& action) {
     auto* pd = COMMAND_display<INSTDISP_head>(uid);
-    if (pd != nullptr) action.call(action.fn, pd, uid);
+    if (pd != nullptr) action.call(pd, uid, action.context);
 }
 
 void password_given(BOOL passok, void* param) {

@@ -11,18 +11,17 @@
 #include "cursclient/kit/insthead.h"
 #include "libvesk/link/veskmsg.h"
 
-// What is to be done to a display, some time later. Made from a function `void f(R* pd, DWORD uid)`, where R
-// is the display's private record; a lambda needs a unary plus.
+// An action on a display, to be done some time later. COMMAND_do makes it of a function of the kind's own.
 struct COMMAND_action {
-    template <class R>
-    COMMAND_action(void (*function)(R* pd, DWORD uid))
-        : fn(reinterpret_cast<void (*)()>(function)), call([](void (*f)(), void* pd, DWORD uid) {
-              reinterpret_cast<void (*)(R*, DWORD)>(f)(static_cast<R*>(pd), uid);
-          }) {}
-
-    void (*fn)();
-    void (*call)(void (*fn)(), void* pd, DWORD uid);
+    void (*call)(void* pd, DWORD uid, const void* context);
+    const void* context;  // static; what `call` wants besides
 };
+template <auto function, class R>
+[[nodiscard]] constexpr COMMAND_action COMMAND_action_of(void (* /*its type*/)(R* pd, DWORD uid)) {
+    return {[](void* pd, DWORD uid, const void*) { function(static_cast<R*>(pd), uid); }, nullptr};
+}
+template <auto function>
+inline constexpr COMMAND_action COMMAND_do = COMMAND_action_of<function>(function);
 
 // The record of a display, or null when it is gone or has no name to address.
 template <class R>

@@ -55,6 +55,15 @@ struct INSTDISP_menu_row {
     std::string (*label_of)(const R* pd) = nullptr;  // by the present state; "" leaves the button out
 };
 
+// The action of a row that is static, as the rows of menus are.
+template <class R>
+[[nodiscard]] COMMAND_action INSTDISP_action_of(const INSTDISP_menu_row<R>& row) {
+    const auto call = [](void* pd, DWORD uid, const void* context) {
+        static_cast<const INSTDISP_menu_row<R>*>(context)->action(static_cast<R*>(pd), uid);
+    };
+    return {call, &row};
+}
+
 template <class R>
 struct INSTDISP_kind {
     int cols, rows;                             // of the window
@@ -165,8 +174,8 @@ void INSTDISP_open_menu(R* pd, const INSTDISP_kind<R>& kind, DWORD uid) {
     for (const INSTDISP_menu_row<R>& row : kind.menu) {
         const std::string label = row.label_of != nullptr ? row.label_of(pd) : row.label;
         if (label.empty()) continue;
-        COMMAND_button(dlg, {1, y++, 0, CURSDIALOG_STYLE_LIST}, row.hot_key, label.c_str(), uid, row.action,
-                       row.guard);
+        COMMAND_button(dlg, {1, y++, 0, CURSDIALOG_STYLE_LIST}, row.hot_key, label.c_str(), uid,
+                       INSTDISP_action_of(row), row.guard);
     }
 }
 

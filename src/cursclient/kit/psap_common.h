@@ -43,7 +43,8 @@ void PSAP_end_filter_change(R* pd, DWORD /*uid*/) {
 template <class R, NETMSG_type SET>
 void PSAP_change_filter(R* pd, DWORD uid) {
     if (pd->filter_status.changing_filter)
-        COMMAND_confirm("Have you pressed 'RESET Transmitance'?", uid, PSAP_end_filter_change<R, SET>);
+        COMMAND_confirm("Have you pressed 'RESET Transmitance'?", uid,
+                        COMMAND_do<PSAP_end_filter_change<R, SET>>);
     else
         COMMAND_send(pd, SET, decltype(pd->filter_status){TRUE});
 }

@@ -46,7 +46,7 @@ void next_mode(TESTER_prv_data* pd, DWORD /*uid*/) {
 }
 
 void ask(TESTER_prv_data* /*pd*/, DWORD uid) {
-    COMMAND_confirm("Really?", uid, next_mode);
+    COMMAND_confirm("Really?", uid, COMMAND_do<next_mode>);
 }
 
 std::string mode_label(const TESTER_prv_data* pd) {
