@@ -1,10 +1,12 @@
 // What displays send goes no further than a list here; time stands still until a test moves it.
 #include "support/display_rig.h"
 
+#include <span>
 #include <utility>
 
 #include "cursclient/cursclient.h"
 #include "cursclient/display.h"
+#include "cursclient/displays_generated.h"
 #include "cursclient/kit/command.h"
 #include "libvesk/messages/records/server.h"
 #include "peer/json_line.h"
@@ -40,6 +42,15 @@ void cut_blanks(std::string* line) {
 }
 
 }  // namespace
+
+std::vector<std::string> DisplayRig::kinds() {
+    std::vector<std::string> all;
+    for (const DISPLAY_DEFN& kind : std::span(g_display_decls, g_n_display_decls)) {
+        const std::string type = kind.match_type;
+        if (kind.dcl->cb_init != nullptr && !type.starts_with("PERSISTENT_")) all.push_back(type);
+    }
+    return all;
+}
 
 DisplayRig::DisplayRig(int lines, int cols) {
     start(lines, cols);

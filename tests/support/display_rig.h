@@ -27,6 +27,9 @@ class DisplayRig : public ConsoleTest {
     static constexpr FTIME START = 1700000000.0;  // 22:13:20 UTC
     static void set_time(FTIME now);
 
+    // The kinds of displays that an instrument brings up, in the order of their table.
+    static std::vector<std::string> kinds();
+
     // An instrument announces itself; the uid of its (first) display, 0 when there is none.
     static DWORD announce(const char* source, const char* type, const char* display_name = "Instrument",
                           char id_ch = 'x');

@@ -7,7 +7,7 @@
 #include "libvesk/support/util.h"
 #include "simstation/kinds.h"
 #include "simstation/physics/pid.h"
-#include "simstation/physics/pidtune.h"
+#include "simstation/physics/pid_tune.h"
 
 namespace {
 
@@ -127,7 +127,7 @@ struct genericpid {
     BOOL take(SIM_instrument& sim, const NET_GENERICPID_TuningRequest* request) {
         if (request == nullptr) return FALSE;
         const char* fault =
-            tune ? "it is being tuned already" : SIM_pidtune::fault(*request, pid.out_min(), pid.out_max());
+            tune ? "it is being tuned already" : SIM_pid_tune::fault(*request, pid.out_min(), pid.out_max());
         if (fault != nullptr) {
             sim.send_error_line("tuning refused: %s", fault);
             return FALSE;
@@ -180,7 +180,7 @@ struct genericpid {
     SIM_plant plant{HEATER_GAIN, HEATER_DEAD_TIME, HEATER_LAG, AMBIENT};
     SIM_pid pid{0, OUT_MAX};
     SIM_drift wander{0.05, 3600};  // of the ambient temperature, degC
-    std::optional<SIM_pidtune> tune;
+    std::optional<SIM_pid_tune> tune;
     NET_GENERICPID_Info info{};
     double sp = START_SETPOINT;
     double pv = AMBIENT;

@@ -10,19 +10,19 @@ namespace {
 
 constexpr double NORMAL_WATTS = 75;
 
-NET_COMMON_Neph_Shared shared_of(const SIM_nephcell& cell, const SIM_neph_six& scattering) {
+NET_COMMON_Neph_Shared shared_of(const SIM_neph_cell& cell, const SIM_neph_six& scattering) {
     auto r = NETDSD_default<NET_COMMON_Neph_Shared>();
     SIM_neph_put(r, scattering);
     SIM_neph_put_climate(r, cell.climate());
     return r;
 }
 
-void put_exponents(NET_COMMON_Neph_Shared& r, const SIM_nephcell& cell) {
+void put_exponents(NET_COMMON_Neph_Shared& r, const SIM_neph_cell& cell) {
     r.alphaGR = cell.angstrom(r.bsp[1], r.bsp[2]);
     r.alphabGR = cell.angstrom(r.bbsp[1], r.bbsp[2]);
 }
 
-NET_COMMON_Neph_SpancheckRun run_second(const SIM_nephcell& cell, double watts) {
+NET_COMMON_Neph_SpancheckRun run_second(const SIM_neph_cell& cell, double watts) {
     auto r = NETDSD_default<NET_COMMON_Neph_SpancheckRun>();
     SIM_neph_put(r, cell.scattering());
     SIM_neph_put_counts(r, cell);

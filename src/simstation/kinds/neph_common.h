@@ -5,7 +5,7 @@
 #include <deque>
 
 #include "simstation/kinds/spancheck.h"
-#include "simstation/physics/nephcell.h"
+#include "simstation/physics/neph_cell.h"
 
 // Seconds.
 struct SIM_neph_zeroing {
@@ -60,7 +60,7 @@ class SIM_neph {
     // VESK_NO_TIME: none scheduled.
     [[nodiscard]] FTIME next_zero() const { return next_zero_; }
 
-    SIM_nephcell cell;
+    SIM_neph_cell cell;
 
   private:
     enum state { NORMAL, ZERO, BLANK };

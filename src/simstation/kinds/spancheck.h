@@ -7,7 +7,7 @@
 
 #include "libvesk/messages/records/common_neph.h"
 #include "simstation/physics/average.h"
-#include "simstation/physics/nephcell.h"
+#include "simstation/physics/neph_cell.h"
 
 class SIM_spancheck {
   public:

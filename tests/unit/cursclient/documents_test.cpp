@@ -13,7 +13,6 @@
 #include <sstream>
 
 #include "cursclient/display.h"
-#include "cursclient/displays_generated.h"
 #include "libveskcurs/curskeys.h"
 #include "support/display_rig.h"
 
@@ -86,17 +85,6 @@ page read_page(const fs::path& path) {
         if (line.starts_with("| Menu |")) table = MENU;
     }
     return p;
-}
-
-// The kinds that an instrument brings up.
-std::vector<std::string> kinds() {
-#define NAME(kind) #kind,
-#define NOTHING(kind)
-    std::vector<std::string> names{DISPLAYS_LIST(NAME, NOTHING)};
-#undef NAME
-#undef NOTHING
-    std::erase_if(names, [](const std::string& name) { return name.starts_with("PERSISTENT_"); });
-    return names;
 }
 
 fs::path page_of(const std::string& kind) {

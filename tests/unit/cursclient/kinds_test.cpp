@@ -5,24 +5,13 @@
 #include <map>
 #include <optional>
 #include <regex>
-#include <span>
 
-#include "cursclient/displays_generated.h"
 #include "support/display_rig.h"
 
 namespace {
 
 using ::testing::IsEmpty;
 using list = std::vector<std::string>;
-
-std::vector<std::string> kinds() {
-    std::vector<std::string> all;
-    for (const DISPLAY_DEFN& kind : std::span(g_display_decls, g_n_display_decls)) {
-        const std::string type = kind.match_type;
-        if (kind.dcl->cb_init != nullptr && !type.starts_with("PERSISTENT_")) all.push_back(type);
-    }
-    return all;
-}
 
 class Kinds : public DisplayRig {
   protected:

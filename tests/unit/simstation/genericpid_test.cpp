@@ -7,7 +7,7 @@
 #include <string>
 
 #include "simstation/physics/pid.h"
-#include "simstation/physics/pidtune.h"
+#include "simstation/physics/pid_tune.h"
 #include "support/sim_probe.h"
 
 namespace {
@@ -76,7 +76,7 @@ constexpr NET_GENERICPID_TuningRequest REQUEST{120, 0.0144, 8, 2, 2.875, 0.72, G
 constexpr SIM_ultimate TRUTH{1.289, 24.49};
 
 // Runs the experiment on the line heater; how many seconds it took, at most 5000.
-int run_tuning(SIM_pidtune& tune, double gain = 8, double noise = 0) {
+int run_tuning(SIM_pid_tune& tune, double gain = 8, double noise = 0) {
     SIM_plant plant(gain, 6, 40, 22);
     SIM_noise random(1, "tuning");
     double out = tune.start_out();
@@ -89,7 +89,7 @@ int run_tuning(SIM_pidtune& tune, double gain = 8, double noise = 0) {
 TEST(PidTune, FindsTheUltimateGainAndPeriodOfTheProcess) {
     NET_GENERICPID_TuningRequest request = REQUEST;
     request.param_gen = GENERICPID_TUNE_TLC_PI;
-    SIM_pidtune tune(request);
+    SIM_pid_tune tune(request);
     EXPECT_LT(run_tuning(tune, 8, 0.003), 1500);
     EXPECT_EQ(tune.failure(), nullptr);
     const auto found = tune.results();
@@ -102,7 +102,7 @@ TEST(PidTune, GoesThroughItsStatesInOrder) {
     NET_GENERICPID_TuningRequest request = REQUEST;
     request.num_runs = 2;
     request.num_prime = 1;
-    SIM_pidtune tune(request);
+    SIM_pid_tune tune(request);
     SIM_plant plant(8, 6, 40, 22);
     std::vector<std::string> seen;
     double out = request.start_out;
@@ -120,21 +120,21 @@ TEST(PidTune, GoesThroughItsStatesInOrder) {
 }
 
 TEST(PidTune, WaitsForARestlessValueAndGivesUpWhenItDoesNotFollow) {
-    SIM_pidtune restless(REQUEST);
+    SIM_pid_tune restless(REQUEST);
     EXPECT_EQ(run_tuning(restless, 8, 0.5), 5000);
     EXPECT_EQ(restless.status().state, GENERICPID_WAIT_BASE_STABLITY);
-    SIM_pidtune stuck(REQUEST);
+    SIM_pid_tune stuck(REQUEST);
     run_tuning(stuck, 0, 0.003);
     EXPECT_STREQ(stuck.failure(), "the process value does not follow the output");
     EXPECT_TRUE(VESK_is_missing(stuck.results().params.p + 0));
 }
 
 TEST(PidTune, RefusesWhatCannotBeDone) {
-    EXPECT_EQ(SIM_pidtune::fault(REQUEST, 0, 10), nullptr);
+    EXPECT_EQ(SIM_pid_tune::fault(REQUEST, 0, 10), nullptr);
     const auto wrong = [](auto change) {
         NET_GENERICPID_TuningRequest r = REQUEST;
         change(r);
-        return SIM_pidtune::fault(r, 0, 10) != nullptr;
+        return SIM_pid_tune::fault(r, 0, 10) != nullptr;
     };
     EXPECT_TRUE(wrong([](auto& r) { r.num_runs = 0; }));
     EXPECT_TRUE(wrong([](auto& r) { r.stablity_samples = 0; }));

@@ -1,5 +1,5 @@
 // The relay experiment as a row of states, and the rules that turn what it measured into parameters.
-#include "simstation/physics/pidtune.h"
+#include "simstation/physics/pid_tune.h"
 
 #include <algorithm>
 #include <cmath>
@@ -53,7 +53,7 @@ NET_GENERICPID_Params SIM_tuning_rule(std::uint32_t param_gen, SIM_ultimate u) {
 
 // ---- the latest readings
 
-void SIM_pidtune::recent::add(double value) {
+void SIM_pid_tune::recent::add(double value) {
     if (values_.empty()) origin_ = value;
     values_.push_back(value);
     sum_ += value - origin_;
@@ -65,17 +65,17 @@ void SIM_pidtune::recent::add(double value) {
     squares_ -= oldest * oldest;
 }
 
-void SIM_pidtune::recent::clear() {
+void SIM_pid_tune::recent::clear() {
     values_.clear();
     sum_ = 0;
     squares_ = 0;
 }
 
-double SIM_pidtune::recent::mean() const {
+double SIM_pid_tune::recent::mean() const {
     return values_.empty() ? VESK_MISSING : origin_ + sum_ / static_cast<double>(values_.size());
 }
 
-double SIM_pidtune::recent::stddev() const {
+double SIM_pid_tune::recent::stddev() const {
     if (values_.size() < 2) return VESK_MISSING;
     const auto n = static_cast<double>(values_.size());
     return std::sqrt(std::max((squares_ - sum_ * sum_ / n) / (n - 1), 0.0));
@@ -83,7 +83,7 @@ double SIM_pidtune::recent::stddev() const {
 
 // ---- the experiment
 
-const char* SIM_pidtune::fault(NET_GENERICPID_TuningRequest request, double out_min, double out_max) {
+const char* SIM_pid_tune::fault(NET_GENERICPID_TuningRequest request, double out_min, double out_max) {
     const double start = request.start_out;
     const double amp = request.output_amp;
     if (request.num_runs == 0) return "no runs";
@@ -94,10 +94,10 @@ const char* SIM_pidtune::fault(NET_GENERICPID_TuningRequest request, double out_
     return request.param_gen < GENERICPID_TUNE_COUNT ? nullptr : "unknown method";
 }
 
-SIM_pidtune::SIM_pidtune(NET_GENERICPID_TuningRequest request)
+SIM_pid_tune::SIM_pid_tune(NET_GENERICPID_TuningRequest request)
     : request_(request), recent_(request.stablity_samples), last_(NETDSD_default<NET_GENERICPID_Params>()) {}
 
-double SIM_pidtune::step(double pv, double dt) {
+double SIM_pid_tune::step(double pv, double dt) {
     recent_.add(pv);
     seconds_ += dt;
     low_ = std::min(low_, pv);
@@ -106,7 +106,7 @@ double SIM_pidtune::step(double pv, double dt) {
     return output();
 }
 
-void SIM_pidtune::advance(double pv) {
+void SIM_pid_tune::advance(double pv) {
     switch (state_) {
         case GENERICPID_WAIT_BASE_STABLITY:
             if (is_stable()) take_base();
@@ -129,31 +129,31 @@ void SIM_pidtune::advance(double pv) {
     }
 }
 
-BOOL SIM_pidtune::is_stable() const {
+BOOL SIM_pid_tune::is_stable() const {
     return recent_.full() && recent_.stddev() < request_.stablity_stddev;
 }
 
-void SIM_pidtune::take_base() {
+void SIM_pid_tune::take_base() {
     base_ = recent_.mean();
     hysteresis_ = HYSTERESIS_SIGMAS * recent_.stddev();
     recent_.clear();
     state_ = GENERICPID_WAIT_HIGH_STABLITY;
 }
 
-void SIM_pidtune::take_high() {
+void SIM_pid_tune::take_high() {
     const double response = recent_.mean() - base_;
     if (response < RESPONSE_SIGMAS / HYSTERESIS_SIGMAS * hysteresis_)
         fail("the process value does not follow the output");
 }
 
-void SIM_pidtune::begin_cycle(double pv) {
+void SIM_pid_tune::begin_cycle(double pv) {
     state_ = is_priming() ? GENERICPID_DOWNWARD_PRIME : GENERICPID_DOWNWARD;
     seconds_ = 0;
     low_ = pv;
     high_ = pv;
 }
 
-void SIM_pidtune::end_cycle(double pv) {
+void SIM_pid_tune::end_cycle(double pv) {
     if (!is_priming()) take_run();
     ++cycles_;
     if (cycles_ - request_.num_prime == request_.num_runs)
@@ -162,7 +162,7 @@ void SIM_pidtune::end_cycle(double pv) {
         begin_cycle(pv);
 }
 
-void SIM_pidtune::take_run() {
+void SIM_pid_tune::take_run() {
     const SIM_ultimate u = SIM_relay_ultimate(request_.output_amp, (high_ - low_) / 2, hysteresis_, seconds_);
     last_ = SIM_tuning_rule(request_.param_gen, u);
     p_.add(last_.p);
@@ -170,12 +170,12 @@ void SIM_pidtune::take_run() {
     d_.add(last_.d);
 }
 
-void SIM_pidtune::fail(const char* why) {
+void SIM_pid_tune::fail(const char* why) {
     failure_ = why;
     state_ = GENERICPID_NOTTUNING;
 }
 
-double SIM_pidtune::output() const {
+double SIM_pid_tune::output() const {
     switch (state_) {
         case GENERICPID_WAIT_HIGH_STABLITY:
         case GENERICPID_UPWARD_PRIME:
@@ -192,17 +192,17 @@ double SIM_pidtune::output() const {
 // ---- what it says
 
 // While it primes, the cycles of that are what is counted.
-NET_GENERICPID_TuningSatus SIM_pidtune::status() const {
+NET_GENERICPID_TuningSatus SIM_pid_tune::status() const {
     const BOOL priming = state_ == GENERICPID_DOWNWARD_PRIME || state_ == GENERICPID_UPWARD_PRIME;
     if (priming) return {state_, cycles_, request_.num_prime};
     const std::uint32_t run = is_priming() ? 0 : cycles_ - request_.num_prime;
     return {state_, run, request_.num_runs};
 }
 
-NET_GENERICPID_TuningInstant SIM_pidtune::instant() const {
+NET_GENERICPID_TuningInstant SIM_pid_tune::instant() const {
     return {recent_.stddev(), results(), last_};
 }
 
-NET_GENERICPID_TuningResults SIM_pidtune::results() const {
+NET_GENERICPID_TuningResults SIM_pid_tune::results() const {
     return {{p_.mean(), i_.mean(), d_.mean()}, {p_.stddev(), i_.stddev(), d_.stddev()}};
 }

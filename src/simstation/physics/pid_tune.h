@@ -22,12 +22,12 @@ struct SIM_ultimate {
 // does not use is 0.
 [[nodiscard]] NET_GENERICPID_Params SIM_tuning_rule(std::uint32_t param_gen, SIM_ultimate u);
 
-class SIM_pidtune {
+class SIM_pid_tune {
   public:
     // What is wrong with a request for a controller of that range, or null.
     [[nodiscard]] static const char* fault(NET_GENERICPID_TuningRequest request, double out_min,
                                            double out_max);
-    explicit SIM_pidtune(NET_GENERICPID_TuningRequest request);
+    explicit SIM_pid_tune(NET_GENERICPID_TuningRequest request);
 
     // Takes a reading; the output until the next one, dt seconds later.
     double step(double pv, double dt);

@@ -1,5 +1,5 @@
 // What happens in the cell, second by second.
-#include "simstation/physics/nephcell.h"
+#include "simstation/physics/neph_cell.h"
 
 #include <algorithm>
 #include <cmath>
@@ -61,25 +61,25 @@ SIM_neph_six SIM_neph_nothing() {
     return six;
 }
 
-SIM_nephcell::SIM_nephcell(const SIM_neph_model& model) : backscatter(model.backscatter), model_(model) {}
+SIM_neph_cell::SIM_neph_cell(const SIM_neph_model& model) : backscatter(model.backscatter), model_(model) {}
 
-SIM_nephcell::wall_drift::wall_drift() : SIM_drift(WALL_DRIFT, WALL_MEMORY) {}
+SIM_neph_cell::wall_drift::wall_drift() : SIM_drift(WALL_DRIFT, WALL_MEMORY) {}
 
-double SIM_nephcell::wall_light(SIM_instrument& sim, std::size_t i) {
+double SIM_neph_cell::wall_light(SIM_instrument& sim, std::size_t i) {
     const channel_row& row = g_channels[i];
     return row.wall + row.noise * walls_[i].step(sim.noise(), sim.dt());
 }
 
 // Gas scatters as much backward as forward.
-double SIM_nephcell::air_rayleigh(std::size_t i) const {
+double SIM_neph_cell::air_rayleigh(std::size_t i) const {
     return SIM_rayleigh(model_.nm[i % 3]) / (i < 3 ? 1 : 2);
 }
 
-BOOL SIM_nephcell::has(std::size_t i) const {
+BOOL SIM_neph_cell::has(std::size_t i) const {
     return model_.nm[i % 3] > 0 && (i < 3 || backscatter);
 }
 
-SIM_neph_six SIM_nephcell::rayleigh() const {
+SIM_neph_six SIM_neph_cell::rayleigh() const {
     SIM_neph_six six = SIM_neph_nothing();
     for (std::size_t i = 0; i < SIM_NEPH_SIX; ++i) {
         if (has(i)) six[i] = air_rayleigh(i);
@@ -87,7 +87,7 @@ SIM_neph_six SIM_nephcell::rayleigh() const {
     return six;
 }
 
-void SIM_nephcell::start(SIM_instrument& sim) {
+void SIM_neph_cell::start(SIM_instrument& sim) {
     acclimatise(sim);
     for (std::size_t i = 0; i < SIM_NEPH_SIX; ++i) {
         const double off = sim.noise().uniform(GAIN_LOW, GAIN_HIGH);
@@ -98,7 +98,7 @@ void SIM_nephcell::start(SIM_instrument& sim) {
     }
 }
 
-void SIM_nephcell::exchange(SIM_neph_inlet inlet, double dt) {
+void SIM_neph_cell::exchange(SIM_neph_inlet inlet, double dt) {
     const BOOL bottle = inlet == SIM_NEPH_CO2;
     if (bottle && !bottle_open) return;  // pump off, bottle closed: nothing moves
     const double lag = bottle ? BOTTLE_LAG : PUMP_LAG / std::max(flow, LEAST_FLOW);
@@ -107,7 +107,7 @@ void SIM_nephcell::exchange(SIM_neph_inlet inlet, double dt) {
 }
 
 // The lamp warms the cell by some degrees; CO2 from a bottle is dry.
-void SIM_nephcell::acclimatise(SIM_instrument& sim) {
+void SIM_neph_cell::acclimatise(SIM_instrument& sim) {
     const SIM_air& air = sim.air();
     const double warm = 1 - std::exp(-sim.age() / 900);
     climate_.T_inlet = air.room_temperature() + 0.4 + sim.noise().normal(0, 0.02);
@@ -117,16 +117,16 @@ void SIM_nephcell::acclimatise(SIM_instrument& sim) {
     climate_.P = air.pressure() - 5 * flow + sim.noise().normal(0, 0.1);
 }
 
-double SIM_nephcell::density() const {
+double SIM_neph_cell::density() const {
     return climate_.P / 1013.25 * 273.15 / (273.15 + climate_.T_neph);
 }
 
 // What the gas in the cell scatters, as the channel sees it.
-double SIM_nephcell::gas(std::size_t i) const {
+double SIM_neph_cell::gas(std::size_t i) const {
     return gain_[i] * air_rayleigh(i) * density() * (1 + (SIM_CO2_TO_AIR - 1) * co2_);
 }
 
-void SIM_nephcell::step(SIM_instrument& sim, SIM_neph_inlet inlet) {
+void SIM_neph_cell::step(SIM_instrument& sim, SIM_neph_inlet inlet) {
     exchange(inlet, sim.dt());
     acclimatise(sim);
     for (std::size_t i = 0; i < SIM_NEPH_SIX; ++i) {
@@ -146,7 +146,7 @@ void SIM_nephcell::step(SIM_instrument& sim, SIM_neph_inlet inlet) {
     }
 }
 
-void SIM_nephcell::count(SIM_instrument& sim, std::size_t i, double scattered) {
+void SIM_neph_cell::count(SIM_instrument& sim, std::size_t i, double scattered) {
     const channel_row& row = g_channels[i];
     const double amplified = amplification[i % 3];
     dark_[i] = amplified * sim.noise().poisson(row.dark);
@@ -154,7 +154,7 @@ void SIM_nephcell::count(SIM_instrument& sim, std::size_t i, double scattered) {
     sample_[i] = amplified * sim.noise().poisson(row.sensitivity * scattered / PER_MM * light) + dark_[i];
 }
 
-SIM_neph_six SIM_nephcell::raw() const {
+SIM_neph_six SIM_neph_cell::raw() const {
     SIM_neph_six six = SIM_neph_nothing();
     for (std::size_t i = 0; i < SIM_NEPH_SIX; ++i) {
         if (!VESK_is_missing(scattering_[i])) six[i] = scattering_[i] + background_[i];
@@ -162,7 +162,7 @@ SIM_neph_six SIM_nephcell::raw() const {
     return six;
 }
 
-double SIM_nephcell::angstrom(double green, double red) const {
+double SIM_neph_cell::angstrom(double green, double red) const {
     if (VESK_is_missing(green) || VESK_is_missing(red) || green <= 0 || red <= 0) return VESK_MISSING;
     return std::log(green / red) / std::log(model_.nm[2] / model_.nm[1]);
 }

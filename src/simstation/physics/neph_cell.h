@@ -41,9 +41,9 @@ struct SIM_neph_climate {
     double P;                  // hPa
 };
 
-class SIM_nephcell {
+class SIM_neph_cell {
   public:
-    explicit SIM_nephcell(const SIM_neph_model& model);
+    explicit SIM_neph_cell(const SIM_neph_model& model);
     // The instrument is switched on, with a background that an earlier zero found.
     void start(SIM_instrument& sim);
     // One second of measuring, with that at the inlet.
@@ -99,7 +99,7 @@ class SIM_nephcell {
 
 // Writes the counts into a record's fields sampTS, sampBS and so on.
 template <class R>
-void SIM_neph_put_counts(R& record, const SIM_nephcell& cell) {
+void SIM_neph_put_counts(R& record, const SIM_neph_cell& cell) {
     for (std::size_t i = 0; i < 3; ++i) {
         record.calTS[i] = cell.calibrator_counts()[i];
         record.calBS[i] = cell.calibrator_counts()[i + 3];
