@@ -66,9 +66,8 @@ void INSTDISP_take_log_info(INSTDISP_head* pd, const VESKMSG_proc_msg* pm) {
 }
 
 CURSDIALOG_type* INSTDISP_menu(const INSTDISP_head* pd, const char* title, DWORD uid) {
-    if (pd->win == nullptr) return nullptr;
     CURSDIALOG_type* dlg = COMMAND_dialog(title, uid);
-    if (dlg == nullptr) return nullptr;
+    if (pd->win == nullptr) return dlg;
     WINS_UID ident;
     WINS_uid_of_window(pd->win, &ident);
     CURSDIALOG_add_button(dlg, 1, 1, 0, CURSDIALOG_STYLE_LIST, '1', "1 Hide window",

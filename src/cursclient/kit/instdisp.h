@@ -49,7 +49,7 @@ struct INSTDISP_store {
 template <class R>
 struct INSTDISP_menu_row {
     int hot_key;
-    const char* label;                 // null: label_of says it
+    const char* label = nullptr;       // null: label_of says it
     void (*action)(R* pd, DWORD uid);  // the menu is closed, the display still there
     COMMAND_guard guard = COMMAND_FREE;
     std::string (*label_of)(const R* pd) = nullptr;  // by the present state; "" leaves the button out
@@ -80,6 +80,7 @@ struct INSTDISP_kind {
     WINS_window* (*second_window)(const R* pd) = nullptr;  // another window whose keys are the display's
     const char* title = nullptr;                           // in place of the display name
     BOOL ignores_logging = FALSE;                          // MSG_LOG_INFO means nothing to it
+    BOOL any_source = FALSE;                               // stores what anybody sends
 };
 
 // ---- the steps that need no more than the head
@@ -90,7 +91,7 @@ struct INSTDISP_kind {
 void INSTDISP_close(INSTDISP_head* pd);
 [[nodiscard]] BOOL INSTDISP_is_own(const INSTDISP_head* pd, const VESKMSG_proc_msg* pm);
 void INSTDISP_take_log_info(INSTDISP_head* pd, const VESKMSG_proc_msg* pm);
-// The menu with its title and "1 Hide window", or null without a window.
+// The menu with its title and, if there is a window, "1 Hide window".
 [[nodiscard]] CURSDIALOG_type* INSTDISP_menu(const INSTDISP_head* pd, const char* title, DWORD uid);
 
 // ---- what displays share beyond that
@@ -107,10 +108,33 @@ struct INSTDISP_clock {
     return VESK_scaled(per_m, 1e6);
 }
 
-// Display modes of kinds with instantaneous data (0), running average (1) and last average (2).
+// Which of its data a kind with a member `int display_mode` shows.
+enum INSTDISP_mode { INSTDISP_INSTANTANEOUS, INSTDISP_RUNNING_AVERAGE, INSTDISP_LAST_AVERAGE };
 [[nodiscard]] int INSTDISP_next_mode(int mode);  // 0, 1, 2, 0; any other number becomes 0
 // "D Displaying instantanous data" and so on, for the key 'D'.
 [[nodiscard]] std::string INSTDISP_mode_label(char hot_key, int mode);
+// The one of three like values that the mode says: latest ones, running average, last average.
+template <class T>
+[[nodiscard]] const T& INSTDISP_by_mode(int mode, const T& latest, const T& running, const T& average) {
+    if (mode <= INSTDISP_INSTANTANEOUS) return latest;
+    return mode == INSTDISP_RUNNING_AVERAGE ? running : average;
+}
+template <class R>
+void INSTDISP_go_to_next_mode(R* pd, DWORD /*uid*/) {
+    pd->display_mode = INSTDISP_next_mode(pd->display_mode);
+}
+// The menu's row of the mode, and the key "D" of the kinds that have one.
+template <class R, char KEY>
+inline constexpr INSTDISP_menu_row<R> INSTDISP_MODE_ROW{
+    .hot_key = KEY, .action = INSTDISP_go_to_next_mode<R>, .label_of = [](const R* pd) {
+        return INSTDISP_mode_label(KEY, pd->display_mode);
+    }};
+template <class R>
+[[nodiscard]] BOOL INSTDISP_mode_key(R* pd, DWORD uid, int key) {
+    if (key != 'D' && key != 'd') return FALSE;
+    INSTDISP_go_to_next_mode(pd, uid);
+    return TRUE;
+}
 
 // ---- the callbacks
 
@@ -120,13 +144,18 @@ void INSTDISP_cleanup(R* pd, const INSTDISP_kind<R>& kind) {
     INSTDISP_close(pd);
 }
 
+template <class R>
+void INSTDISP_set_defaults(R* pd, const INSTDISP_kind<R>& kind) {
+    for (const INSTDISP_store<R>& s : kind.stores)
+        NETDSD_set_defaults(s.dsd, s.member(pd));
+    if (kind.reset != nullptr) kind.reset(pd);
+}
+
 // A display that cannot be made whole is taken down again: its identity must not stay taken.
 template <class R>
 [[nodiscard]] BOOL INSTDISP_init(R* pd, const INSTDISP_kind<R>& kind, const DISPLAY_common_params* cps,
                                  const DISPLAY_match_params* mps) {
-    for (const INSTDISP_store<R>& s : kind.stores)
-        NETDSD_set_defaults(s.dsd, s.member(pd));
-    if (kind.reset != nullptr) kind.reset(pd);
+    INSTDISP_set_defaults(pd, kind);
     if (!INSTDISP_open(pd, mps, kind.cols, kind.rows)) {
         INSTDISP_close(pd);
         return FALSE;
@@ -156,7 +185,7 @@ template <class R>
 void INSTDISP_msg_proc(R* pd, const INSTDISP_kind<R>& kind, const DISPLAY_common_params* cps,
                        const VESKMSG_proc_msg* pm) {
     if (kind.message != nullptr) kind.message(pd, pm);
-    if (!INSTDISP_is_own(pd, pm)) return;
+    if (!kind.any_source && !INSTDISP_is_own(pd, pm)) return;
     if (!kind.ignores_logging) INSTDISP_take_log_info(pd, pm);
     for (const INSTDISP_store<R>& s : kind.stores) {
         if (s.msg != pm->msg->msg || s.dsd != pm->dsd || pm->pds == nullptr) continue;
@@ -167,10 +196,9 @@ void INSTDISP_msg_proc(R* pd, const INSTDISP_kind<R>& kind, const DISPLAY_common
 
 template <class R>
 void INSTDISP_open_menu(R* pd, const INSTDISP_kind<R>& kind, DWORD uid) {
-    if (pd == nullptr) return;
+    if (pd == nullptr || (pd->win == nullptr && kind.cols != 0)) return;
     CURSDIALOG_type* dlg = INSTDISP_menu(pd, kind.title != nullptr ? kind.title : pd->display_name, uid);
-    if (dlg == nullptr) return;
-    int y = 2;
+    int y = pd->win != nullptr ? 2 : 1;
     for (const INSTDISP_menu_row<R>& row : kind.menu) {
         const std::string label = row.label_of != nullptr ? row.label_of(pd) : row.label;
         if (label.empty()) continue;
