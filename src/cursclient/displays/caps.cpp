@@ -31,10 +31,6 @@ void draw(CAPS_prv_data* pd, const CANVAS& d) {
         d.put(11, 1, "Next zero:                 %s", INSTDISP_time(pd->zero_schedule.time_next).c_str());
 }
 
-void start_zero(CAPS_prv_data* pd, DWORD /*uid*/) {
-    COMMAND_send(pd, MSG_CAPS_ISSUE_ZERO);
-}
-
 using store = INSTDISP_store<CAPS_prv_data>;
 constexpr store STORES[] = {
     store::into<&CAPS_prv_data::avg>(MSG_CAPS_AVERAGE),
@@ -43,8 +39,10 @@ constexpr store STORES[] = {
     store::into<&CAPS_prv_data::zero_schedule>(MSG_CAPS_ZEROSCHEDULE),
     store::into<&CAPS_prv_data::status>(MSG_CAPS_STATUS),
 };
-constexpr INSTDISP_menu_row<CAPS_prv_data> MENU[] = {
-    {.hot_key = '2', .label = "2 Start zero now", .action = start_zero, .guard = COMMAND_PASSWORD}};
+constexpr INSTDISP_menu_row<CAPS_prv_data> MENU[] = {{.hot_key = '2',
+                                                      .label = "2 Start zero now",
+                                                      .action = COMMAND_issue<MSG_CAPS_ISSUE_ZERO>,
+                                                      .guard = COMMAND_PASSWORD}};
 constexpr INSTDISP_kind<CAPS_prv_data> KIND{
     .cols = 37, .rows = 13, .stores = STORES, .draw = draw, .menu = MENU};
 

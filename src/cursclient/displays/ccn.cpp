@@ -6,11 +6,12 @@
 
 namespace {
 
-constexpr SIZER_graph GRAPHS[] = {{"cum N(D)", "*~5.1f"}, {"dN", "*~5.1f"}};
+constexpr SIZER_graph GRAPHS[] = {{.caption = "cum N(D)", .y_format = "*~5.1f"},
+                                  {.caption = "dN", .y_format = "*~5.1f"}};
 constexpr SIZER_column COLUMNS[] = {
-    {1, "     D", "  (nm)", "*~4.1f"},
-    {9, "     dN", "(cm^-3)", "*~5.1f"},
-    {20, "cum N(D)", " (cm^-3)", " *~5.1f"},
+    {.col = 1, .title = "     D", .units = "  (nm)", .format = "*~4.1f"},
+    {.col = 9, .title = "     dN", .units = "(cm^-3)", .format = "*~5.1f"},
+    {.col = 20, .title = "cum N(D)", .units = " (cm^-3)", .format = " *~5.1f"},
 };
 
 struct CCN_prv_data : SIZER_optical<NET_CCN_BINS, NET_CCN_Avg, NET_CCN_Instant, NET_CCN_Status> {
@@ -20,15 +21,10 @@ struct CCN_prv_data : SIZER_optical<NET_CCN_BINS, NET_CCN_Avg, NET_CCN_Instant, 
     static constexpr SIZER_row ROW{.cols = 41,
                                    .rows = 23,
                                    .bar_col = 8,
-                                   .bar_width = 1,
                                    .label_row = 21,
                                    .labels = 5,
                                    .x_format = "*~.0f",
                                    .graphs = GRAPHS,
-                                   .graph_keys = "N",
-                                   .table_row = 2,
-                                   .bins_per_page = 16,
-                                   .last_page = 1,
                                    .columns = COLUMNS};
 
     void housekeeping(const CANVAS& d) const;
@@ -168,16 +164,18 @@ constexpr store STORES[] = {
     store::into<&CCN_prv_data::scanning>(MSG_CCN_SCANNING),
     store::into<&CCN_prv_data::dmtmodel>(MSG_CCN_DMTMODELRESULTS),
 };
-constexpr auto& MODES = SIZER_OPTICAL_MENU<CCN_prv_data>;
-constexpr INSTDISP_menu_row<CCN_prv_data> MENU[] = {
-    {'2', nullptr, toggle_scanning, COMMAND_PASSWORD, scanning_label},
-    {'3', "3 Change dT setpoint", FORM_open<SETPOINT>, COMMAND_PASSWORD},
-    {'4', nullptr, change_calibration, COMMAND_PASSWORD, calibration_label},
-    MODES[0],
-    MODES[1],
-    MODES[2],
-    MODES[3],
-};
+using menu_row = INSTDISP_menu_row<CCN_prv_data>;
+constexpr auto MENU = SIZER_optical_menu<CCN_prv_data>(
+    menu_row{
+        .hot_key = '2', .action = toggle_scanning, .guard = COMMAND_PASSWORD, .label_of = scanning_label},
+    menu_row{.hot_key = '3',
+             .label = "3 Change dT setpoint",
+             .action = FORM_open<SETPOINT>,
+             .guard = COMMAND_PASSWORD},
+    menu_row{.hot_key = '4',
+             .action = change_calibration,
+             .guard = COMMAND_PASSWORD,
+             .label_of = calibration_label});
 constexpr auto KIND = SIZER_kind(STORES, reset, SIZER_optical_key<CCN_prv_data>, MENU);
 
 }  // namespace

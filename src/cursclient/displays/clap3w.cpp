@@ -147,49 +147,49 @@ void CLAP3W_display_In8(const CLAP3W_prv_data* pd, const CANVAS& d, const view& 
 
 #define AT(member) offsetof(NET_CLAP3W_Instant, member)
 constexpr view VIEWS[] = {
-    {CLAP3W_DM_DEFAULT, CLAP3W_display_default, "D Standard display"},
-    {CLAP3W_DM_I,
-     CLAP3W_display_I10,
-     "D Display intensities",
-     "Raw Intensities",
-     "I",
-     "*~10.0f",
-     {AT(in.IB), AT(in.IG), AT(in.IR), AT(in.ID)}},
-    {CLAP3W_DM_Ig,
-     CLAP3W_display_I10,
-     "D Display intensity RSD",
-     "Raw Intensity RSD",
-     "Ig",
-     "*~2.7f",
-     {AT(IgB), AT(IgG), AT(IgR), AT(IgD)}},
-    {CLAP3W_DM_In,
-     CLAP3W_display_In8,
-     "D Display normalized intensities",
-     "Normalized Intensities",
-     "In",
-     "*~2.7f",
-     {AT(in.InB), AT(in.InG), AT(in.InR)}},
-    {CLAP3W_DM_Ing,
-     CLAP3W_display_In8,
-     "D Display normalized intensity RSD",
-     "Normalized Intensity RSD",
-     "Ing",
-     "*~2.7f",
-     {AT(IngB), AT(IngG), AT(IngR)}},
-    {CLAP3W_DM_Irw,
-     CLAP3W_display_In8,
-     "D Display white filter ratio",
-     "Intensity White Filter Ratio",
-     "Irw",
-     "*~2.7f",
-     {AT(IrwB), AT(IrwG), AT(IrwR)}},
-    {CLAP3W_DM_Irz,
-     CLAP3W_display_In8,
-     "D Display filter start ratio",
-     "Intensity Filter Start Ratio",
-     "Irz",
-     "*~2.7f",
-     {AT(IrzB), AT(IrzG), AT(IrzR)}},
+    {.mode = CLAP3W_DM_DEFAULT, .draw = CLAP3W_display_default, .menu_label = "D Standard display"},
+    {.mode = CLAP3W_DM_I,
+     .draw = CLAP3W_display_I10,
+     .menu_label = "D Display intensities",
+     .title = "Raw Intensities",
+     .row_name = "I",
+     .format = "*~10.0f",
+     .arrays = {AT(in.IB), AT(in.IG), AT(in.IR), AT(in.ID)}},
+    {.mode = CLAP3W_DM_Ig,
+     .draw = CLAP3W_display_I10,
+     .menu_label = "D Display intensity RSD",
+     .title = "Raw Intensity RSD",
+     .row_name = "Ig",
+     .format = "*~2.7f",
+     .arrays = {AT(IgB), AT(IgG), AT(IgR), AT(IgD)}},
+    {.mode = CLAP3W_DM_In,
+     .draw = CLAP3W_display_In8,
+     .menu_label = "D Display normalized intensities",
+     .title = "Normalized Intensities",
+     .row_name = "In",
+     .format = "*~2.7f",
+     .arrays = {AT(in.InB), AT(in.InG), AT(in.InR)}},
+    {.mode = CLAP3W_DM_Ing,
+     .draw = CLAP3W_display_In8,
+     .menu_label = "D Display normalized intensity RSD",
+     .title = "Normalized Intensity RSD",
+     .row_name = "Ing",
+     .format = "*~2.7f",
+     .arrays = {AT(IngB), AT(IngG), AT(IngR)}},
+    {.mode = CLAP3W_DM_Irw,
+     .draw = CLAP3W_display_In8,
+     .menu_label = "D Display white filter ratio",
+     .title = "Intensity White Filter Ratio",
+     .row_name = "Irw",
+     .format = "*~2.7f",
+     .arrays = {AT(IrwB), AT(IrwG), AT(IrwR)}},
+    {.mode = CLAP3W_DM_Irz,
+     .draw = CLAP3W_display_In8,
+     .menu_label = "D Display filter start ratio",
+     .title = "Intensity Filter Start Ratio",
+     .row_name = "Irz",
+     .format = "*~2.7f",
+     .arrays = {AT(IrzB), AT(IrzG), AT(IrzR)}},
 };
 #undef AT
 static_assert(std::size(VIEWS) == CLAP3W_DM_COUNT);
@@ -234,10 +234,6 @@ void change_filter(CLAP3W_prv_data* pd, DWORD uid) {
 void check_white_filter(CLAP3W_prv_data* pd, DWORD uid) {
     if (pd->filter_status.status == NET_CLAP3W_WHITE_CHECK) return confirm_end(uid);
     COMMAND_send(pd, MSG_CLAP3W_WHITECHANGE);
-}
-
-void advance_spot(CLAP3W_prv_data* pd, DWORD /*uid*/) {
-    COMMAND_send(pd, MSG_CLAP3W_SPOTADVANCE);
 }
 
 struct CLAP3W_flow {
@@ -292,11 +288,14 @@ std::string mode_label(const CLAP3W_prv_data* pd) {
 }
 
 constexpr INSTDISP_menu_row<CLAP3W_prv_data> MENU[] = {
-    {'2', nullptr, change_filter, COMMAND_PASSWORD, filter_label},
-    {'3', nullptr, check_white_filter, COMMAND_PASSWORD, white_label},
-    {'4', nullptr, advance_spot, COMMAND_PASSWORD, advance_label},
-    {'5', "5 Set flow override", FORM_open<FLOW>, COMMAND_PASSWORD},
-    {'D', nullptr, next_mode, COMMAND_FREE, mode_label},
+    {.hot_key = '2', .action = change_filter, .guard = COMMAND_PASSWORD, .label_of = filter_label},
+    {.hot_key = '3', .action = check_white_filter, .guard = COMMAND_PASSWORD, .label_of = white_label},
+    {.hot_key = '4',
+     .action = COMMAND_issue<MSG_CLAP3W_SPOTADVANCE>,
+     .guard = COMMAND_PASSWORD,
+     .label_of = advance_label},
+    {.hot_key = '5', .label = "5 Set flow override", .action = FORM_open<FLOW>, .guard = COMMAND_PASSWORD},
+    {.hot_key = 'D', .action = next_mode, .label_of = mode_label},
 };
 
 // ---- the messages

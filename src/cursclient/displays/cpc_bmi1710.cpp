@@ -5,19 +5,15 @@ namespace {
 
 struct CPC_BMI1710_prv_data
     : CPC_record<NET_CPC_BMI1710_Reading, NET_CPC_BMI1710_Instant, NET_CPC_BMI1710_Status> {
-    int display_mode;  // see INSTDISP_next_mode
+    int display_mode;  // INSTDISP_mode
 };
 
 // Columns of labels and values, left and right.
 constexpr int L = 1, LV = 22, R = 33, RV = 48;
 
-const NET_CPC_BMI1710_Reading& shown(const CPC_BMI1710_prv_data* pd) {
-    if (pd->display_mode == 1) return pd->instant.ra;
-    return pd->display_mode == 2 ? pd->avg : pd->instant.in;
-}
-
 void draw(CPC_BMI1710_prv_data* pd, const CANVAS& d) {
-    const NET_CPC_BMI1710_Reading& r = shown(pd);
+    const NET_CPC_BMI1710_Reading& r =
+        INSTDISP_by_mode(pd->display_mode, pd->instant.in, pd->instant.ra, pd->avg);
     d.field(1, L, "Concentration (cm-3):", LV, "*~5.1f", r.N);
     d.field(2, L, "T Inlet (C):", LV, "*~5.1f", r.Tu);
     d.field(3, L, "T Saturator Top (C):", LV, "*~5.1f", r.T2);
@@ -36,26 +32,15 @@ void draw(CPC_BMI1710_prv_data* pd, const CANVAS& d) {
     d.no_comms(9, pd->status.have_comms);
 }
 
-void next_mode(CPC_BMI1710_prv_data* pd, DWORD /*uid*/) {
-    pd->display_mode = INSTDISP_next_mode(pd->display_mode);
-}
-
-BOOL key_pressed(CPC_BMI1710_prv_data* pd, DWORD uid, int key) {
-    if (key != 'D' && key != 'd') return FALSE;
-    next_mode(pd, uid);
-    return TRUE;
-}
-
-std::string mode_label(const CPC_BMI1710_prv_data* pd) {
-    return INSTDISP_mode_label('D', pd->display_mode);
-}
-
 constexpr auto STORES = CPC_stores<CPC_BMI1710_prv_data>(MSG_CPC_BMI1710_AVERAGE, MSG_CPC_BMI1710_INSTANT,
                                                          MSG_CPC_BMI1710_STATUS);
-constexpr INSTDISP_menu_row<CPC_BMI1710_prv_data> MENU[] = {
-    {.hot_key = 'D', .label = nullptr, .action = next_mode, .label_of = mode_label}};
-constexpr INSTDISP_kind<CPC_BMI1710_prv_data> KIND{
-    .cols = 56, .rows = 11, .stores = STORES, .draw = draw, .key = key_pressed, .menu = MENU};
+constexpr INSTDISP_menu_row<CPC_BMI1710_prv_data> MENU[] = {INSTDISP_MODE_ROW<CPC_BMI1710_prv_data, 'D'>};
+constexpr INSTDISP_kind<CPC_BMI1710_prv_data> KIND{.cols = 56,
+                                                   .rows = 11,
+                                                   .stores = STORES,
+                                                   .draw = draw,
+                                                   .key = INSTDISP_mode_key<CPC_BMI1710_prv_data>,
+                                                   .menu = MENU};
 
 }  // namespace
 

@@ -93,21 +93,13 @@ void draw(GENERICPID_prv_data* pd, const CANVAS& d) {
 
 // ---- commands
 
-void send_reset(GENERICPID_prv_data* pd, DWORD /*uid*/) {
-    COMMAND_send(pd, MSG_GENERICPID_RESET);
-}
-
 void confirm_reset(GENERICPID_prv_data*, DWORD uid) {
     CURSDIALOG_type* dlg = COMMAND_dialog("Confirm PID Reset", uid);
     COMMAND_button(dlg, {1, 1, 0, CURSDIALOG_STYLE_CLOSE}, 0, "Reset PID control", uid,
-                   COMMAND_do<send_reset>, COMMAND_PASSWORD);
+                   COMMAND_do<COMMAND_issue<MSG_GENERICPID_RESET, GENERICPID_prv_data>>, COMMAND_PASSWORD);
     CURSDIALOG_force_widget_focus(dlg,
                                   CURSDIALOG_add_button(dlg, 1, 2, 0, CURSDIALOG_STYLE_CLOSE, 0, "Cancel",
                                                         CURSDIALOG_DEFAULT_button_close, nullptr, 0));
-}
-
-void stop_tuning(GENERICPID_prv_data* pd, DWORD /*uid*/) {
-    COMMAND_send(pd, MSG_GENERICPID_TUNING_STOP);
 }
 
 // Starting and stopping are two rows of which the menu shows one, so that a button does what it said when the
@@ -138,14 +130,9 @@ constexpr INSTDISP_menu_row<GENERICPID_prv_data> MENU[] = {
      .label = "4 Change PID parameters",
      .action = GENERICPID_open_params,
      .guard = COMMAND_PASSWORD},
+    {.hot_key = '5', .action = GENERICPID_open_tuning, .guard = COMMAND_PASSWORD, .label_of = start_label},
     {.hot_key = '5',
-     .label = nullptr,
-     .action = GENERICPID_open_tuning,
-     .guard = COMMAND_PASSWORD,
-     .label_of = start_label},
-    {.hot_key = '5',
-     .label = nullptr,
-     .action = stop_tuning,
+     .action = COMMAND_issue<MSG_GENERICPID_TUNING_STOP>,
      .guard = COMMAND_PASSWORD,
      .label_of = stop_label},
 };

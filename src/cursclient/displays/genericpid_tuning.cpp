@@ -9,9 +9,11 @@ namespace {
 
 // The rules that make parameters of what tuning measures.
 constexpr FORM_choice g_genericpidtuningtypes[] = {
-    {GENERICPID_TUNE_TLC_PID, "Tyreus-Luyben PID"},  {GENERICPID_TUNE_TLC_PI, "Tyreus-Luyben PI"},
-    {GENERICPID_TUNE_ZN_PID, "Ziegler-Nichols PID"}, {GENERICPID_TUNE_ZN_PI, "Ziegler-Nichols PI"},
-    {GENERICPID_TUNE_ZN_P, "Ziegler-Nichols P"},
+    {.value = GENERICPID_TUNE_TLC_PID, .label = "Tyreus-Luyben PID"},
+    {.value = GENERICPID_TUNE_TLC_PI, .label = "Tyreus-Luyben PI"},
+    {.value = GENERICPID_TUNE_ZN_PID, .label = "Ziegler-Nichols PID"},
+    {.value = GENERICPID_TUNE_ZN_PI, .label = "Ziegler-Nichols PI"},
+    {.value = GENERICPID_TUNE_ZN_P, .label = "Ziegler-Nichols P"},
 };
 static_assert(std::size(g_genericpidtuningtypes) == GENERICPID_TUNE_COUNT);
 

@@ -4,11 +4,12 @@
 
 namespace {
 
-constexpr SIZER_graph GRAPHS[] = {{"cum N(D)", "*~5.1f"}, {"dN", "*~5.1f"}};
+constexpr SIZER_graph GRAPHS[] = {{.caption = "cum N(D)", .y_format = "*~5.1f"},
+                                  {.caption = "dN", .y_format = "*~5.1f"}};
 constexpr SIZER_column COLUMNS[] = {
-    {1, "    D", " (um)", "*~2.2f"},
-    {9, "        dN", "   (cm^-3)", "   *~5.1f"},
-    {19, "  cum N(D)", "   (cm^-3)", "   *~5.1f"},
+    {.col = 1, .title = "    D", .units = " (um)", .format = "*~2.2f"},
+    {.col = 9, .title = "        dN", .units = "   (cm^-3)", .format = "   *~5.1f"},
+    {.col = 19, .title = "  cum N(D)", .units = "   (cm^-3)", .format = "   *~5.1f"},
 };
 
 struct GRIMM_prv_data : SIZER_optical<NET_GRIMM_BINS, NET_GRIMM_Avg, NET_GRIMM_Instant, NET_GRIMM_Status> {
@@ -18,15 +19,9 @@ struct GRIMM_prv_data : SIZER_optical<NET_GRIMM_BINS, NET_GRIMM_Avg, NET_GRIMM_I
     static constexpr SIZER_row ROW{.cols = 54,
                                    .rows = 22,
                                    .bar_col = 8,
-                                   .bar_width = 1,
-                                   .label_row = 20,
                                    .labels = 4,
                                    .x_format = "*~.1f",
                                    .graphs = GRAPHS,
-                                   .graph_keys = "N",
-                                   .table_row = 2,
-                                   .bins_per_page = 16,
-                                   .last_page = 1,
                                    .columns = COLUMNS};
 
     void housekeeping(const CANVAS& d) const {

@@ -4,11 +4,12 @@
 
 namespace {
 
-constexpr SIZER_graph GRAPHS[] = {{"cum N(D)", "*~6.1f"}, {"dN", "*~6.1f"}};
+constexpr SIZER_graph GRAPHS[] = {{.caption = "cum N(D)", .y_format = "*~6.1f"},
+                                  {.caption = "dN", .y_format = "*~6.1f"}};
 constexpr SIZER_column COLUMNS[] = {
-    {1, "     D", "  (um)", "*~3.2f"},
-    {9, "        dN", "   (cm^-3)", " *~7.1f"},
-    {19, "  cum N(D)", "   (cm^-3)", " *~7.1f"},
+    {.col = 1, .title = "     D", .units = "  (um)", .format = "*~3.2f"},
+    {.col = 9, .title = "        dN", .units = "   (cm^-3)", .format = " *~7.1f"},
+    {.col = 19, .title = "  cum N(D)", .units = "   (cm^-3)", .format = " *~7.1f"},
 };
 
 struct LASAIR_prv_data
@@ -20,14 +21,9 @@ struct LASAIR_prv_data
                                    .rows = 22,
                                    .bar_col = 11,
                                    .bar_width = 2,
-                                   .label_row = 20,
                                    .labels = 3,
                                    .x_format = "*~.2f",
                                    .graphs = GRAPHS,
-                                   .graph_keys = "N",
-                                   .table_row = 2,
-                                   .bins_per_page = 16,
-                                   .last_page = 1,
                                    .columns = COLUMNS};
 
     void housekeeping(const CANVAS& d) const {

@@ -45,18 +45,16 @@ void draw(MAAP_prv_data* pd, const CANVAS& d) {
     draw_status(pd->status, d);
 }
 
-void advance_tape(MAAP_prv_data* pd, DWORD /*uid*/) {
-    COMMAND_send(pd, MSG_MAAP_ADVANCE);
-}
-
 using store = INSTDISP_store<MAAP_prv_data>;
 constexpr store STORES[] = {
     store::into<&MAAP_prv_data::report>(MSG_MAAP_REPORT),
     store::into<&MAAP_prv_data::filter>(MSG_MAAP_FILTER),
     store::into<&MAAP_prv_data::status>(MSG_MAAP_STATUS),
 };
-constexpr INSTDISP_menu_row<MAAP_prv_data> MENU[] = {
-    {.hot_key = '2', .label = "Advance filter tape", .action = advance_tape, .guard = COMMAND_PASSWORD}};
+constexpr INSTDISP_menu_row<MAAP_prv_data> MENU[] = {{.hot_key = '2',
+                                                      .label = "Advance filter tape",
+                                                      .action = COMMAND_issue<MSG_MAAP_ADVANCE>,
+                                                      .guard = COMMAND_PASSWORD}};
 constexpr INSTDISP_kind<MAAP_prv_data> KIND{
     .cols = 34, .rows = 18, .stores = STORES, .draw = draw, .menu = MENU};
 

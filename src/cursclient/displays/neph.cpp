@@ -83,18 +83,29 @@ constexpr auto STORES = SPANCHECK_stores<NEPH_prv_data>(
     store::into<&NEPH_prv_data::status>(MSG_NEPH_STATUS));
 
 constexpr INSTDISP_menu_row<NEPH_prv_data> MENU[] = {
-    NEPH_MODE_ROW<NEPH_prv_data>,
+    INSTDISP_MODE_ROW<NEPH_prv_data, '2'>,
     NEPH_ZERO_ROW<NEPH_prv_data, MSG_NEPH_ISSUE_ZERO>,
-    {'4', "4 Change parameters", NEPH_open_parameters, COMMAND_PASSWORD},
-    {'5', nullptr, NEPH_sc_button_begin_passwd, COMMAND_PASSWORD, SPANCHECK_begin_label<NEPH_prv_data, '5'>},
-    {'5', nullptr, NEPH_sc_button_abort_passwd, COMMAND_PASSWORD, SPANCHECK_abort_label<NEPH_prv_data, '5'>},
-    {'6', nullptr, NEPH_button_show_sc_win_close, COMMAND_FREE,
-     SPANCHECK_show_running_label<NEPH_prv_data, '6'>},
-    {'6', nullptr, NEPH_button_show_sc_win_close, COMMAND_FREE,
-     SPANCHECK_show_results_label<NEPH_prv_data, '6'>},
+    {.hot_key = '4',
+     .label = "4 Change parameters",
+     .action = NEPH_open_parameters,
+     .guard = COMMAND_PASSWORD},
+    {.hot_key = '5',
+     .action = NEPH_sc_button_begin_passwd,
+     .guard = COMMAND_PASSWORD,
+     .label_of = SPANCHECK_begin_label<NEPH_prv_data, '5'>},
+    {.hot_key = '5',
+     .action = NEPH_sc_button_abort_passwd,
+     .guard = COMMAND_PASSWORD,
+     .label_of = SPANCHECK_abort_label<NEPH_prv_data, '5'>},
+    {.hot_key = '6',
+     .action = NEPH_button_show_sc_win_close,
+     .label_of = SPANCHECK_show_running_label<NEPH_prv_data, '6'>},
+    {.hot_key = '6',
+     .action = NEPH_button_show_sc_win_close,
+     .label_of = SPANCHECK_show_results_label<NEPH_prv_data, '6'>},
     NEPH_COUNTS_ROW<NEPH_prv_data>,
 };
-constexpr INSTDISP_menu_row<NEPH_prv_data> PASSIVE_MENU[] = {NEPH_MODE_ROW<NEPH_prv_data>,
+constexpr INSTDISP_menu_row<NEPH_prv_data> PASSIVE_MENU[] = {INSTDISP_MODE_ROW<NEPH_prv_data, '2'>,
                                                              NEPH_COUNTS_ROW<NEPH_prv_data>};
 
 constexpr auto KIND = SPANCHECK_kind<NEPH_prv_data, MSG_LOG_AVG_BYPASS>(

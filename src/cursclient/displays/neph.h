@@ -11,7 +11,7 @@ struct NEPH_prv_data : SPANCHECK_head {
     NET_NEPH_Modes modes;
     NET_NEPH_Config config;  // as the instrument last reported it
     NET_NEPH_Status status;
-    int display_mode;  // NEPH_mode
+    int display_mode;  // INSTDISP_mode
     BOOL display_counts;
 };
 

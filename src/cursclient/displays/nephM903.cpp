@@ -32,9 +32,9 @@ void draw_status(NEPHM903_prv_data* pd, const CANVAS& d) {
 void draw(NEPHM903_prv_data* pd, const CANVAS& d) {
     d.text(1, INSTANT, " Instant");
     d.text(1, AVERAGE, " Average");
-    row(d, 2, pd, "Bs (1/Mm):", " *~5.1f", [](const auto& r) { return NEPH_per_Mm(r.bspg); });
+    row(d, 2, pd, "Bs (1/Mm):", " *~5.1f", [](const auto& r) { return INSTDISP_per_Mm(r.bspg); });
     // The reference is shown on the scale of the scattering.
-    row(d, 3, pd, "Green ref:", " *~5.1f", [](const auto& r) { return NEPH_per_Mm(r.greenref); });
+    row(d, 3, pd, "Green ref:", " *~5.1f", [](const auto& r) { return INSTDISP_per_Mm(r.greenref); });
     row(d, 4, pd, "T inlet (C):", "    *~2.1f", [](const auto& r) { return r.T_inlet; });
     row(d, 5, pd, "RH inlet (%):", "    *~2.1f", [](const auto& r) { return r.RH_inlet; });
     row(d, 6, pd, "T neph (C):", "    *~2.1f", [](const auto& r) { return r.T_neph; });
@@ -50,14 +50,20 @@ constexpr auto STORES =
                                         store::into<&NEPHM903_prv_data::status>(MSG_NEPHM903_STATUS));
 
 constexpr INSTDISP_menu_row<NEPHM903_prv_data> MENU[] = {
-    {'2', nullptr, NEPHM903_sc_button_begin_passwd, COMMAND_PASSWORD,
-     SPANCHECK_begin_label<NEPHM903_prv_data, '2'>},
-    {'2', nullptr, NEPHM903_sc_button_abort_passwd, COMMAND_PASSWORD,
-     SPANCHECK_abort_label<NEPHM903_prv_data, '2'>},
-    {'3', nullptr, NEPHM903_button_show_sc_win_close, COMMAND_FREE,
-     SPANCHECK_show_running_label<NEPHM903_prv_data, '3'>},
-    {'3', nullptr, NEPHM903_button_show_sc_win_close, COMMAND_FREE,
-     SPANCHECK_show_results_label<NEPHM903_prv_data, '3'>},
+    {.hot_key = '2',
+     .action = NEPHM903_sc_button_begin_passwd,
+     .guard = COMMAND_PASSWORD,
+     .label_of = SPANCHECK_begin_label<NEPHM903_prv_data, '2'>},
+    {.hot_key = '2',
+     .action = NEPHM903_sc_button_abort_passwd,
+     .guard = COMMAND_PASSWORD,
+     .label_of = SPANCHECK_abort_label<NEPHM903_prv_data, '2'>},
+    {.hot_key = '3',
+     .action = NEPHM903_button_show_sc_win_close,
+     .label_of = SPANCHECK_show_running_label<NEPHM903_prv_data, '3'>},
+    {.hot_key = '3',
+     .action = NEPHM903_button_show_sc_win_close,
+     .label_of = SPANCHECK_show_results_label<NEPHM903_prv_data, '3'>},
 };
 
 constexpr auto KIND = SPANCHECK_kind<NEPHM903_prv_data, MSG_LOG_AVG_CONTAMINATION>(

@@ -8,7 +8,7 @@ struct NEPHAURORA3000_prv_data : SPANCHECK_head {
     NET_NEPHAURORA3000_ZeroSchedule zero_schedule;
     NET_NEPHAURORA3000_Modes modes;
     NET_NEPHAURORA3000_Status status;
-    int display_mode;  // NEPH_mode
+    int display_mode;  // INSTDISP_mode
     BOOL display_counts;
 };
 SPANCHECK_BINDINGS(NEPHAURORA3000)
@@ -62,15 +62,23 @@ constexpr auto STORES = SPANCHECK_stores<R>(
     store::into<&R::modes>(MSG_NEPHAURORA3000_MODES), store::into<&R::status>(MSG_NEPHAURORA3000_STATUS));
 
 constexpr INSTDISP_menu_row<R> MENU[] = {
-    NEPH_MODE_ROW<R>,
+    INSTDISP_MODE_ROW<R, '2'>,
     NEPH_ZERO_ROW<R, MSG_NEPHAURORA3000_ISSUE_ZERO>,
-    {'4', nullptr, NEPHAURORA3000_sc_button_begin_passwd, COMMAND_PASSWORD, SPANCHECK_begin_label<R, '4'>},
-    {'4', nullptr, NEPHAURORA3000_sc_button_abort_passwd, COMMAND_PASSWORD, SPANCHECK_abort_label<R, '4'>},
+    {.hot_key = '4',
+     .action = NEPHAURORA3000_sc_button_begin_passwd,
+     .guard = COMMAND_PASSWORD,
+     .label_of = SPANCHECK_begin_label<R, '4'>},
+    {.hot_key = '4',
+     .action = NEPHAURORA3000_sc_button_abort_passwd,
+     .guard = COMMAND_PASSWORD,
+     .label_of = SPANCHECK_abort_label<R, '4'>},
     // Two keys for one window: one while a span check runs, the other afterwards.
-    {'6', nullptr, NEPHAURORA3000_button_show_sc_win_close, COMMAND_FREE,
-     SPANCHECK_show_running_label<R, '6'>},
-    {'5', nullptr, NEPHAURORA3000_button_show_sc_win_close, COMMAND_FREE,
-     SPANCHECK_show_results_label<R, '5'>},
+    {.hot_key = '6',
+     .action = NEPHAURORA3000_button_show_sc_win_close,
+     .label_of = SPANCHECK_show_running_label<R, '6'>},
+    {.hot_key = '5',
+     .action = NEPHAURORA3000_button_show_sc_win_close,
+     .label_of = SPANCHECK_show_results_label<R, '5'>},
     NEPH_COUNTS_ROW<R>,
 };
 

@@ -22,10 +22,12 @@ void send_parameters(NEPH_prv_data* pd, const NEPH_parameters& wanted) {
         COMMAND_send(pd, MSG_NEPH_OVERRIDEPARAMS, NET_NEPH_OverrideParams{wanted.v});
 }
 
-constexpr FORM_choice SMB[] = {{TRUE, "Backscatter mode"}, {FALSE, "Total mode"}};
-constexpr FORM_choice LAMP[] = {{TRUE, "Lamp ON"}, {FALSE, "Lamp OFF"}};
-constexpr FORM_choice VALVE[] = {
-    {VALVE_UNCHANGED, "Zero valve unchanged"}, {0, "Zero valve off"}, {1, "Zero valve on"}};
+constexpr FORM_choice SMB[] = {{.value = TRUE, .label = "Backscatter mode"},
+                               {.value = FALSE, .label = "Total mode"}};
+constexpr FORM_choice LAMP[] = {{.value = TRUE, .label = "Lamp ON"}, {.value = FALSE, .label = "Lamp OFF"}};
+constexpr FORM_choice VALVE[] = {{.value = VALVE_UNCHANGED, .label = "Zero valve unchanged"},
+                                 {.value = 0, .label = "Zero valve off"},
+                                 {.value = 1, .label = "Zero valve on"}};
 
 using form = FORM<NEPH_prv_data, NEPH_parameters>;
 using config = NEPH_parameters;

@@ -13,16 +13,11 @@ struct PAX_prv_data : INSTDISP_head {
     NET_PAX_Instant instant;
     NET_PAX_Status status;
     NET_PAX_Zero zero;
-    int display_mode;  // see INSTDISP_next_mode
+    int display_mode;  // INSTDISP_mode
 };
 
 // Columns of labels and values, left and right.
 constexpr int L = 1, LV = 19, R = 32, RV = 52;
-
-const NET_PAX_Reading& shown(const PAX_prv_data* pd) {
-    if (pd->display_mode == 1) return pd->instant.ra;
-    return pd->display_mode == 2 ? pd->avg : pd->instant.in;
-}
 
 void draw_measurement(const NET_PAX_Reading& r, const NET_PAX_Zero& zero, const CANVAS& d) {
     d.field(1, L, "Scattering (Mm-1):", LV, "  *~4.2f", r.bs);
@@ -52,40 +47,24 @@ void draw_housekeeping(const NET_PAX_Reading& r, const CANVAS& d) {
     d.field(12, R, "Q Factor:", RV, "*~4.2f", r.qFactor);
 }
 
-// Without a time of the next mode the buffer still holds the Q factor of the row above, and that text is what
-// operators see here.
-void draw_mode(PAX_prv_data* pd, const CANVAS& d) {
+// Without a time of the next mode the Q factor stands in its place once more: operators know the row so.
+void draw_mode(const NET_PAX_Instant& instant, const NET_PAX_Reading& r, const CANVAS& d) {
     static constexpr std::array NAMES{"     Measure", "        Zero", "       Flush", "Acoustic Cal"};
-    const std::int32_t mode = pd->instant.mode;
-    if (mode < 0 || mode >= static_cast<std::int32_t>(NAMES.size())) return;
+    if (instant.mode < 0 || instant.mode >= static_cast<std::int32_t>(NAMES.size())) return;
     d.text(13, L, "Mode:");
-    d.text(13, 16, NAMES[static_cast<std::size_t>(mode)]);
-    const FTIME next = pd->instant.next_mode;
-    if (next != VESK_NO_TIME)
-        SFMT_printf(&pd->sbfr, "NEXT AT %s", INSTDISP_time(std::floor(next + 0.5)).c_str());
-    d.text(13, R, SFMT_get_buffer(&pd->sbfr));
+    d.text(13, 16, NAMES[static_cast<std::size_t>(instant.mode)]);
+    if (instant.next_mode != VESK_NO_TIME)
+        d.put(13, R, "NEXT AT %s", INSTDISP_time(std::floor(instant.next_mode + 0.5)).c_str());
+    else
+        d.put(13, R, "*~4.2f", r.qFactor);
 }
 
 void draw(PAX_prv_data* pd, const CANVAS& d) {
-    const NET_PAX_Reading& r = shown(pd);
+    const NET_PAX_Reading& r = INSTDISP_by_mode(pd->display_mode, pd->instant.in, pd->instant.ra, pd->avg);
     draw_measurement(r, pd->zero, d);
     d.rule(6);
     draw_housekeeping(r, d);
-    if (!d.no_comms(13, pd->status.have_comms)) draw_mode(pd, d);
-}
-
-void next_display(PAX_prv_data* pd, DWORD /*uid*/) {
-    pd->display_mode = INSTDISP_next_mode(pd->display_mode);
-}
-
-BOOL key_pressed(PAX_prv_data* pd, DWORD uid, int key) {
-    if (key != 'D' && key != 'd') return FALSE;
-    next_display(pd, uid);
-    return TRUE;
-}
-
-std::string mode_label(const PAX_prv_data* pd) {
-    return INSTDISP_mode_label('D', pd->display_mode);
+    if (!d.no_comms(13, pd->status.have_comms)) draw_mode(pd->instant, r, d);
 }
 
 using store = INSTDISP_store<PAX_prv_data>;
@@ -95,10 +74,13 @@ constexpr store STORES[] = {
     store::into<&PAX_prv_data::status>(MSG_PAX_STATUS),
     store::into<&PAX_prv_data::zero>(MSG_PAX_ZERO),
 };
-constexpr INSTDISP_menu_row<PAX_prv_data> MENU[] = {
-    {.hot_key = 'D', .label = nullptr, .action = next_display, .label_of = mode_label}};
-constexpr INSTDISP_kind<PAX_prv_data> KIND{
-    .cols = 60, .rows = 15, .stores = STORES, .draw = draw, .key = key_pressed, .menu = MENU};
+constexpr INSTDISP_menu_row<PAX_prv_data> MENU[] = {INSTDISP_MODE_ROW<PAX_prv_data, 'D'>};
+constexpr INSTDISP_kind<PAX_prv_data> KIND{.cols = 60,
+                                           .rows = 15,
+                                           .stores = STORES,
+                                           .draw = draw,
+                                           .key = INSTDISP_mode_key<PAX_prv_data>,
+                                           .menu = MENU};
 
 }  // namespace
 

@@ -17,16 +17,19 @@ enum SEMS_GRAPH_MODE {
     SEMS_GM_N_DOWN
 };
 constexpr SIZER_graph GRAPHS[] = {
-    {"dN/dlogD, upward sweep", "*~.1e"},  {"dN/dlogD, downward sweep", "*~.1e"},
-    {"dV/dlogD, upward sweep", "*~.1e"},  {"dV/dlogD, downward sweep", "*~.1e"},
-    {"cum N(D), upward sweep", "*~7.0f"}, {"cum N(D), downward sweep", "*~7.0f"},
+    {.caption = "dN/dlogD, upward sweep", .y_format = "*~.1e"},
+    {.caption = "dN/dlogD, downward sweep", .y_format = "*~.1e"},
+    {.caption = "dV/dlogD, upward sweep", .y_format = "*~.1e"},
+    {.caption = "dV/dlogD, downward sweep", .y_format = "*~.1e"},
+    {.caption = "cum N(D), upward sweep", .y_format = "*~7.0f"},
+    {.caption = "cum N(D), downward sweep", .y_format = "*~7.0f"},
 };
 constexpr SIZER_column COLUMNS[] = {
-    {1, "    D", " (nm)", "*~5.0f"},
-    {9, "        dN", "   (cm^-3)", "*~1.3.02e"},
-    {19, "  cum N(D)", "   (cm^-3)", "*~4.1f"},
-    {31, "  dN/dlogD", "   (cm^-3)", "*~1.3.02e"},
-    {45, "   dV/dlogD", "(um^3/cm^3)", "*~1.3.02e"},
+    {.col = 1, .title = "    D", .units = " (nm)", .format = "*~5.0f"},
+    {.col = 9, .title = "        dN", .units = "   (cm^-3)", .format = "*~1.3.02e"},
+    {.col = 19, .title = "  cum N(D)", .units = "   (cm^-3)", .format = "*~4.1f"},
+    {.col = 31, .title = "  dN/dlogD", .units = "   (cm^-3)", .format = "*~1.3.02e"},
+    {.col = 45, .title = "   dV/dlogD", .units = "(um^3/cm^3)", .format = "*~1.3.02e"},
 };
 
 struct SEMS_sweep {
@@ -52,8 +55,6 @@ struct SEMS_prv_data : SIZER_head {
     static constexpr SIZER_row ROW{.cols = 69,
                                    .rows = 22,
                                    .bar_col = 8,
-                                   .bar_width = 1,
-                                   .label_row = 20,
                                    .labels = 9,
                                    .x_format = "*~.0f",
                                    .graphs = GRAPHS,

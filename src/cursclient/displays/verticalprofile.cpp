@@ -59,10 +59,6 @@ void toggle_enabled(VERTICALPROFILE_prv_data* pd, DWORD /*uid*/) {
     COMMAND_send(pd, MSG_VERTICALPROFILE_SET_ENABLED, NET_VERTICALPROFILE_SetEnabled{!pd->vpa.enabled});
 }
 
-void reset_tasks(VERTICALPROFILE_prv_data* pd, DWORD /*uid*/) {
-    COMMAND_send(pd, MSG_VERTICALPROFILE_RESETTASKS);
-}
-
 void waypoint_chosen(CURSDIALOG_type*, void* dlg_user_data, CURSDIALOG_widget*, void* wd_user_data,
                      CURSDIALOG_button_action* act) {
     act->close_dialog = TRUE;
@@ -101,15 +97,11 @@ void* VERTICALPROFILE_match(void* prv_data, DISPLAY_common_params*, DISPLAY_msg_
 using store = INSTDISP_store<VERTICALPROFILE_prv_data>;
 constexpr store STORES[] = {store::into<&VERTICALPROFILE_prv_data::vpa>(MSG_VERTICALPROFILE_ALL)};
 constexpr INSTDISP_menu_row<VERTICALPROFILE_prv_data> MENU[] = {
-    {.hot_key = '2',
-     .label = nullptr,
-     .action = toggle_enabled,
-     .guard = COMMAND_PASSWORD,
-     .label_of = enable_label},
+    {.hot_key = '2', .action = toggle_enabled, .guard = COMMAND_PASSWORD, .label_of = enable_label},
     {.hot_key = '3', .label = "3 Select site waypoint", .action = select_waypoint, .guard = COMMAND_PASSWORD},
     {.hot_key = '4',
      .label = "4 Reset tasks to preflight state",
-     .action = reset_tasks,
+     .action = COMMAND_issue<MSG_VERTICALPROFILE_RESETTASKS>,
      .guard = COMMAND_PASSWORD},
 };
 constexpr INSTDISP_kind<VERTICALPROFILE_prv_data> KIND{.cols = 29,

@@ -46,6 +46,12 @@ BOOL COMMAND_queue(NETMSG_type msg, DWORD flags, const char* dest, const void* p
                    const char* record);
 void COMMAND_set_sender(COMMAND_sender sender);
 
+// The action of a command without a value.
+template <NETMSG_type MSG, class R>
+void COMMAND_issue(R* pd, DWORD /*uid*/) {
+    COMMAND_send(pd, MSG);
+}
+
 template <class Record>
 BOOL COMMAND_send(const INSTDISP_head* pd, NETMSG_type msg, Record record) {
     return COMMAND_queue(msg, 0, pd->name, &record, sizeof record, NETDSD_of<Record>()->name);

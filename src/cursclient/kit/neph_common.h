@@ -11,13 +11,6 @@ inline constexpr int NEPH_LEFT_VALUE = 18;
 inline constexpr int NEPH_RIGHT_LABEL = 30;
 inline constexpr int NEPH_RIGHT_VALUE = 44;
 
-enum NEPH_mode { NEPH_INSTANTANEOUS, NEPH_RUNNING_AVERAGE, NEPH_LAST_AVERAGE };
-
-// 1/m as Mm-1; missing stays missing.
-[[nodiscard]] constexpr double NEPH_per_Mm(double per_m) {
-    return VESK_scaled(per_m, 1e6);
-}
-
 // Row 1.
 void NEPH_draw_headings(const CANVAS& d);
 // Fault, span check or the next zero.
@@ -27,7 +20,7 @@ void NEPH_draw_status(const CANVAS& d, int row, const SPANCHECK_head* pd, BOOL h
 template <class Scattering, class Zero>
 void NEPH_draw_scattering(const CANVAS& d, const Scattering& s, const Zero& zero) {
     const auto row = [&d](int y, const char* label, auto value) {
-        d.across(y, label, NEPH_COLUMNS, "*~5.1f", [&](int i) { return NEPH_per_Mm(value(i)); });
+        d.across(y, label, NEPH_COLUMNS, "*~5.1f", [&](int i) { return INSTDISP_per_Mm(value(i)); });
     };
     row(2, "Bsp:", [&](int i) { return s.bsp[i]; });
     row(3, "Bbsp:", [&](int i) { return s.bbsp[i]; });
@@ -41,38 +34,34 @@ void NEPH_draw_scattering(const CANVAS& d, const Scattering& s, const Zero& zero
 // shown of them.
 template <class R, class Draw>
 void NEPH_with_view(const R* pd, Draw draw) {
-    if (pd->display_mode <= NEPH_INSTANTANEOUS) return draw(pd->instant);
-    if (pd->display_mode == NEPH_RUNNING_AVERAGE) return draw(pd->instant.running);
+    if (pd->display_mode <= INSTDISP_INSTANTANEOUS) return draw(pd->instant);
+    if (pd->display_mode == INSTDISP_RUNNING_AVERAGE) return draw(pd->instant.running);
     draw(pd->avg);
 }
 
 template <class R>
-void NEPH_toggle_counts(R* pd) {
+void NEPH_toggle_counts(R* pd, DWORD /*uid*/) {
     pd->display_counts = !pd->display_counts;
 }
 
 // Keys besides the standard ones.
 template <class R>
-[[nodiscard]] BOOL NEPH_key(R* pd, DWORD /*uid*/, int key) {
+[[nodiscard]] BOOL NEPH_key(R* pd, DWORD uid, int key) {
     if (key != 'S' && key != 's') return SPANCHECK_key(pd, key);
-    NEPH_toggle_counts(pd);
+    NEPH_toggle_counts(pd, uid);
     return TRUE;
 }
 
 // ---- rows of the menu
 
 template <class R>
-inline constexpr INSTDISP_menu_row<R> NEPH_MODE_ROW{
-    '2', nullptr, [](R* pd, DWORD) { pd->display_mode = INSTDISP_next_mode(pd->display_mode); }, COMMAND_FREE,
-    [](const R* pd) { return INSTDISP_mode_label('2', pd->display_mode); }};
-
-template <class R>
 inline constexpr INSTDISP_menu_row<R> NEPH_COUNTS_ROW{
-    'S', nullptr, [](R* pd, DWORD) { NEPH_toggle_counts(pd); }, COMMAND_FREE,
-    [](const R* pd) -> std::string {
+    .hot_key = 'S', .action = NEPH_toggle_counts<R>, .label_of = [](const R* pd) -> std::string {
         return pd->display_counts ? "S Display scattering" : "S Display counts";
     }};
 
 template <class R, NETMSG_type ISSUE_ZERO>
-inline constexpr INSTDISP_menu_row<R> NEPH_ZERO_ROW{
-    '3', "3 Start zero now", [](R* pd, DWORD) { COMMAND_send(pd, ISSUE_ZERO); }, COMMAND_PASSWORD};
+inline constexpr INSTDISP_menu_row<R> NEPH_ZERO_ROW{.hot_key = '3',
+                                                    .label = "3 Start zero now",
+                                                    .action = COMMAND_issue<ISSUE_ZERO>,
+                                                    .guard = COMMAND_PASSWORD};

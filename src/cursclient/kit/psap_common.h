@@ -56,7 +56,6 @@ template <class R>
 
 template <class R, NETMSG_type SET>
 inline constexpr INSTDISP_menu_row<R> PSAP_MENU[] = {{.hot_key = '2',
-                                                      .label = nullptr,
                                                       .action = PSAP_change_filter<R, SET>,
                                                       .guard = COMMAND_PASSWORD,
                                                       .label_of = PSAP_filter_label<R>}};

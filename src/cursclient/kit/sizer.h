@@ -83,15 +83,17 @@ struct SIZER_column {
 };
 
 struct SIZER_row {
-    int cols, rows;         // of the window
-    int bar_col;            // of the first bin's bar
-    int bar_width;          // columns of each bar
-    int label_row, labels;  // where the diameters stand, and how many of them, first and last bin included
+    int cols, rows;      // of the window
+    int bar_col;         // of the first bin's bar
+    int bar_width = 1;   // columns of each bar
+    int label_row = 20;  // where the diameters stand
+    int labels;          // how many of them, first and last bin included
     SFMT_altformat<double> x_format;
     std::span<const SIZER_graph> graphs;  // by graph mode; each key leads to two of them
-    const char* graph_keys;               // upper case
-    int table_row;                        // of the titles
-    int bins_per_page, last_page;
+    const char* graph_keys = "N";         // upper case
+    int table_row = 2;                    // of the titles
+    int bins_per_page = 16;
+    int last_page = 1;
     std::span<const SIZER_column> columns;
 };
 
@@ -206,14 +208,17 @@ void SIZER_average_pressed(R* pd, DWORD /*uid*/) {
     pd->update_bins();
 }
 
-// The buttons of the modes, below what the kind has of its own.
+// The menu: the kind's own rows, then the buttons of the modes.
+template <class R, class... Rows>
+[[nodiscard]] constexpr std::array<INSTDISP_menu_row<R>, sizeof...(Rows) + 4> SIZER_optical_menu(
+    const Rows&... rows) {
+    return {{rows...,
+             SIZER_menu_key<R, 'N', SIZER_optical_key<R>>("N Display cum N(D)/dN"),
+             SIZER_menu_key<R, 'T', SIZER_optical_key<R>>("T Display tabular mode"),
+             SIZER_menu_key<R, 'H', SIZER_optical_key<R>>("H Display housekeeping information"),
+             {.hot_key = 'A', .action = SIZER_average_pressed<R>, .label_of = [](const R* pd) {
+                  return SIZER_average_label(pd->am);
+              }}}};
+}
 template <class R>
-inline constexpr std::array<INSTDISP_menu_row<R>, 4> SIZER_OPTICAL_MENU = {{
-    SIZER_menu_key<R, 'N', SIZER_optical_key<R>>("N Display cum N(D)/dN"),
-    SIZER_menu_key<R, 'T', SIZER_optical_key<R>>("T Display tabular mode"),
-    SIZER_menu_key<R, 'H', SIZER_optical_key<R>>("H Display housekeeping information"),
-    {.hot_key = 'A',
-     .label = nullptr,
-     .action = SIZER_average_pressed<R>,
-     .label_of = [](const R* pd) { return SIZER_average_label(pd->am); }},
-}};
+inline constexpr auto SIZER_OPTICAL_MENU = SIZER_optical_menu<R>();

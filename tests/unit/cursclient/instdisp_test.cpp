@@ -71,7 +71,9 @@ constexpr INSTDISP_store<TESTER_prv_data> STORES[] = {
         MSG_CPC_3010_AVERAGE, [](TESTER_prv_data* pd, FTIME curtime) { pd->stored_at = curtime; }),
     INSTDISP_store<TESTER_prv_data>::into<&TESTER_prv_data::status>(MSG_CPC_3010_STATUS)};
 constexpr INSTDISP_menu_row<TESTER_prv_data> MENU[] = {
-    {'3', "3 Ask", ask}, {'4', nullptr, next_mode, COMMAND_FREE, mode_label}, {'5', "5 Last", next_mode}};
+    {.hot_key = '3', .label = "3 Ask", .action = ask},
+    {.hot_key = '4', .action = next_mode, .label_of = mode_label},
+    {.hot_key = '5', .label = "5 Last", .action = next_mode}};
 constexpr INSTDISP_kind<TESTER_prv_data> KIND{
     .cols = 30,
     .rows = 7,
