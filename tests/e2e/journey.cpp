@@ -167,9 +167,3 @@ testing::AssertionResult left_restored(Terminal& console, int code) {
     if (console.settings_changed()) return testing::AssertionFailure() << "the line settings changed";
     return testing::AssertionSuccess();
 }
-
-void save_screen(const Terminal& console, const std::string& name) {
-    const char* folder = std::getenv("VESK_SCREENS");
-    if (folder != nullptr)
-        std::ofstream(std::string(folder) + "/" + name + ".svg") << console.svg("vesk.cursclient");
-}

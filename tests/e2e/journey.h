@@ -39,5 +39,3 @@ void report_reading(Process& counter, double concentration);
 [[nodiscard]] testing::AssertionResult stands_at(Terminal& console, std::string_view title, int row, int col);
 // The program has ended with `code` and left its terminal as it found it.
 [[nodiscard]] testing::AssertionResult left_restored(Terminal& console, int code = 0);
-// For the documents: writes the screen as NAME.svg into the folder that VESK_SCREENS names, if it names one.
-void save_screen(const Terminal& console, const std::string& name);

@@ -84,6 +84,7 @@ class ScreenFile : public ScreenPlay {
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
+    setenv("TZ", "UTC", 1);
     for (int i = 1; i < argc; ++i) {
         const std::filesystem::path path = argv[i];
         testing::RegisterTest(path.parent_path().filename().c_str(), path.stem().c_str(), nullptr, nullptr,

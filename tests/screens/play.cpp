@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "cursclient/cursclient.h"
+#include "cursclient/debug.h"
 #include "libvesk/messages/records/server.h"
 #include "libveskcurs/curskeys.h"
 #include "peer/json_line.h"
@@ -77,10 +78,20 @@ Look look_at(int y, int x) {
     return {TestScreen::color_pair(newscr, y, x), (attributes & A_BOLD) != 0, (attributes & A_REVERSE) != 0};
 }
 
-std::string with_light_sides(std::string text) {
-    for (std::size_t at = 0; (at = text.find("┃", at)) != std::string::npos;)
-        text.replace(at, std::string_view("┃").size(), "│");
+// But for the top of a frame.
+std::string with_light_frame(std::string text) {
+    static constexpr struct {
+        std::string_view heavy, light;
+    } LINES_BELOW[] = {{"┃", "│"}, {"┣", "├"}, {"┫", "┤"}, {"┗", "└"}, {"┛", "┘"}, {"━", "─"}};
+    if (text.find("┏") != std::string::npos) return text;
+    for (const auto& [heavy, light] : LINES_BELOW)
+        for (std::size_t at = 0; (at = text.find(heavy, at)) != std::string::npos;)
+            text.replace(at, heavy.size(), light);
     return text;
+}
+
+bool is_blank(const std::string& text) {
+    return with_light_frame(text).find_first_not_of(" │") == std::string::npos;
 }
 
 // The letter of a pair of colours, a capital when the text is bold; a blank for white on blue, and for bold
@@ -98,6 +109,19 @@ char letter_of(Look look, wchar_t c, bool in_border) {
     const char letter = look.bold ? BOLD[pair] : PLAIN[pair];
     if (!in_border) return letter;
     return letter == 'Y' ? ' ' : letter == ' ' ? '.' : letter;
+}
+
+// Runs of the same letter as " : r6-15 Y20", columns from 0; a run goes on across blanks.
+std::string spans_of(const std::string& looks) {
+    std::string spans;
+    for (std::size_t from = looks.find_first_not_of(' '); from != std::string::npos;) {
+        const std::size_t next = looks.find_first_not_of(std::string(" ") + looks[from], from);
+        const std::size_t last = looks.find_last_of(looks[from], next == std::string::npos ? next : next - 1);
+        spans += (spans.empty() ? " : " : " ") + std::string(1, looks[from]) + std::to_string(from);
+        if (last > from) spans += '-' + std::to_string(last);
+        from = next;
+    }
+    return spans;
 }
 
 TerminalCell picture_cell(int y, int x) {
@@ -120,10 +144,19 @@ TerminalCell picture_cell(int y, int x) {
 bool is_expected(std::string_view line) {
     return !line.empty() &&
            (line.front() == ' ' || std::isdigit(static_cast<unsigned char>(line.front())) != 0 ||
-            line.starts_with("sent "));
+            line.starts_with("sent ") || line.starts_with("same "));
 }
 
 }  // namespace
+
+ScreenPlay::ScreenPlay() {
+    EXPECT_TRUE(DEBUG_preinit() && DEBUG_init());
+}
+
+ScreenPlay::~ScreenPlay() {
+    DEBUG_cleanup();
+    DEBUG_release_stderr();
+}
 
 std::string ScreenPlay::play(const std::string& text) {
     std::istringstream lines(text);
@@ -137,20 +170,25 @@ std::string ScreenPlay::play(const std::string& text) {
         }
         out_ += written + '\n';
         SCOPED_TRACE(line);
+        if (line.empty() || line.front() == '#') continue;
         step(line);
         note_sent();
+        if (watching_) tell_screen();
     }
     return out_;
 }
 
 void ScreenPlay::step(const std::string& line) {
-    if (line.empty() || line.front() == '#') return;
     if (line.front() == '{') return receive_line(line);
     const std::size_t blank = line.find(' ');
     const std::string word = line.substr(0, blank);
     const std::string rest = blank == std::string::npos ? "" : line.substr(blank + 1);
     if (word == "keys") return press_keys(rest);
-    if (word == "screen") return show_screen(rest);
+    if (word == "screen") tell_screen();
+    if (word == "known" || word == "picture") look_at_screen();
+    if (word == "picture" || (word == "screen" && !rest.empty())) draw(rest);
+    if (word == "screen" || word == "known" || word == "picture") return;
+    if (word == "watch" || word == "quiet") return void(watching_ = word == "watch");
     if (word == "terminal") return set_terminal(rest);
     if (word == "clock") return set_time(std::atof(rest.c_str()));
     if (word == "ticks") return void(g_tick += static_cast<DWORD>(std::atoi(rest.c_str())));
@@ -179,17 +217,23 @@ void ScreenPlay::receive_line(const std::string& line) {
     if (first) fit(win);
 }
 
+// As the loop hands it on.
+void ScreenPlay::press_key(int key) {
+    DEBUG_rawkeypress(key);
+    distribute_key(key);
+}
+
 void ScreenPlay::press_keys(std::string_view text) {
     while (!text.empty()) {
         const std::size_t end = text.front() == '<' ? text.find('>') : std::string_view::npos;
         if (end == std::string_view::npos) {
-            press(static_cast<unsigned char>(text.front()));
+            press_key(static_cast<unsigned char>(text.front()));
             text.remove_prefix(1);
             continue;
         }
         const int key = key_named(std::string(text.substr(1, end - 1)));
         EXPECT_NE(key, 0) << text;
-        press(key);
+        press_key(key);
         text.remove_prefix(end + 1);
     }
 }
@@ -198,7 +242,7 @@ void ScreenPlay::set_terminal(const std::string& size) {
     int lines = 0, cols = 0;
     ASSERT_EQ(std::sscanf(size.c_str(), "%dx%d", &cols, &lines), 2) << "COLSxLINES";
     sized_ = true;
-    rows_.clear();
+    screens_.clear();
     resize(lines, cols);
 }
 
@@ -229,20 +273,50 @@ ScreenPlay::Row ScreenPlay::row_of_screen(int y) {
     return row;
 }
 
-// A row is told when it is not as the screen before had it; that the sides of a frame became heavy or light
-// is told at its corners alone. The status bar is never told.
-void ScreenPlay::show_screen(const std::string& picture) {
-    redraw();
-    rows_.resize(static_cast<std::size_t>(LINES) - 1);
-    for (int y = 0; y < LINES - 1; ++y) {
-        const Row row = row_of_screen(y);
-        const Row before = std::exchange(rows_[static_cast<std::size_t>(y)], row);
-        if (with_light_sides(row.text) == with_light_sides(before.text) && row.looks == before.looks)
-            continue;
-        out_ += (y < 10 ? " " : "") + std::to_string(y) + (row.text.empty() ? "" : " ") + row.text + '\n';
-        if (!row.looks.empty()) out_ += "   " + row.looks + '\n';
+// The rows that are not as on the screen before, rows of blanks together; that a frame became heavy or
+// light is told at its top alone. The status bar is never told.
+std::string ScreenPlay::changed_rows(const Screen& before, const Screen& now) {
+    const auto changed = [&](std::size_t y) {
+        const Row was = y < before.size() ? before[y] : Row{};
+        return with_light_frame(now[y].text) != with_light_frame(was.text) || now[y].looks != was.looks;
+    };
+    std::string changes;
+    for (std::size_t y = 0; y < now.size(); ++y) {
+        if (!changed(y)) continue;
+        std::string line = (y < 10 ? " " : "") + std::to_string(y);
+        const std::size_t first = y;
+        while (is_blank(now[y].text) && y + 1 < now.size() && now[y + 1] == now[y] && changed(y + 1))
+            ++y;
+        if (y > first) line += '-' + std::to_string(y);
+        line += ' ' + now[y].text;
+        cut_blanks(&line);
+        changes += line + spans_of(now[y].looks) + '\n';
     }
-    if (!picture.empty()) pictures_[picture] = draw_picture({LINES, COLS}, picture_cell, "vesk.cursclient");
+    return changes;
+}
+
+void ScreenPlay::look_at_screen() {
+    ::redraw();
+    screens_.emplace_back();
+    for (int y = 0; y < LINES - 1; ++y)
+        screens_.back().push_back(row_of_screen(y));
+}
+
+// In one line when the screen is as it has been before.
+void ScreenPlay::tell_screen() {
+    look_at_screen();
+    const auto now = screens_.rbegin(), before = std::next(now);
+    const std::string changes =
+        before == screens_.rend() ? changed_rows({}, *now) : changed_rows(*before, *now);
+    const auto again = std::find(before, screens_.rend(), *now);
+    if (changes.empty() || again == screens_.rend())
+        out_ += changes;
+    else
+        out_ += "same as " + std::to_string(again - now) + " screens ago\n";
+}
+
+void ScreenPlay::draw(const std::string& picture) {
+    pictures_[picture] = draw_picture({LINES, COLS}, picture_cell, "vesk.cursclient");
 }
 
 void ScreenPlay::note_sent() {

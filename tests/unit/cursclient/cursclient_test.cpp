@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "cursclient/mainmenu.h"
 #include "support/display_rig.h"
 
 namespace {

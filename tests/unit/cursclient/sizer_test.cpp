@@ -94,41 +94,6 @@ TEST_F(Sizers, WithoutCommunicationsNothingElseShows) {
 
 // ---- the graph
 
-TEST_F(Sizers, TheGraphPutsBarsAndLabelsWhereTheyBelong) {
-    meet_grimm();
-    press('N');
-    get_grimm_diameters();
-    auto in = NETDSD_default<NET_GRIMM_Instant>();
-    for (std::size_t i = 0; i < NET_GRIMM_BINS; ++i)
-        in.dN[i] = static_cast<double>(i);
-    in.dN[20] = VESK_MISSING;
-    get(MSG_GRIMM_INSTANT, in);
-    // 0.6 rows a bin: bin 0 has no bar, bin 30 all 18 rows; the 21st is a gap.
-    EXPECT_EQ(inside(GRIMM), R"(
-                  dN - Instantanous
-   30.0                              #
-                                   ###
-   25.0                          #####
-                                ######
-                              ########
-   20.0                     ##########
-                            ##########
-                         ## ##########
-   15.0                #### ##########
-                      ##### ##########
-                    ####### ##########
-   10.0           ######### ##########
-                 ########## ##########
-               ############ ##########
-    5.0      ############## ##########
-            ############### ##########
-          ################# ##########
-    0.0 ################### ##########
-       1.0       11.0      21.0      31.0
-)");
-    EXPECT_EQ(color(GRIMM, 19, 38), CP_WHITE_BLUE);
-}
-
 TEST_F(Sizers, BarsAreRoundedAndBinsThatAreNoNumbersLeftOut) {
     struct {
         const char* what;
@@ -188,21 +153,6 @@ TEST_F(Sizers, TheCumulativeSumCarriesOverAGap) {
     EXPECT_EQ(row(GRIMM, 8), " 5.00         10.0      30.0");
 }
 
-TEST_F(Sizers, TheLasairsBarsAreTwoColumnsWide) {
-    meet_lasair();
-    get(MSG_LASAIR_INFO, NET_LASAIR_Info{{0.1, 0.2, 0.3, 0.4, 0.5, 0.7, 1, 2}});
-    auto in = NETDSD_default<NET_LASAIR_Instant>();
-    for (std::size_t i = 0; i < NET_LASAIR_BINS; ++i)
-        in.dN[i] = 1000;
-    get(MSG_LASAIR_INSTANT, in);
-    EXPECT_EQ(bars(LASAIR), "000000000000335588aaddffii") << "after the first, 18/7 rows more each";
-    EXPECT_EQ(row(LASAIR, 2), "  8000.0                ##");
-    EXPECT_EQ(row(LASAIR, 19), "  1000.0    ##############");
-    EXPECT_EQ(row(LASAIR, 20), "          0.10  0.40    2.00");
-    get(MSG_LASAIR_INFO, NET_LASAIR_Info{{0.1, 0.2, 0.3, 0.4, 0.5, 0.7, 1, 20000000}});
-    EXPECT_EQ(row(LASAIR, 20), "          0.10  0.40 20000000.00") << "a long label stays inside";
-}
-
 // ---- modes
 
 TEST_F(Sizers, TheDataSetChangesWithTheNextMessage) {
@@ -258,79 +208,6 @@ TEST_F(Sizers, PagesOfTheTable) {
     EXPECT_EQ(row(LASAIR, 12), "");
     press(KEY_NPAGE);
     EXPECT_EQ(row(LASAIR, 4), "") << "the second page is empty";
-}
-
-// ---- housekeeping
-
-TEST_F(Sizers, HousekeepingShowsTheInstantRecord) {
-    meet_grimm();
-    EXPECT_EQ(inside(GRIMM), "\n               cum N(D) - Instantanous\n") << "before any data";
-    press('S');
-    EXPECT_EQ(row(GRIMM, 5), "Location:        -1");
-    report("S11", MSG_GRIMM_INSTANT,
-           R"({"Q": 1.2, "flags": 65535, "loc": 1, "gf": 2, "batt": 98, "I_motor": 45,
-        "zero_filter": 0, "cal": 7, "sens": [11, 0, -13]})");
-    get(MSG_COMMON_CNC_INSTANT, NET_COMMON_CNC_Instant{1, 1234.56, 7});
-    receive("N61", MSG_COMMON_CNC_INSTANT, NET_COMMON_CNC_Instant{1, 9, 9});
-    press('h');
-    EXPECT_EQ(inside(GRIMM), R"(
-                    Housekeeping
-Conc (cm-3):   1234.6
-Flow (lpm):       1.200
-Error code:    65535
-Location:         1
-GF:               2
-Battery:         98
-Motor current:   45
-Zero filter:      0
-Calibration:      7
-Sens 1:          11
-Sens 2:           0
-Sens 3:         -13
-)") << "another instrument's concentration is not this one's";
-    leave("S11");
-
-    meet_lasair();
-    press('h');
-    EXPECT_EQ(row(LASAIR, 6), "Searching:             FALSE");
-    report("S11", MSG_LASAIR_INSTANT, R"({"N": 123456.78, "Q": 0.028, "V_laser": 4.9876, "manifold": 3,
-        "searching": true, "analog": [-1.5]})");
-    EXPECT_EQ(inside(LASAIR), R"(
-          Housekeeping
-Total counts (cm-3):  123456.8
-Flow (lpm):                0.028
-Laser voltage:             4.988
-Manifold:                  3
-Searching:              TRUE
-Analog 1:                 -1.500
-Analog 2:                 --.---
-Analog 3:                 --.---
-Analog 4:                 --.---
-)");
-    leave("S11");
-
-    meet_sems();
-    report("S11", MSG_SEMS_INFO,
-           R"({"T": 21.5, "rh": 33.25, "P_impactor": 2.5, "HV_out": 1234.5, "P_dma": 1000.25,
-        "Q_sheath": 6.5, "Q_excess": 5.5, "Q_mono": 0.75, "T_CPC_condenser": 12.5})");
-    press('h');
-    EXPECT_EQ(inside(SEMS), R"(
-Integrals:      dN     dN/dlogD     dV/dlogD
-           (cm^-3)      (cm^-3)  (um^3/cm^3)
-   Upward:  ----.-     -.-------     -.-------
- Downward:  ----.-     -.-------     -.-------
-
-T:                21.50
-RH:               33.25
-P impactor:        2.50
-HV out:            1.234e+03f
-P dma:          1000.25
-Q sheath:          6.50
-Q excess:          5.50
-Q mono:            0.75
-T CPC condenser:  12.50
-T CPC saturator: ---.--
-)");
 }
 
 // ---- the mobility sizer
