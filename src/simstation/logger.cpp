@@ -90,8 +90,12 @@ void SIM_logger::receive(const VESKMSG_proc_msg* pm) {
         case MSG_CONTAMINATION_UNCONTAMINATE:
         case MSG_CONTAMINATION_UNCONTAMINATEOVERRIDE:
             return set_contamination(FALSE);
-        default:
+        case MSG_LOG_FLUSH:
+        case MSG_LOG_SWITCHFILES:
+        case MSG_LOG_MONITOR:
             return;
+        default:
+            if (pm->dest_name == name()) refuse(pm->msg->name, "not understood");
     }
 }
 

@@ -77,29 +77,25 @@ BOOL SIM_instrument::receive(const VESKMSG_proc_msg* pm) {
     const std::string_view dest = pm->dest_name != nullptr ? pm->dest_name : "";
     if (!present() || pm->src_name == nullptr || pm->src_name == name()) return FALSE;
     if (!dest.empty() && dest != name()) return FALSE;
-    if (pm->msg->msg == MSG_LOG_SET_STATE) return change_logging(pm);
     if (!dest.empty()) log("%s from %s", pm->msg->name, pm->src_name);
-    const auto hear = member_.kind->dcl->hear;
-    if (hear != nullptr && hear(state_.get(), *this, pm)) {
+    const std::size_t refused_before = refusals();
+    if (take(pm)) {
         say_status();
         return TRUE;
     }
-    if (!comms_) {
-        if (!dest.empty()) log("no communications with the instrument");
-        return FALSE;
-    }
-    const auto command = member_.kind->dcl->command;
-    const BOOL understood = command != nullptr && command(state_.get(), *this, pm);
-    if (understood) say_status();
-    if (!understood && !dest.empty()) log("%s: not understood", pm->msg->name);
-    return understood;
+    // What is said to all need not be for this instrument.
+    const BOOL unanswered = !dest.empty() && refusals() == refused_before;
+    return unanswered && refuse(pm->msg->name, comms_ ? "not understood" : SIM_NO_COMMS);
 }
 
-BOOL SIM_instrument::change_logging(const VESKMSG_proc_msg* pm) {
-    const auto* const state = VESKMSG_payload<NET_LOG_SetState>(pm);
-    if (state == nullptr) return FALSE;
-    set_logging(state->enable);
-    return TRUE;
+BOOL SIM_instrument::take(const VESKMSG_proc_msg* pm) {
+    if (const auto* const logging = VESKMSG_payload<NET_LOG_SetState>(pm)) {
+        set_logging(logging->enable);
+        return TRUE;
+    }
+    const SIM_decl& dcl = *member_.kind->dcl;
+    if (dcl.hear != nullptr && dcl.hear(state_.get(), *this, pm)) return TRUE;
+    return comms_ && dcl.command != nullptr && dcl.command(state_.get(), *this, pm);
 }
 
 void SIM_instrument::set_logging(BOOL logging) {

@@ -17,6 +17,7 @@
 //   constinit const SIM_decl SIM_DCL_widget = SIM_decl_of<widget>();
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <span>
 #include <string>
@@ -25,6 +26,9 @@
 #include "simstation/voice.h"
 
 class SIM_instrument;
+
+// Why an order that needs the instrument itself is refused while its communications are lost.
+inline constexpr const char* SIM_NO_COMMS = "no communications with the instrument";
 
 // What a scenario sets: a text, and the number that it says ("on", "yes", "true" are 1; "off", "no", "false"
 // are 0; NaN when it says none).
@@ -50,7 +54,8 @@ struct SIM_decl {
     // and after everything that can have changed it (every tick and command too), hence send_changed.
     void (*status)(void* state, SIM_instrument&) = nullptr;
     // A message for this instrument or for all, whoever sent it, other instruments included (but not its own
-    // words coming back). Not while comms are lost. TRUE when it was understood.
+    // words coming back). Not while comms are lost. TRUE when it was carried out. What cannot be
+    // is answered with refuse(); what is merely not understood the frame refuses.
     BOOL (*command)(void* state, SIM_instrument&, const VESKMSG_proc_msg*) = nullptr;
     // The same, asked before `command` and even while comms are lost: for what the station's side of the
     // instrument acts upon by itself.
@@ -88,6 +93,9 @@ class SIM_instrument : public SIM_voice {
     [[nodiscard]] const SIM_air& air() const { return world_.air; }
     [[nodiscard]] double dt() const { return SIM_world::TICK; }       // seconds that a tick stands for
     [[nodiscard]] double age() const { return time() - joined_at_; }  // seconds since it was switched on
+    // When something that was planned for `when` will come: in the next second when it is overdue, which it
+    // is after lost communications.
+    [[nodiscard]] FTIME not_past(FTIME when) const { return std::max(when, time() + dt()); }
     [[nodiscard]] BOOL have_comms() const { return comms_; }
     [[nodiscard]] BOOL logging() const { return logging_; }
     // Fault bits that a scenario raised: or them into the kind's own flags.
@@ -103,7 +111,7 @@ class SIM_instrument : public SIM_voice {
     void join();   // announces itself, with a new state; nothing when it is there already
     void leave();  // the sink's link may close afterwards
     void tick();
-    // Hands on a message that the link received; TRUE when it was for this instrument and understood.
+    // Hands on a message that the link received; TRUE when it was for this instrument and carried out.
     BOOL receive(const VESKMSG_proc_msg* pm);
     void set_comms(BOOL comms);
     void set_alarm_flags(WORD flags);
@@ -113,7 +121,7 @@ class SIM_instrument : public SIM_voice {
   private:
     void announce();
     void say_status();
-    BOOL change_logging(const VESKMSG_proc_msg* pm);
+    BOOL take(const VESKMSG_proc_msg* pm);
 
     SIM_member member_;
     std::shared_ptr<void> state_;

@@ -68,6 +68,18 @@ void SIM_voice::send_error_line(const char* format, ...) {
     log("error: %s", text.c_str());
 }
 
+BOOL SIM_voice::refuse(const char* what, const char* why, ...) {
+    std::va_list args;
+    va_start(args, why);
+    const std::string text = name_ + ": " + what + " refused: " + formatted(why, args);
+    va_end(args);
+    if (refused_at_ != time()) refused_.clear();
+    refused_at_ = time();
+    if (refused_.insert(text).second) send_error_line("%s", text.c_str());
+    ++refusals_;
+    return FALSE;
+}
+
 void SIM_voice::log(const char* format, ...) {
     std::va_list args;
     va_start(args, format);

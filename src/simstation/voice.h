@@ -4,6 +4,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -69,10 +70,14 @@ class SIM_voice {
 
     // An error line in the station log, which raises the error strip of every console.
     void send_error_line(const char* format, ...) __attribute__((format(printf, 2, 3)));
+    // The same for an order that is not carried out: "N11: zero refused: a span check runs". Said once a
+    // second however often it is asked for. FALSE, for callbacks to return.
+    BOOL refuse(const char* what, const char* why, ...) __attribute__((format(printf, 3, 4)));
     // A line of the program's own output.
     void log(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
   protected:
+    [[nodiscard]] std::size_t refusals() const { return refusals_; }  // so far
     // Forgets what send_changed sent: after the server forgot it too.
     void forget_sent() { sent_.clear(); }
     SIM_world& world_;
@@ -86,4 +91,7 @@ class SIM_voice {
     std::string name_;
     SIM_noise noise_;
     std::map<NETMSG_type, std::vector<char>> sent_;
+    std::set<std::string> refused_;  // what was refused in this second
+    FTIME refused_at_ = VESK_NO_TIME;
+    std::size_t refusals_ = 0;
 };

@@ -133,6 +133,7 @@ struct maap {
 
     BOOL command(SIM_instrument& sim, const VESKMSG_proc_msg* pm) {
         if (pm->msg->msg != MSG_MAAP_ADVANCE) return FALSE;
+        if (advancing > 0) return sim.refuse("filter advance", "the tape moves already");
         advance(sim);
         return TRUE;
     }
@@ -149,7 +150,6 @@ struct maap {
     }
 
     void advance(SIM_instrument& sim) {
-        if (advancing > 0) return;
         advancing = MAAP_ADVANCE_SECONDS;
         sim.log("filter advance at a transmittance of %.3f", transmittance);
     }

@@ -122,7 +122,8 @@ struct ccn {
             case MSG_CCN_START_CALIBRATION:
                 return calibrate(sim, VESKMSG_payload<NET_CCN_StartCalibration>(pm));
             case MSG_CCN_STOP_CALIBRATION:
-                if (plan.calibrating()) plan.calibrate(0, sim.time());
+                if (!plan.calibrating()) return sim.refuse("end of the calibration", "none runs");
+                plan.calibrate(0, sim.time());
                 sim.log("calibration stopped");
                 say_scanning(sim);
                 return TRUE;
@@ -144,7 +145,8 @@ struct ccn {
         if (control == nullptr) return FALSE;
         const double sp = control->sp;
         const BOOL new_set_point = !VESK_is_missing(sp);
-        if (new_set_point && !(sp >= 0 && sp <= HIGHEST_SET_POINT)) return FALSE;
+        if (new_set_point && !(sp >= 0 && sp <= HIGHEST_SET_POINT))
+            return sim.refuse("set point", "%g is not within 0 to %g", sp, HIGHEST_SET_POINT);
         if (new_set_point) plan.set(sp, sim.time());
         if (control->set_enable) plan.scan(control->enable, sim.time());
         sim.log("set point %.2f, scanning %s", plan.set_point(), plan.scanning() ? "on" : "off");
@@ -153,7 +155,8 @@ struct ccn {
     }
 
     BOOL calibrate(SIM_instrument& sim, const NET_CCN_StartCalibration* order) {
-        if (order == nullptr || order->cycles <= 0) return FALSE;
+        if (order == nullptr) return FALSE;
+        if (order->cycles <= 0) return sim.refuse("calibration", "%d is no number of cycles", order->cycles);
         plan.calibrate(order->cycles, sim.time());
         sim.log("calibration: %d cycles", order->cycles);
         say_scanning(sim);

@@ -122,19 +122,18 @@ struct clap3w {
                 change_filter(sim);
                 return TRUE;
             case MSG_CLAP3W_WHITECHANGE:
+                if (state == NET_CLAP3W_WHITE_CHECK)
+                    return sim.refuse("white filter check", "one runs already");
                 take_filter_out(sim, NET_CLAP3W_WHITE_CHECK);
                 return TRUE;
             case MSG_CLAP3W_SPOTADVANCE:
-                advance(sim);
-                return TRUE;
+                return advance(sim);
             case MSG_CLAP3W_FLOW:
             case MSG_CLAP3W_FLOWOVERRIDE:
-                switch_flow(sim, TRUE, pm->msg->msg == MSG_CLAP3W_FLOWOVERRIDE);
-                return TRUE;
+                return switch_flow(sim, TRUE, pm->msg->msg == MSG_CLAP3W_FLOWOVERRIDE);
             case MSG_CLAP3W_NOFLOW:
             case MSG_CLAP3W_NOFLOWOVERRIDE:
-                switch_flow(sim, FALSE, pm->msg->msg == MSG_CLAP3W_NOFLOWOVERRIDE);
-                return TRUE;
+                return switch_flow(sim, FALSE, pm->msg->msg == MSG_CLAP3W_NOFLOWOVERRIDE);
             default:
                 return FALSE;
         }
@@ -181,7 +180,6 @@ struct clap3w {
     }
 
     void take_filter_out(SIM_instrument& sim, NET_CLAP3W_State why) {
-        if (state == why) return;
         go_to_spot(0);
         enter(sim, why);
     }
@@ -200,26 +198,30 @@ struct clap3w {
         cell.forget();
     }
 
-    void advance(SIM_instrument& sim) {
+    BOOL advance(SIM_instrument& sim) {
         const BOOL flowing = STATES[state].pumping;
         if (!flowing && state != NET_CLAP3W_FLOW_OFF && state != NET_CLAP3W_FLOW_OFF_PENDING)
-            return sim.log("no spot advance while %s", STATES[state].name);
-        if (active >= SPOTS)
-            return enter(sim, filters_since_check >= FILTERS_PER_CHECK ? NET_CLAP3W_WHITE_REQUIRED
-                                                                       : NET_CLAP3W_CHANGE_REQUIRED);
-        go_to_spot(active + 1);
-        enter(sim, flowing ? NET_CLAP3W_WAIT_SPOT : NET_CLAP3W_FLOW_OFF_PENDING);
+            return sim.refuse("spot advance", "%s", STATES[state].name);
+        if (active < SPOTS) {
+            go_to_spot(active + 1);
+            enter(sim, flowing ? NET_CLAP3W_WAIT_SPOT : NET_CLAP3W_FLOW_OFF_PENDING);
+        } else {
+            const BOOL check_due = filters_since_check >= FILTERS_PER_CHECK;
+            enter(sim, check_due ? NET_CLAP3W_WHITE_REQUIRED : NET_CLAP3W_CHANGE_REQUIRED);
+        }
+        return TRUE;
     }
 
-    void switch_flow(SIM_instrument& sim, BOOL on, BOOL override_locks) {
+    BOOL switch_flow(SIM_instrument& sim, BOOL on, BOOL override_locks) {
         for (const flow_row& rule : FLOW_RULES) {
             if (rule.on != on || rule.from != state || (rule.locked && !override_locks)) continue;
             // A used-up spot that the operator insists on.
             if (state == NET_CLAP3W_CHANGE_REQUIRED || state == NET_CLAP3W_WHITE_REQUIRED) overridden = TRUE;
             pause_volume = spot().volume();
-            return enter(sim, rule.to);
+            enter(sim, rule.to);
+            return TRUE;
         }
-        sim.log("flow stays as it is while %s", STATES[state].name);
+        return sim.refuse(on ? "flow on" : "flow off", "%s", STATES[state].name);
     }
 
     // ---- what it says

@@ -26,7 +26,7 @@ struct caps {
 
     void start(SIM_instrument& sim) {
         known_baseline = baseline;
-        plan(sim);
+        next_zero = sim.time() + ZERO_INTERVAL;
     }
 
     void tick(SIM_instrument& sim) {
@@ -44,11 +44,15 @@ struct caps {
         if (zeroing > 0 && --zeroing == 0) finish(sim);
     }
 
-    void status(SIM_instrument& sim) { sim.send_changed(MSG_CAPS_STATUS, NET_CAPS_Status{sim.have_comms()}); }
+    void status(SIM_instrument& sim) {
+        sim.send_changed(MSG_CAPS_ZEROSCHEDULE, NET_CAPS_ZeroSchedule{sim.not_past(next_zero)});
+        sim.send_changed(MSG_CAPS_STATUS, NET_CAPS_Status{sim.have_comms()});
+    }
 
     BOOL command(SIM_instrument& sim, const VESKMSG_proc_msg* pm) {
         if (pm->msg->msg != MSG_CAPS_ISSUE_ZERO) return FALSE;
-        if (zeroing == 0) begin(sim);
+        if (zeroing > 0) return sim.refuse("zero", "one runs already");
+        begin(sim);
         return TRUE;
     }
 
@@ -58,15 +62,11 @@ struct caps {
         return TRUE;
     }
 
-    void plan(SIM_instrument& sim) {
-        next_zero = sim.time() + ZERO_INTERVAL;
-        sim.send_kept(MSG_CAPS_ZEROSCHEDULE, NET_CAPS_ZeroSchedule{next_zero});
-    }
-
     void begin(SIM_instrument& sim) {
         zeroing = ZERO_SECONDS;
         zero_loss.reset();
         zero_start = sim.time();
+        next_zero = zero_start + ZERO_INTERVAL;
         sim.log("zero begins");
     }
 
@@ -75,7 +75,6 @@ struct caps {
         const double measured = zero_loss.mean();
         sim.send_kept(MSG_CAPS_ZERO, NET_CAPS_Zero{zero_start, measured, measured - known_baseline});
         known_baseline = measured;
-        plan(sim);
         sim.log("zero: baseline %.2f /Mm", measured);
     }
 

@@ -76,7 +76,9 @@ struct genericpid {
             case MSG_GENERICPID_TUNING_START:
                 return take(sim, VESKMSG_payload<NET_GENERICPID_TuningRequest>(pm));
             case MSG_GENERICPID_TUNING_STOP:
-                return stop_tuning(sim, "stopped");
+                if (!tune) return sim.refuse("end of the tuning", "none runs");
+                stop_tuning(sim, "stopped");
+                return TRUE;
             default:
                 return FALSE;
         }
@@ -91,7 +93,8 @@ struct genericpid {
     // ---- commands
 
     BOOL take(SIM_instrument& sim, const NET_GENERICPID_Setpoint* wanted) {
-        if (wanted == nullptr || !is_value(wanted->sp)) return FALSE;
+        if (wanted == nullptr) return FALSE;
+        if (!is_value(wanted->sp)) return sim.refuse("set point", "no number");
         sp = wanted->sp;
         sim.log("set point %g", sp);
         sim.send_kept(MSG_GENERICPID_SETPOINT, NET_GENERICPID_Setpoint{sp});
@@ -103,10 +106,8 @@ struct genericpid {
         const NET_GENERICPID_Params &v = wanted->params, &min = wanted->min, &max = wanted->max;
         const NET_GENERICPID_Params params{limited(v.p, min.p, max.p), limited(v.i, min.i, max.i),
                                            limited(v.d, min.d, max.d)};
-        if (!is_value(params.p) || !is_value(params.i) || !is_value(params.d)) {
-            sim.send_error_line("PID parameters refused: no number, or limits that exclude each other");
-            return FALSE;
-        }
+        if (!is_value(params.p) || !is_value(params.i) || !is_value(params.d))
+            return sim.refuse("PID parameters", "no number, or limits that exclude each other");
         info.params = {params, min, max};
         pid.params = params;
         sim.log("parameters %g %g %g", params.p, params.i, params.d);
@@ -128,10 +129,7 @@ struct genericpid {
         if (request == nullptr) return FALSE;
         const char* fault =
             tune ? "it is being tuned already" : SIM_pid_tune::fault(*request, pid.out_min(), pid.out_max());
-        if (fault != nullptr) {
-            sim.send_error_line("tuning refused: %s", fault);
-            return FALSE;
-        }
+        if (fault != nullptr) return sim.refuse("tuning", "%s", fault);
         tune.emplace(*request);
         forget_results(sim);
         sim.send_kept(MSG_GENERICPID_TUNING_INSTANT, tune->instant());
@@ -153,9 +151,8 @@ struct genericpid {
         sim.send_instant(MSG_GENERICPID_TUNING_INSTANT, tune->instant());
         if (!tune->over()) return say_status(sim);
         if (tune->failure() != nullptr) {
-            sim.send_error_line("tuning failed: %s", tune->failure());
-            stop_tuning(sim, "failed");
-            return;
+            sim.send_error_line("%s: tuning failed: %s", sim.name().c_str(), tune->failure());
+            return stop_tuning(sim, "failed");
         }
         sim.send_changed(MSG_GENERICPID_TUNING_RESULTS, tune->results());
         stop_tuning(sim, "complete");
@@ -163,14 +160,12 @@ struct genericpid {
 
     // The controller goes on from the start output with the parameters that it had: results are the
     // operator's to apply.
-    BOOL stop_tuning(SIM_instrument& sim, const char* how) {
-        if (!tune) return FALSE;
+    void stop_tuning(SIM_instrument& sim, const char* how) {
         out = tune->start_out();
         tune.reset();
         pid.resume(out, sp, pv);
         say_status(sim);
         sim.log("tuning %s", how);
-        return TRUE;
     }
 
     static void forget_results(SIM_instrument& sim) {

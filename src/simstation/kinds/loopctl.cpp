@@ -1,6 +1,7 @@
 // The hardware loop controllers: each channel is a heated or cooled body that follows its set point with a
 // lag of its own.
 #include <array>
+#include <cmath>
 
 #include "libvesk/messages/records/loopctl.h"
 #include "libvesk/support/util.h"
@@ -21,6 +22,12 @@ class loop {
         pv = actual_ + sim.noise().normal(0, 0.05);
         running.add(sim.time(), pv);
         block.add(pv);
+    }
+    // FALSE for what no controller of this kind can keep.
+    BOOL set(double setpoint) {
+        if (!(std::abs(setpoint) < 1000) || VESK_is_missing(setpoint)) return FALSE;
+        sp = setpoint;
+        return TRUE;
     }
     double take_average() {
         const double mean = block.mean();
@@ -79,12 +86,12 @@ struct lovepid {
         if (set == nullptr) return FALSE;
         for (std::size_t i = 0; i < SLOTS; ++i) {
             if (ADDRS[i] != set->addr) continue;
-            loops[i].sp = set->sp;
+            if (!loops[i].set(set->sp)) return sim.refuse("set point", "%g is no temperature", +set->sp);
             sim.log("controller %x: set point %.2f", static_cast<unsigned>(set->addr), loops[i].sp);
             say_setpoints(sim);
             return TRUE;
         }
-        return FALSE;
+        return sim.refuse("set point", "no controller %X", static_cast<unsigned>(set->addr));
     }
 
     BOOL set(SIM_instrument&, std::string_view name, const SIM_value& value) {
@@ -138,9 +145,10 @@ struct watlow {
     BOOL command(SIM_instrument& sim, const VESKMSG_proc_msg* pm) {
         if (pm->msg->msg != MSG_WATLOW_SET) return FALSE;
         const auto* set = VESKMSG_payload<NET_WATLOW_OneChannel>(pm);
-        if (set == nullptr || (set->chan != 'A' && set->chan != 'B')) return FALSE;
+        if (set == nullptr) return FALSE;
+        if (set->chan != 'A' && set->chan != 'B') return sim.refuse("set point", "the channels are A and B");
         loop& l = set->chan == 'A' ? a : b;
-        l.sp = set->val;
+        if (!l.set(set->val)) return sim.refuse("set point", "%g is no temperature", +set->val);
         sim.log("channel %c: set point %.1f", set->chan, l.sp);
         say_setpoints(sim);
         return TRUE;

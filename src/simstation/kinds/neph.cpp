@@ -14,6 +14,7 @@ constexpr SIM_neph_model MODEL{{450, 550, 700}, TRUE, MSG_LOG_AVG_BYPASS};
 constexpr WORD LAMP_FAULT = 1;  // bits of the flag word
 constexpr WORD VALVE_HELD = 2;
 
+constexpr int VALVE_UNCHANGED = -1;  // where an order leaves the zero valve as it is
 constexpr double NORMAL_WATTS = 75;
 constexpr double NORMAL_VOLTS = 12;
 constexpr double FULL_BLOWER = 255;
@@ -21,7 +22,7 @@ constexpr double PMT_EXPONENT = 7;  // of the amplification's rise with the volt
 
 constexpr NET_NEPH_Config INITIAL{
     .smz = 1,
-    .sta = 60,
+    .sta = 1,
     .stb = 60,
     .stp = 3600,
     .stz = 300,
@@ -35,24 +36,27 @@ constexpr NET_NEPH_Config INITIAL{
     .svr = 1050,
 };
 
-std::int16_t within(std::int16_t value, std::int16_t low, std::int16_t high) {
-    return std::clamp(value, low, high);
-}
+// The instrument's words for its parameters, and what it takes.
+struct limit_row {
+    const char* name;
+    std::int16_t NET_NEPH_Config::*value;
+    int low, high;
+};
+constexpr limit_row LIMITS[] = {
+    {"SMZ", &NET_NEPH_Config::smz, 0, 24},   {"STA", &NET_NEPH_Config::sta, 1, 9960},
+    {"STB", &NET_NEPH_Config::stb, 5, 999},  {"STP", &NET_NEPH_Config::stp, 10, INT16_MAX},
+    {"STZ", &NET_NEPH_Config::stz, 1, 9999}, {"SP", &NET_NEPH_Config::sp, 0, 150},
+    {"SX", &NET_NEPH_Config::sx, 0, 10000},  {"B", &NET_NEPH_Config::b, 0, 255},
+    {"SVB", &NET_NEPH_Config::svb, 1, 1200}, {"SVG", &NET_NEPH_Config::svg, 1, 1200},
+    {"SVR", &NET_NEPH_Config::svr, 1, 1200},
+};
 
-// What the instrument makes of an order: every number within its limits.
-NET_NEPH_Config accepted(NET_NEPH_Config c) {
-    c.smz = within(c.smz, 0, 24);
-    c.sta = within(c.sta, 1, 9960);
-    c.stb = within(c.stb, 5, 999);
-    c.stp = within(c.stp, 10, INT16_MAX);
-    c.stz = within(c.stz, 1, 9999);
-    c.sp = within(c.sp, 0, 150);
-    c.sx = within(c.sx, 0, 10000);
-    c.b = within(c.b, 0, 255);
-    c.svb = within(c.svb, 1, 1200);
-    c.svg = within(c.svg, 1, 1200);
-    c.svr = within(c.svr, 1, 1200);
-    return c;
+// The first parameter that is out of its limits, or null.
+const limit_row* out_of_limits(const NET_NEPH_Config& c) {
+    const auto found = std::find_if(std::begin(LIMITS), std::end(LIMITS), [&](const limit_row& row) {
+        return c.*row.value < row.low || c.*row.value > row.high;
+    });
+    return found != std::end(LIMITS) ? &*found : nullptr;
 }
 
 SIM_neph_zeroing zeroing_of(const NET_NEPH_Config& c) {
@@ -77,7 +81,7 @@ struct neph {
     void tick(SIM_instrument& sim) {
         model.tick(sim);
         averages.add(sim.time(), reading(sim.time(), model.outer_air()));
-        sim.send_instant(MSG_NEPH_INSTANT, instant(sim));
+        measure(sim);
         if (sim.average_due())
             sim.send_kept(MSG_NEPH_AVERAGE, with_exponents(averages.take_block(sim.average_start())));
     }
@@ -86,7 +90,7 @@ struct neph {
         auto zero = NETDSD_default<NET_NEPH_Zero>();
         model.put_zero(zero);
         sim.send_changed(MSG_NEPH_ZERO, zero);
-        sim.send_changed(MSG_NEPH_ZEROSCHEDULE, NET_NEPH_ZeroSchedule{model.next_zero()});
+        sim.send_changed(MSG_NEPH_ZEROSCHEDULE, NET_NEPH_ZeroSchedule{model.next_zero(sim)});
         NET_NEPH_Modes modes{sim.alarm_flags(), {}};
         if (!model.lit()) modes.flags |= LAMP_FAULT;
         if (model.valve_held()) modes.flags |= VALVE_HELD;
@@ -99,20 +103,14 @@ struct neph {
     BOOL hear(SIM_instrument& sim, const VESKMSG_proc_msg* pm) { return model.hear(sim, pm); }
 
     BOOL command(SIM_instrument& sim, const VESKMSG_proc_msg* pm) {
-        if (pm->msg->msg == MSG_NEPH_ISSUE_ZERO) {
-            model.order_zero(sim);
-            return TRUE;
-        }
+        if (pm->msg->msg == MSG_NEPH_ISSUE_ZERO) return model.order_zero(sim);
         if (const auto* const valve = VESKMSG_payload<NET_NEPH_OverrideParams>(pm)) {
-            if (valve->v == 0 || valve->v == 1) model.set_valve(sim, valve->v == 1);
-            return TRUE;
+            if (valve->v < -1 || valve->v > 1) return sim.refuse("zero valve", "%d is no position", valve->v);
+            return valve->v == VALVE_UNCHANGED || model.set_valve(sim, valve->v == 1);
         }
         // The same message is how another instrument tells everybody its own parameters.
         const auto* const order = VESKMSG_payload<NET_NEPH_Config>(pm);
-        if (order != nullptr && *pm->dest_name != '\0') {
-            configure(sim, *order);
-            return TRUE;
-        }
+        if (order != nullptr && *pm->dest_name != '\0') return configure(sim, *order);
         return model.command(sim, pm);
     }
 
@@ -120,8 +118,11 @@ struct neph {
         return model.set(name, value);
     }
 
-    void configure(SIM_instrument& sim, const NET_NEPH_Config& order) {
-        config = accepted(order);
+    BOOL configure(SIM_instrument& sim, const NET_NEPH_Config& order) {
+        if (const limit_row* const row = out_of_limits(order))
+            return sim.refuse("parameters", "%s %d is not within %d to %d", row->name, order.*row->value,
+                              row->low, row->high);
+        config = order;
         model.set_zeroing(sim, zeroing_of(config));
         model.set_lamp(config.l ? config.sp : 0);
         model.cell.backscatter = config.smb;
@@ -132,6 +133,17 @@ struct neph {
         sim.log("parameters set: zero of %d s every %d s, lamp %s, %s", int{config.stz}, int{config.stp},
                 config.l ? "on" : "off", config.smb ? "backscatter" : "total scatter only");
         sim.send_kept(MSG_NEPH_CONFIG, config);
+        return TRUE;
+    }
+
+    // The instrument itself averages over STA seconds before it reports.
+    void measure(SIM_instrument& sim) {
+        measured.add(reading(sim.time(), model.cell.scattering()));
+        measured_outer = measured_outer && model.ambient();
+        if (measured.count() < config.sta) return;
+        sim.send_instant(MSG_NEPH_INSTANT, instant(sim));
+        measured.reset();
+        measured_outer = TRUE;
     }
 
     NET_NEPH_Avg reading(FTIME time, const SIM_neph_six& scattering) const {
@@ -140,18 +152,18 @@ struct neph {
         SIM_neph_put(r.s, scattering);
         SIM_neph_put_counts(r.pc, model.cell);
         SIM_neph_put_climate(r, model.cell.climate());
-        return with_exponents(r);
+        return r;
     }
 
     // Those of averages come from the averaged scattering: exponents of noise do not average.
-    NET_NEPH_Avg with_exponents(NET_NEPH_Avg r) const {
-        r.alphaGR = model.cell.angstrom(r.s.bsp[1], r.s.bsp[2]);
-        r.alphabGR = model.cell.angstrom(r.s.bbsp[1], r.s.bbsp[2]);
+    NET_NEPH_Avg with_exponents(NET_NEPH_Avg r, BOOL outer = TRUE) const {
+        r.alphaGR = model.exponent(r.s.bsp[1], r.s.bsp[2], outer);
+        r.alphabGR = model.exponent(r.s.bbsp[1], r.s.bbsp[2], outer);
         return r;
     }
 
     NET_NEPH_Instant instant(SIM_instrument& sim) const {
-        const NET_NEPH_Avg now = reading(sim.time(), model.cell.scattering());
+        const NET_NEPH_Avg now = with_exponents(measured.mean(), measured_outer);
         const double share = std::sqrt(config.sp / NORMAL_WATTS);  // volts and amperes rise alike
         const double lamp = model.lit() ? sim.noise().normal(share, 0.001) : 0;
         NET_NEPH_Instant r{};
@@ -171,13 +183,15 @@ struct neph {
         r.ref_green = std::round(118000 * model.cell.light * sim.noise().normal(1, 0.002));
         r.lamp_V = NORMAL_VOLTS * lamp;
         r.lamp_I = NORMAL_WATTS / NORMAL_VOLTS * lamp;
-        r.aux_in = sim.noise().normal(4, 0.8);  // nothing is connected
+        r.aux_in = sim.noise().normal(config.sx, 0.8);  // mV: a cable leads the analog output back
         return r;
     }
 
     SIM_neph model{MODEL, zeroing_of(INITIAL)};
     NET_NEPH_Config config = INITIAL;
     SIM_neph_averages<NET_NEPH_Avg> averages;
+    SIM_record_block<NET_NEPH_Avg> measured;  // since the last report
+    BOOL measured_outer = TRUE;               // all of that is outer air
 };
 
 }  // namespace

@@ -28,7 +28,8 @@ struct neph_aurora3000 {
         auto zero = NETDSD_default<NET_NEPHAURORA3000_Zero>();
         model.put_zero(zero);
         sim.send_changed(MSG_NEPHAURORA3000_ZERO, zero);
-        sim.send_changed(MSG_NEPHAURORA3000_ZEROSCHEDULE, NET_NEPHAURORA3000_ZeroSchedule{model.next_zero()});
+        sim.send_changed(MSG_NEPHAURORA3000_ZEROSCHEDULE,
+                         NET_NEPHAURORA3000_ZeroSchedule{model.next_zero(sim)});
         const auto flags = static_cast<WORD>(sim.alarm_flags() | (model.lit() ? 0 : LAMP_FAULT));
         sim.send_changed(MSG_NEPHAURORA3000_MODES, NET_NEPHAURORA3000_Modes{flags});
         sim.send_changed(MSG_NEPHAURORA3000_STATUS, NET_NEPHAURORA3000_Status{sim.have_comms()});
@@ -38,8 +39,7 @@ struct neph_aurora3000 {
 
     BOOL command(SIM_instrument& sim, const VESKMSG_proc_msg* pm) {
         if (pm->msg->msg != MSG_NEPHAURORA3000_ISSUE_ZERO) return model.command(sim, pm);
-        model.order_zero(sim);
-        return TRUE;
+        return model.order_zero(sim);
     }
 
     BOOL set(SIM_instrument&, std::string_view name, const SIM_value& value) {
@@ -64,12 +64,12 @@ struct neph_aurora3000 {
         SIM_neph_put(r.s, model.outer_air());
         averages.add(sim.time(), r);
         SIM_neph_put(r.s, model.cell.scattering());
-        return with_exponents(r);
+        return with_exponents(r, model.ambient());
     }
 
-    NET_NEPHAURORA3000_Avg with_exponents(NET_NEPHAURORA3000_Avg r) const {
-        r.aGR = model.cell.angstrom(r.s.bsp[1], r.s.bsp[2]);
-        r.abGR = model.cell.angstrom(r.s.bbsp[1], r.s.bbsp[2]);
+    NET_NEPHAURORA3000_Avg with_exponents(NET_NEPHAURORA3000_Avg r, BOOL outer = TRUE) const {
+        r.aGR = model.exponent(r.s.bsp[1], r.s.bsp[2], outer);
+        r.abGR = model.exponent(r.s.bbsp[1], r.s.bbsp[2], outer);
         return r;
     }
 

@@ -17,11 +17,6 @@ NET_COMMON_Neph_Shared shared_of(const SIM_neph_cell& cell, const SIM_neph_six& 
     return r;
 }
 
-void put_exponents(NET_COMMON_Neph_Shared& r, const SIM_neph_cell& cell) {
-    r.alphaGR = cell.angstrom(r.bsp[1], r.bsp[2]);
-    r.alphabGR = cell.angstrom(r.bbsp[1], r.bbsp[2]);
-}
-
 NET_COMMON_Neph_SpancheckRun run_second(const SIM_neph_cell& cell, double watts) {
     auto r = NETDSD_default<NET_COMMON_Neph_SpancheckRun>();
     SIM_neph_put(r, cell.scattering());
@@ -99,6 +94,7 @@ void SIM_neph::begin_zero(SIM_instrument& sim) {
     valve_ = FALSE;
     last_zero_ = sim.time();
     until_ = last_zero_ + zeroing_.length;
+    plan_zero(sim);
     zero_sums_ = {};
     sim.log("zero until %s", SIM_utc_text(until_).c_str());
 }
@@ -115,7 +111,14 @@ void SIM_neph::finish_zero(SIM_instrument& sim) {
     }
     state_ = BLANK;
     until_ = sim.time() + zeroing_.blank;
-    if (zeroing_.every > 0) next_zero_ = std::max(last_zero_ + zeroing_.every, until_);
+}
+
+// After the one that runs, if one does, and after a span check, which ends with one.
+void SIM_neph::plan_zero(SIM_instrument& sim) {
+    if (zeroing_.every <= 0) return;
+    const FTIME free = state_ == NORMAL ? sim.time() : until_;
+    next_zero_ = std::max(last_zero_ + zeroing_.every, free + zeroing_.blank);
+    if (check_.running()) next_zero_ = check_.end();
 }
 
 void SIM_neph::take_background(const SIM_neph_six& found) {
@@ -147,8 +150,10 @@ void SIM_neph::send_common(SIM_instrument& sim) {
     NET_COMMON_Neph_Instant r{sim.time(), shared_of(cell, cell.scattering()), {}};
     common_.add(sim.time(), shared_of(cell, outer_air()));
     r.ra = common_.mean();
-    put_exponents(r.in, cell);
-    put_exponents(r.ra, cell);
+    r.in.alphaGR = exponent(r.in.bsp[1], r.in.bsp[2], ambient());
+    r.in.alphabGR = exponent(r.in.bbsp[1], r.in.bbsp[2], ambient());
+    r.ra.alphaGR = exponent(r.ra.bsp[1], r.ra.bsp[2]);
+    r.ra.alphabGR = exponent(r.ra.bbsp[1], r.ra.bbsp[2]);
     sim.send_instant(MSG_COMMON_NEPH_INSTANT, r);
 }
 
@@ -158,6 +163,8 @@ BOOL SIM_neph::hear(SIM_instrument& sim, const VESKMSG_proc_msg* pm) {
         check_.forbid(says_forbidden(pm));
         return TRUE;
     }
+    if (pm->msg->msg == MSG_COMMON_NEPH_SPANCHECK_ISSUE && !sim.have_comms())
+        return sim.refuse("span check", SIM_NO_COMMS);
     if (pm->msg->msg != MSG_COMMON_NEPH_SPANCHECK_ABORT) return FALSE;
     if (check_.abort(sim)) begin_zero(sim);
     return TRUE;
@@ -166,27 +173,31 @@ BOOL SIM_neph::hear(SIM_instrument& sim, const VESKMSG_proc_msg* pm) {
 BOOL SIM_neph::command(SIM_instrument& sim, const VESKMSG_proc_msg* pm) {
     const auto* const order = VESKMSG_payload<NET_COMMON_Neph_SpancheckIssue>(pm);
     if (pm->msg->msg != MSG_COMMON_NEPH_SPANCHECK_ISSUE || order == nullptr) return FALSE;
-    if (!check_.begin(sim, *order)) return TRUE;
+    if (!check_.begin(sim, *order)) return FALSE;
     state_ = NORMAL;
     valve_ = FALSE;
+    plan_zero(sim);
     return TRUE;
 }
 
-void SIM_neph::order_zero(SIM_instrument& sim) {
-    if (check_.running()) return sim.log("no zero during a span check");
+BOOL SIM_neph::order_zero(SIM_instrument& sim) {
+    if (check_.running()) return sim.refuse("zero", "a span check runs");
     begin_zero(sim);
+    return TRUE;
 }
 
 void SIM_neph::set_zeroing(SIM_instrument& sim, const SIM_neph_zeroing& zeroing) {
     const BOOL reschedule = zeroing.every != zeroing_.every;
     zeroing_ = zeroing;
-    if (reschedule) next_zero_ = std::max(last_zero_ + zeroing_.every, sim.time() + zeroing_.blank);
+    if (reschedule) plan_zero(sim);
 }
 
-void SIM_neph::set_valve(SIM_instrument& sim, BOOL filtered) {
-    if (check_.running() || state_ == ZERO) return sim.log("the zero valve is in use");
+BOOL SIM_neph::set_valve(SIM_instrument& sim, BOOL filtered) {
+    if (check_.running()) return sim.refuse("zero valve", "a span check runs");
+    if (state_ == ZERO) return sim.refuse("zero valve", "a zero runs");
     valve_ = filtered;
     sim.log("zero valve %s", filtered ? "on" : "off");
+    return TRUE;
 }
 
 void SIM_neph::set_lamp(double watts) {

@@ -1,5 +1,5 @@
 // What all simulated nephelometers do alike: zeros by schedule and by command, the span check, and the
-// kind-independent data. A kind adds its records, and what its own commands change (inst_neph*.cpp).
+// kind-independent data. A kind adds its records, and what its own commands change (neph*.cpp).
 #pragma once
 
 #include <deque>
@@ -30,10 +30,11 @@ class SIM_neph {
     BOOL command(SIM_instrument& sim, const VESKMSG_proc_msg* pm);
     BOOL set(std::string_view name, const SIM_value& value);
 
-    void order_zero(SIM_instrument& sim);
+    // These two are refused during a span check, the valve during a zero as well.
+    BOOL order_zero(SIM_instrument& sim);
     void set_zeroing(SIM_instrument& sim, const SIM_neph_zeroing& zeroing);
-    // Filtered air or not, by hand, until the next zero or span check. Not while one of these runs.
-    void set_valve(SIM_instrument& sim, BOOL filtered);
+    // Filtered air or not, by hand, until the next zero or span check.
+    BOOL set_valve(SIM_instrument& sim, BOOL filtered);
     void set_lamp(double watts);
 
     [[nodiscard]] BOOL ambient() const { return letter() == 'N' && !valve_; }
@@ -58,7 +59,14 @@ class SIM_neph {
         }
     }
     // VESK_NO_TIME: none scheduled.
-    [[nodiscard]] FTIME next_zero() const { return next_zero_; }
+    [[nodiscard]] FTIME next_zero(const SIM_instrument& sim) const {
+        return next_zero_ == VESK_NO_TIME ? VESK_NO_TIME : sim.not_past(next_zero_);
+    }
+    // The Angstrom exponent of such scattering; missing unless all of it is that of outer air, since filtered
+    // air leaves noise.
+    [[nodiscard]] double exponent(double green, double red, BOOL outer = TRUE) const {
+        return outer ? cell.angstrom(green, red) : VESK_MISSING;
+    }
 
     SIM_neph_cell cell;
 
@@ -68,6 +76,7 @@ class SIM_neph {
     void begin_zero(SIM_instrument& sim);
     void advance(SIM_instrument& sim);
     void finish_zero(SIM_instrument& sim);
+    void plan_zero(SIM_instrument& sim);
     void take_background(const SIM_neph_six& found);
     void collect(SIM_instrument& sim);
     void send_common(SIM_instrument& sim);

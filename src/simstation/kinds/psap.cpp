@@ -32,8 +32,10 @@ class photometer {
         remind(sim);
     }
     // Ends with a new filter in place.
-    void change(SIM_instrument& sim, BOOL begins) {
-        if (changing == begins) return;
+    BOOL change(SIM_instrument& sim, BOOL begins) {
+        if (changing == begins)
+            return sim.refuse(begins ? "filter change" : "end of the filter change",
+                              begins ? "one runs already" : "none runs");
         changing = begins;
         reminded = FALSE;
         cell.forget();
@@ -41,6 +43,7 @@ class photometer {
             s.reset();
         if (!begins) spot.renew(sim.noise());
         sim.log("filter change %s", begins ? "begins" : "has ended");
+        return TRUE;
     }
 
     SIM_filter_cell cell;
@@ -84,9 +87,7 @@ struct psap_kind {
     BOOL command(SIM_instrument& sim, const VESKMSG_proc_msg* pm) {
         if (pm->msg->msg != K::SET) return FALSE;
         const auto* const wanted = VESKMSG_payload<typename K::FilterStatus>(pm);
-        if (wanted == nullptr) return FALSE;
-        model.change(sim, wanted->changing_filter);
-        return TRUE;
+        return wanted != nullptr && model.change(sim, wanted->changing_filter);
     }
 
     BOOL set(SIM_instrument&, std::string_view name, const SIM_value& value) {

@@ -123,7 +123,7 @@ BOOL SIM_spancheck::begin(SIM_instrument& sim, const NET_COMMON_Neph_SpancheckIs
     const five_times ends = ends_of(order);
     const char* const wrong = forbidden_ ? "bypassed or contaminated" : objection(ends, real_now);
     if (wrong != nullptr) {
-        sim.log("span check refused: %s", wrong);
+        sim.refuse("span check", "%s", wrong);
         return FALSE;
     }
     ends_ = simulated(ends, sim.time(), real_now);
@@ -180,6 +180,10 @@ void SIM_spancheck::measure(const NET_COMMON_Neph_SpancheckRun& second) {
 
 void SIM_spancheck::say(SIM_instrument& sim) const {
     sim.send_changed(MSG_COMMON_NEPH_SPANCHECK_PHASE, NET_COMMON_Neph_SpancheckPhase{phase_, phase_end()});
+}
+
+FTIME SIM_spancheck::end() const {
+    return running() ? ends_.back() : VESK_NO_TIME;
 }
 
 FTIME SIM_spancheck::phase_end() const {

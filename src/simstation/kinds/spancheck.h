@@ -13,7 +13,7 @@ class SIM_spancheck {
   public:
     // Starts at the ends that the order gives. The console gives them by its own clock, the real one: what is
     // left of the first phase is measured by that, and all of it then passes in simulated seconds. FALSE, and
-    // a line of output, when the check is refused. One that runs begins anew.
+    // an error line, when the check is refused. One that runs begins anew.
     BOOL begin(SIM_instrument& sim, const NET_COMMON_Neph_SpancheckIssue& order);
     // FALSE when none runs.
     BOOL abort(SIM_instrument& sim);
@@ -28,6 +28,7 @@ class SIM_spancheck {
     void forbid(BOOL forbidden) { forbidden_ = forbidden; }
     [[nodiscard]] BOOL running() const { return phase_ != NET_COMMON_NEPH_SC_NONE; }
     [[nodiscard]] int phase() const { return phase_; }
+    [[nodiscard]] FTIME end() const;        // of the last phase, likewise
     [[nodiscard]] FTIME phase_end() const;  // simulated; VESK_NO_TIME when none runs
     [[nodiscard]] SIM_neph_inlet inlet() const;
 

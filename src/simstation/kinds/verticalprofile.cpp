@@ -120,7 +120,8 @@ struct verticalprofile {
             sim.log("site %s", WAYPOINTS[i].name);
             return TRUE;
         }
-        return FALSE;
+        const std::string_view name = UTIL_field(wanted->name);
+        return sim.refuse("site", "no waypoint \"%.*s\"", static_cast<int>(name.size()), name.data());
     }
 
     // Where the aircraft is: to and fro between home and site.

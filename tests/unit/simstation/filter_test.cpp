@@ -83,9 +83,13 @@ class ClapLife : public testing::Test {
         EXPECT_EQ(said().status, state);
         return seconds;
     }
+    // An order that changes nothing is refused.
     void command(NETMSG_type msg, NET_CLAP3W_State expected) {
-        EXPECT_TRUE(probe.command(msg));
-        EXPECT_EQ(said().status, expected) << NETMSG_by_type(msg)->name;
+        SCOPED_TRACE(NETMSG_by_type(msg)->name);
+        const auto before = said();
+        const BOOL done = probe.command(msg);
+        EXPECT_EQ(said().status, expected);
+        EXPECT_EQ(done, said().status != before.status || said().active_spot != before.active_spot);
     }
     SimProbe probe{"clap3w"};
 };

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <ostream>
 #include <set>
 
@@ -110,10 +111,87 @@ TEST_P(EveryKind, LeavesAndComesBackAsNew) {
 TEST_P(EveryKind, RefusesWhatIsNoCommandOfItsOwn) {
     SimProbe probe(type());
     EXPECT_FALSE(probe.command(MSG_TEST_ONE));
-    EXPECT_NE(probe.sink.lines.back().find("not understood"), std::string::npos);
+    const std::string said = probe.last<MSG_LOG_MONITOR>().msg;
+    EXPECT_EQ(said, probe.instrument.name() + ": MSG_TEST_ONE refused: not understood");
     const std::size_t lines = probe.sink.lines.size();
     EXPECT_FALSE(probe.broadcast(MSG_TEST_ONE));
     EXPECT_EQ(probe.sink.lines.size(), lines) << "broadcasts that are not for it are no news";
+}
+
+// An order that is understood and cannot be carried out.
+struct refused_order {
+    const char* type;
+    void (*order)(SimProbe&);
+    const char* says;
+};
+
+template <NETMSG_type MSG>
+void twice(SimProbe& probe) {
+    EXPECT_TRUE(probe.command(MSG));
+    EXPECT_FALSE(probe.command(MSG));
+}
+template <NETMSG_type MSG>
+void once(SimProbe& probe) {
+    EXPECT_FALSE(probe.command(MSG));
+}
+template <NETMSG_type MSG, class R>
+void with(SimProbe& probe, R record) {
+    EXPECT_FALSE(probe.command(MSG, record));
+}
+
+constexpr double NO_NUMBER = std::numeric_limits<double>::quiet_NaN();
+
+constexpr refused_order REFUSED_ORDERS[] = {
+    {"neph",
+     [](SimProbe& p) {
+         auto config = p.last<MSG_NEPH_CONFIG>();
+         config.stp = -31073;  // 99999 in 16 bits
+         with<MSG_NEPH_CONFIG>(p, config);
+     },
+     "N11: parameters refused: STP -31073 is not within 10 to 32767"},
+    {"neph", [](SimProbe& p) { with<MSG_NEPH_OVERRIDEPARAMS>(p, NET_NEPH_OverrideParams{7}); },
+     "N11: zero valve refused: 7 is no position"},
+    {"maap", twice<MSG_MAAP_ADVANCE>, "A82: filter advance refused: the tape moves already"},
+    {"caps", twice<MSG_CAPS_ISSUE_ZERO>, "E71: zero refused: one runs already"},
+    {"clap3w", once<MSG_CLAP3W_FLOW>, "A13: flow on refused: sampling"},
+    {"clap3w", twice<MSG_CLAP3W_WHITECHANGE>, "A13: white filter check refused: one runs already"},
+    {"psap", [](SimProbe& p) { with<MSG_PSAP_SETFILTERSATUS>(p, NET_PSAP_FilterStatus{FALSE}); },
+     "A11: end of the filter change refused: none runs"},
+    {"ccn", once<MSG_CCN_STOP_CALIBRATION>, "N71: end of the calibration refused: none runs"},
+    {"ccn", [](SimProbe& p) { with<MSG_CCN_START_CALIBRATION>(p, NET_CCN_StartCalibration{-1}); },
+     "N71: calibration refused: -1 is no number of cycles"},
+    {"ccn",
+     [](SimProbe& p) {
+         with<MSG_CCN_SET_SCANNING>(p, NET_CCN_ScanningControl{100, FALSE, FALSE});
+     },
+     "N71: set point refused: 100 is not within 0 to 99.99"},
+    {"genericpid", [](SimProbe& p) { with<MSG_GENERICPID_SET>(p, NET_GENERICPID_Setpoint{NO_NUMBER}); },
+     "C13: set point refused: no number"},
+    {"genericpid", once<MSG_GENERICPID_TUNING_STOP>, "C13: end of the tuning refused: none runs"},
+    {"lovepid", [](SimProbe& p) { with<MSG_LOVEPID_SET>(p, NET_LOVEPID_Setpoint{.sp = 20, .addr = 0x99}); },
+     "C11: set point refused: no controller 99"},
+    {"lovepid", [](SimProbe& p) { with<MSG_LOVEPID_SET>(p, NET_LOVEPID_Setpoint{.sp = 1e9, .addr = 0x10}); },
+     "C11: set point refused: 1e+09 is no temperature"},
+    {"watlow", [](SimProbe& p) { with<MSG_WATLOW_SET>(p, NET_WATLOW_OneChannel{.chan = 'C', .val = 20}); },
+     "C12: set point refused: the channels are A and B"},
+    {"watlow",
+     [](SimProbe& p) { with<MSG_WATLOW_SET>(p, NET_WATLOW_OneChannel{.chan = 'A', .val = NO_NUMBER}); },
+     "C12: set point refused: nan is no temperature"},
+    {"verticalprofile",
+     [](SimProbe& p) { with<MSG_VERTICALPROFILE_SET_SITE>(p, NET_VERTICALPROFILE_SetWaypoint{"NOWHERE"}); },
+     "V11: site refused: no waypoint \"NOWHERE\""},
+};
+
+TEST(Refusals, AreErrorLinesThatEveryOperatorSees) {
+    for (const refused_order& row : REFUSED_ORDERS) {
+        SCOPED_TRACE(row.says);
+        SimProbe probe(row.type);
+        probe.run(2);
+        row.order(probe);
+        const auto line = probe.last<MSG_LOG_MONITOR>();
+        EXPECT_STREQ(line.msg, row.says);
+        EXPECT_EQ(line.flags, NET_LOG_MONITOR_ERROR);
+    }
 }
 
 }  // namespace

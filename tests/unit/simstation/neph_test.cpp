@@ -65,10 +65,12 @@ TEST(NephZero, CountsDownDecaysAndReportsANewBackground) {
     const auto old = probe.last<MSG_NEPH_ZERO>();
     const FTIME begun = probe.world.now;
     ASSERT_TRUE(probe.command(MSG_NEPH_ISSUE_ZERO));
+    EXPECT_EQ(+probe.last<MSG_NEPH_ZEROSCHEDULE>().time_next, begun + 3600);
     probe.forget();
 
     probe.run(9);
     EXPECT_FALSE(neph_now(probe).ambient);
+    EXPECT_TRUE(VESK_is_missing(+neph_now(probe).alphaGR)) << "there are no particles to have one";
     EXPECT_EQ(+neph_now(probe).sec_left, 291);
     expect_between(neph_now(probe).s.bsp[1] / before, 0.25, 0.55, "what is left after one flush");
     probe.run(280);
@@ -78,7 +80,6 @@ TEST(NephZero, CountsDownDecaysAndReportsANewBackground) {
     probe.run(11);
     const auto zero = probe.last<MSG_NEPH_ZERO>();
     EXPECT_NEAR(zero.bspBKshift[1], zero.bspBK[1] - old.bspBK[1], 1e-15);
-    EXPECT_EQ(+probe.last<MSG_NEPH_ZEROSCHEDULE>().time_next, begun + 3600);
     EXPECT_STREQ(probe.last<MSG_NEPH_MODES>().mode, "BBXX") << "blanking";
     probe.run(60);
     EXPECT_TRUE(neph_now(probe).ambient);
@@ -102,20 +103,51 @@ TEST(NephZero, ComesEveryHourAndStaysOutOfTheAverages) {
     EXPECT_TRUE(VESK_is_missing(+probe.records<MSG_NEPH_AVERAGE>().at(2).s.bsp[1]));
 }
 
+TEST(NephZero, IsNeverAnnouncedForThePast) {
+    UTIL_set_clock([] { return REAL_NOW; });
+    for (const char* type : {"neph", "neph_aurora3000", "caps"}) {
+        SCOPED_TRACE(type);
+        SimProbe probe(type);
+        const auto run = [&](int seconds) {
+            for (int i = 0; i < seconds; ++i) {
+                probe.run(1);
+                const NETMSG_type msg = probe.count(MSG_NEPH_ZEROSCHEDULE) > 0 ? MSG_NEPH_ZEROSCHEDULE
+                                        : probe.count(MSG_CAPS_ZEROSCHEDULE) > 0
+                                            ? MSG_CAPS_ZEROSCHEDULE
+                                            : MSG_NEPHAURORA3000_ZEROSCHEDULE;
+                FTIME next = 0;
+                std::memcpy(&next, probe.of(msg).back().payload.data(), sizeof next);
+                ASSERT_GT(next, probe.world.now);
+            }
+        };
+        run(3700);  // over one by schedule
+        probe.broadcast(MSG_COMMON_NEPH_SPANCHECK_ISSUE, order(REAL_NOW + 3000));
+        run(5000);  // over a span check that lasts longer than the time between zeros
+        probe.instrument.set_comms(FALSE);
+        probe.run(4000);
+        probe.instrument.set_comms(TRUE);
+        run(10);
+    }
+    UTIL_set_clock(nullptr);
+}
+
 // --- parameters ---
 
-TEST(NephConfig, IsClampedAndEchoedAndChangesWhatItSays) {
+TEST(NephConfig, IsEchoedAndChangesWhatItSays) {
     SimProbe probe("neph");
     auto wanted = probe.last<MSG_NEPH_CONFIG>();
-    wanted.stp = -1;
-    wanted.smz = 99;
-    wanted.svg = 2000;
+    wanted.sta = 10;
+    wanted.sx = 1500;
     wanted.smb = FALSE;
     ASSERT_TRUE(probe.command(MSG_NEPH_CONFIG, wanted));
-    const auto echo = probe.last<MSG_NEPH_CONFIG>();
-    EXPECT_EQ(echo.stp, 10);
-    EXPECT_EQ(echo.smz, 24);
-    EXPECT_EQ(echo.svg, 1200);
+    EXPECT_EQ(probe.last<MSG_NEPH_CONFIG>().sta, 10);
+    const std::size_t before = probe.count(MSG_NEPH_INSTANT);
+    probe.run(25);
+    EXPECT_EQ(probe.count(MSG_NEPH_INSTANT), before + 2) << "the averages of ten seconds each";
+    EXPECT_EQ(+neph_now(probe).start_time, probe.world.now - 14);
+    EXPECT_NEAR(+neph_now(probe).aux_in, 1500, 5);
+    wanted.sta = 1;
+    ASSERT_TRUE(probe.command(MSG_NEPH_CONFIG, wanted));
     probe.run(30);
     EXPECT_STREQ(probe.last<MSG_NEPH_MODES>().mode, "NTXX");
     EXPECT_TRUE(VESK_is_missing(+neph_now(probe).s.bbsp[0]));
@@ -203,8 +235,8 @@ TEST_F(Spancheck, ShowsInTheReadingsAndEndsWithAZero) {
     expect_between(part / whole, 0.55, 0.72, "share of CO2 after one flush");
     expect_between(whole, 1.61 * 12.26 * 0.85, 1.61 * 12.26, "CO2 above air, thin as it is at the station");
     EXPECT_STREQ(probe.last<MSG_NEPH_MODES>().mode, "CBXX");
-    ASSERT_TRUE(probe.command(MSG_NEPH_ISSUE_ZERO));
-    EXPECT_THAT(probe.sink.lines, Contains(HasSubstr("no zero during a span check")));
+    EXPECT_FALSE(probe.command(MSG_NEPH_ISSUE_ZERO));
+    EXPECT_FALSE(probe.command(MSG_NEPH_OVERRIDEPARAMS, NET_NEPH_OverrideParams{1}));
     probe.run(WHOLE_CHECK - 710);
     EXPECT_EQ(phase_now(probe).phase, NET_COMMON_NEPH_SC_NONE);
     EXPECT_STREQ(probe.last<MSG_NEPH_MODES>().mode, "ZBXX");

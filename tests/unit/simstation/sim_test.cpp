@@ -138,8 +138,11 @@ TEST_F(Instrument, CommandsReachTheKindOnlyWhenTheyAreForIt) {
     EXPECT_THAT(sink.lines,
                 ElementsAre("R1: start", "R1: MSG_TEST_ONE from CLIENT", "R1: command CLIENT",
                             "R1: command CLIENT", "R1: MSG_TEST_TWO from CLIENT", "R1: command CLIENT",
-                            "R1: MSG_TEST_TWO: not understood", "R1: communications lost",
-                            "R1: MSG_TEST_ONE from CLIENT", "R1: no communications with the instrument"));
+                            "R1: error: R1: MSG_TEST_TWO refused: not understood", "R1: communications lost",
+                            "R1: MSG_TEST_ONE from CLIENT",
+                            "R1: error: R1: MSG_TEST_ONE refused: no communications with the instrument"));
+    EXPECT_FALSE(receive(MSG_TEST_ONE, "R1"));
+    EXPECT_EQ(sink.lines.size(), 11u) << "said once in a second";
 }
 
 TEST_F(Instrument, SettingsGoToTheKindAndRefusalsAreSaid) {
