@@ -12,7 +12,7 @@ PATH=$PATH:/usr/sbin
 command -v mosquitto >/dev/null || as_root apt-get install -y --no-install-recommends mosquitto >&2
 
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DVESK_BENCH=ON -DVESK_TESTS=ON >&2
-cmake --build "$build" --target format_bench redraw_bench dispatch_bench hub_bench console_bench vesk.cursclient \
+cmake --build "$build" --target format_bench redraw_bench dispatch_bench hub_bench console_bench key_bench vesk.cursclient \
     vesk.server >&2
 
 # Medians of repetitions that take turns, so that a ratio holds although the machine does other things too.
@@ -42,6 +42,7 @@ results() {
     awk '{ printf "| messages read, decoded and offered to every display | %.0f/s | | | |\n", $3 }' "$scratch"
     rm -f "$scratch"
     "$build/bin/console_bench"
+    "$build/bin/key_bench"
     "$build/bin/hub_bench"
 }
 
