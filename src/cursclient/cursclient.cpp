@@ -6,6 +6,7 @@
 #include <curses.h>
 #include <panel.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -97,28 +98,41 @@ int start_link() {
     return INST_wait_connected(&g_lnk) ? 0 : connection_failed();
 }
 
-// An idle pass sleeps. What comes meanwhile is taken from the socket now and then, which holds no more than a
-// fraction of what thousands of messages a second are in that time.
-void sleep_a_pass() {
+// Sleeps until a key waits (TRUE), or for that long. What comes over the link meanwhile is taken from the
+// socket now and then, which holds no more than a fraction of what thousands of messages a second are in that
+// time.
+BOOL sleep_a_pass(double seconds, BOOL watch_keyboard) {
     static constexpr int LOOKS = 4;
     VESKMSG_link* const links[] = {&g_lnk.msg_lnk};
+    pollfd keyboard{watch_keyboard ? CURSKEYS_input_fd() : -1, POLLIN, 0};
     for (int i = 0; i < LOOKS; ++i) {
-        UTIL_fsleep(PASS_SECONDS / LOOKS);
+        if (UTIL_wait_fds({&keyboard, 1}, seconds / LOOKS)) return TRUE;
         VESKMSG_wait(links, 0);
     }
+    return FALSE;
+}
+
+// An idle pass lasts until its tick, and never longer than that takes, whatever the clock says.
+double seconds_to_tick(FTIME ticktime) {
+    const double left = ticktime - UTIL_ftime();
+    return left < PASS_SECONDS ? std::max(left, 0.0) : PASS_SECONDS;
 }
 
 [[noreturn]] void main_loop(FTIME ticktime) {
+    BOOL woken = FALSE;  // before this pass, by the keyboard
     for (;;) {
         VESKMSG_process_messages(&g_lnk.msg_lnk, message_proc, nullptr);
         if (!INST_test_connected(&g_lnk)) std::exit(0);
         if (UTIL_exit_poll() || CURSKEYS_terminal_lost()) std::exit(0);
         const BOOL short_sleep = CURSKEYS_handle_keys(DEBUG_rawkeypress, distribute_key);
         redraw();
-        if (short_sleep)
+        if (short_sleep) {
+            woken = FALSE;
             UTIL_sched_yield();
-        else
-            sleep_a_pass();
+        } else {
+            // A keyboard that has something but gives no key must not keep the loop awake.
+            woken = sleep_a_pass(seconds_to_tick(ticktime), !woken);
+        }
         const FTIME curtime = UTIL_ftime();
         // A clock that was set back must not freeze the tick.
         if (ticktime > curtime + PASS_SECONDS) ticktime = curtime + PASS_SECONDS;

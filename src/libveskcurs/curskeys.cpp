@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <deque>
 #include <iterator>
 #include <string>
@@ -16,10 +17,11 @@
 
 namespace {
 
-constexpr int ESCAPE_DELAY_MS = 25;
-// Inside a control sequence more is certain to come: a slow line gets more time than a lone Escape does.
-constexpr int SEQUENCE_DELAY_MS = 100;
+using steady = std::chrono::steady_clock;
+
 constexpr int NO_WAIT = 0;
+// For so long after a lone Escape what looks like the rest of a sequence, and came in one piece, is one.
+constexpr std::chrono::milliseconds LATE_REST{300};
 constexpr int KEYS_PER_CALL = 256;
 constexpr std::size_t LONGEST_SEQUENCE = 32;
 
@@ -27,12 +29,13 @@ constexpr std::size_t LONGEST_SEQUENCE = 32;
 // standard screen would flash below the panels.
 WINDOW* g_pad = nullptr;
 int g_input_fd = STDIN_FILENO;
+steady::time_point g_lone_escape;  // when the last one was given out
 
 WINDOW* key_pad() {
     if (g_pad != nullptr || stdscr == nullptr) return g_pad;
     g_pad = newpad(1, 1);
     if (g_pad == nullptr) return nullptr;
-    set_escdelay(ESCAPE_DELAY_MS);
+    set_escdelay(CURSKEYS_ESCAPE_MS);
     keypad(g_pad, TRUE);
     // Some descriptions have this sequence under a private name, which curses would then give a code of its
     // own.
@@ -47,9 +50,12 @@ struct Sequence {
     int key;
 };
 constexpr Sequence SEQUENCES[] = {
-    {"Z", CURSKEYS_BTAB}, {"A", KEY_UP},  {"B", KEY_DOWN},   {"C", KEY_RIGHT},  {"D", KEY_LEFT},
-    {"H", KEY_HOME},      {"F", KEY_END}, {"1~", KEY_HOME},  {"7~", KEY_HOME},  {"4~", KEY_END},
-    {"8~", KEY_END},      {"3~", KEY_DC}, {"5~", KEY_PPAGE}, {"6~", KEY_NPAGE},
+    {"Z", CURSKEYS_BTAB}, {"A", KEY_UP},     {"B", KEY_DOWN},    {"C", KEY_RIGHT},   {"D", KEY_LEFT},
+    {"H", KEY_HOME},      {"F", KEY_END},    {"1~", KEY_HOME},   {"7~", KEY_HOME},   {"4~", KEY_END},
+    {"8~", KEY_END},      {"3~", KEY_DC},    {"5~", KEY_PPAGE},  {"6~", KEY_NPAGE},  {"P", KEY_F(1)},
+    {"Q", KEY_F(2)},      {"R", KEY_F(3)},   {"S", KEY_F(4)},    {"11~", KEY_F(1)},  {"12~", KEY_F(2)},
+    {"13~", KEY_F(3)},    {"14~", KEY_F(4)}, {"15~", KEY_F(5)},  {"17~", KEY_F(6)},  {"18~", KEY_F(7)},
+    {"19~", KEY_F(8)},    {"20~", KEY_F(9)}, {"21~", KEY_F(10)}, {"23~", KEY_F(11)}, {"24~", KEY_F(12)},
 };
 
 bool is_final(int c) {
@@ -92,10 +98,16 @@ class Reader {
             ahead_.pop_front();
             return c;
         }
+        asked_ = steady::now();
         wtimeout(pad_, wait_ms);
         const int c = wgetch(pad_);
         if (c != ERR && raw_cb_ != nullptr) raw_cb_(c);
         return c;
+    }
+    // What is left of an Escape's time: curses has waited too, if its terminal has keys that begin with one.
+    [[nodiscard]] int rest_of_escape() const {
+        const auto passed = std::chrono::ceil<std::chrono::milliseconds>(steady::now() - asked_);
+        return static_cast<int>(std::clamp<long>(CURSKEYS_ESCAPE_MS - passed.count(), 0, CURSKEYS_ESCAPE_MS));
     }
     void put_back(int c) {
         if (c != ERR) ahead_.push_front(c);
@@ -109,50 +121,62 @@ class Reader {
         if (c == CURSKEYS_ESCAPE) return escape();
         if (c == KEY_BTAB) return emit(CURSKEYS_BTAB);
         if (c >= 0x80 && c <= 0xFF) return high_byte(c, alt);
+        if (alt == 0 && (c == '[' || c == 'O') && is_late_rest()) return swallow_sequence(c);
         emit(alt + c);
     }
 
     void escape() {
-        const int c = next(NO_WAIT);
-        if (c == '[') return control_sequence();
-        if (c == 'O') return single_shift();
+        const int c = next(rest_of_escape());
+        if (c == '[') return known_or_nothing(control_sequence());
+        if (c == 'O') return known_or_nothing(single_shift());
         if (c == KEY_BACKSPACE) return emit(CURSKEYS_ALT + 127);
         if (c == ERR || c == CURSKEYS_ESCAPE || c > 0xFF) {
             put_back(c);
+            if (c == ERR) g_lone_escape = steady::now();
             return emit(CURSKEYS_ESCAPE);
         }
         interpret(c, CURSKEYS_ALT);
     }
 
+    // The Escape of a sequence came so far ahead that it was taken for a key. The rest must not be typed into
+    // a window; nobody types two characters at once.
+    bool is_late_rest() {
+        if (steady::now() - g_lone_escape > LATE_REST) return false;
+        const int c = next(NO_WAIT);
+        put_back(c);
+        return is_sequence_byte(c);
+    }
+    void swallow_sequence(int introducer) { (void)(introducer == '[' ? control_sequence() : single_shift()); }
+
     // After "ESC [": parameters and intermediates up to a final letter.
-    void control_sequence() {
-        std::string body;
-        for (;;) {
-            const int c = next(body.empty() ? NO_WAIT : SEQUENCE_DELAY_MS);
-            if (!is_sequence_byte(c)) return broken_off('[', body, c);
-            body += static_cast<char>(c);
-            if (body == "[") continue;  // the Linux console's function keys: "ESC [ [ A"
-            if (is_final(c) || body.size() == LONGEST_SEQUENCE) return known_or_nothing(body);
-        }
+    std::string control_sequence() {
+        return body('[', CURSKEYS_SEQUENCE_MS, [](const std::string& text) {
+            return text != "[" && is_final(text.back());  // the Linux console's function keys: "ESC [ [ A"
+        });
     }
 
     // After "ESC O": a letter, perhaps with digits before it.
-    void single_shift() {
-        std::string body;
-        for (;;) {
-            const int c = next(body.empty() ? NO_WAIT : SEQUENCE_DELAY_MS);
-            if (!is_sequence_byte(c)) return broken_off('O', body, c);
-            body += static_cast<char>(c);
-            const bool goes_on = (c >= '0' && c <= '9') || c == ';';
-            if (!goes_on || body.size() == LONGEST_SEQUENCE) return known_or_nothing(body);
-        }
+    std::string single_shift() {
+        return body('O', rest_of_escape(), [](const std::string& text) {
+            return (text.back() < '0' || text.back() > '9') && text.back() != ';';
+        });
     }
 
-    // Something that belongs to no sequence came, or nothing more: without any body it was Alt with a
-    // character.
-    void broken_off(char introducer, const std::string& body, int c) {
-        put_back(c);
-        if (body.empty()) emit(CURSKEYS_ALT + introducer);
+    // The body of a sequence, to be waited for for `wait_ms`; "" when it was broken off by something that
+    // belongs to none, or by silence. Without any body it was Alt with the introducer.
+    template <class COMPLETE>
+    std::string body(char introducer, int wait_ms, COMPLETE complete) {
+        std::string text;
+        for (;;) {
+            const int c = next(text.empty() ? wait_ms : CURSKEYS_SEQUENCE_MS);
+            if (!is_sequence_byte(c)) {
+                put_back(c);
+                if (text.empty()) emit(CURSKEYS_ALT + introducer);
+                return "";
+            }
+            text += static_cast<char>(c);
+            if (complete(text) || text.size() == LONGEST_SEQUENCE) return text;
+        }
     }
 
     void known_or_nothing(const std::string& body) {
@@ -165,7 +189,7 @@ class Reader {
     void high_byte(int lead, int alt) {
         std::vector<int> tail;
         while (tail.size() < utf8_tail(lead)) {
-            const int c = next(ESCAPE_DELAY_MS);
+            const int c = next(CURSKEYS_ESCAPE_MS);
             if (!is_continuation(c)) {
                 put_back(c);
                 break;
@@ -180,7 +204,8 @@ class Reader {
     WINDOW* pad_;
     CURSKEYS_cb raw_cb_;
     CURSKEYS_cb key_cb_;
-    std::deque<int> ahead_;  // read, but not used yet
+    steady::time_point asked_;  // when curses was last asked for a key
+    std::deque<int> ahead_;     // read, but not used yet
 };
 
 }  // namespace
@@ -197,6 +222,11 @@ void CURSKEYS_set_input_fd(int fd) {
     if (g_pad != nullptr) delwin(g_pad);
     g_pad = nullptr;
     g_input_fd = fd;
+    g_lone_escape = {};
+}
+
+int CURSKEYS_input_fd() {
+    return g_input_fd;
 }
 
 BOOL CURSKEYS_handle_keys(CURSKEYS_cb raw_cb, CURSKEYS_cb key_cb) {

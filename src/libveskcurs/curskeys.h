@@ -19,17 +19,25 @@ inline constexpr int CURSKEYS_ESCAPE = 27;
 
 using CURSKEYS_cb = void (*)(int key);
 
-// Reads every pending key without blocking: `raw_cb` gets each raw curses code, `key_cb` each interpreted
-// key. KEY_RESIZE is passed to both: the receiver lays the screen out again. Escape with a byte already
-// waiting is Alt with it; two Escapes are two Escapes; an unknown control sequence is swallowed whole; a
-// complete UTF-8 sequence that is not ASCII is dropped, a lone high byte is meta. At most a few hundred keys
-// are taken per call, so that a key flood cannot starve the loop. TRUE when at least one was read.
+// Reads every pending key: `raw_cb` gets each raw curses code, `key_cb` each interpreted key. KEY_RESIZE is
+// passed to both: the receiver lays the screen out again. Keys are told apart by when their bytes arrive, so
+// the caller calls this as soon as the descriptor below can be read: a byte within CURSKEYS_ESCAPE_MS of an
+// Escape is Alt with it, a later one is a key of its own; two Escapes are two Escapes; the rest of a control
+// sequence that has begun is waited for, up to CURSKEYS_SEQUENCE_MS between two bytes; an unknown one is
+// swallowed whole; a complete UTF-8 sequence that is not ASCII is dropped, a lone high byte is meta. At most
+// a few hundred keys are taken per call, so that a key flood cannot starve the loop. TRUE when at least one
+// was read.
 [[nodiscard]] BOOL CURSKEYS_handle_keys(CURSKEYS_cb raw_cb, CURSKEYS_cb key_cb);
+// Milliseconds. Terminals send a sequence in one piece; only a slow line parts its bytes. Nobody types the
+// beginning of a control sequence, so its rest gets more time than what may follow a lone Escape.
+inline constexpr int CURSKEYS_ESCAPE_MS = 25;
+inline constexpr int CURSKEYS_SEQUENCE_MS = 200;
 
 // The descriptor that the present curses screen reads its keys from; standard input unless told. Whoever
 // brings a screen of its own (newterm on a pipe) says so once it stands, and sets standard input again before
 // deleting it, since the reader keeps a window of that screen.
 void CURSKEYS_set_input_fd(int fd);
+[[nodiscard]] int CURSKEYS_input_fd();
 
 // The terminal is gone (end of file or an error on standard input): reading can never succeed again.
 [[nodiscard]] BOOL CURSKEYS_terminal_lost();

@@ -121,22 +121,23 @@ void UTIL_set_clock(UTIL_clock source) {
     g_clock = source;
 }
 
-void UTIL_fsleep(double seconds) {
-    if (!(seconds > 0)) return;
+BOOL UTIL_wait_fds(std::span<pollfd> fds, double seconds) {
     constexpr double LONGEST = 1e8;  // three years; keeps the conversion to whole seconds defined
-    const double end = seconds_of(CLOCK_MONOTONIC) + std::min(seconds, LONGEST);
+    const timespec wait = to_timespec(seconds > 0 ? std::min(seconds, LONGEST) : 0);
     // The signals are let in only by ppoll itself: none can arrive between looking at the request and
     // falling asleep.
     const sigset_t exit_signals = exit_signal_set();
     sigset_t before;
     pthread_sigmask(SIG_BLOCK, &exit_signals, &before);
-    while (!g_exit_requested) {
-        const double left = end - seconds_of(CLOCK_MONOTONIC);
-        if (left <= 0) break;
-        const timespec wait = to_timespec(left);
-        ppoll(nullptr, 0, &wait, &before);
-    }
+    const int ready = g_exit_requested ? 0 : ppoll(fds.data(), fds.size(), &wait, &before);
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    return ready > 0;
+}
+
+void UTIL_fsleep(double seconds) {
+    const double end = seconds_of(CLOCK_MONOTONIC) + seconds;
+    for (double left = seconds; left > 0 && !g_exit_requested; left = end - seconds_of(CLOCK_MONOTONIC))
+        UTIL_wait_fds({}, left);
 }
 
 void UTIL_sched_yield() {

@@ -2,7 +2,10 @@
 // Only UTIL_ftime asks the clock, so that a test that replaces its source owns the time of everything.
 #pragma once
 
+#include <poll.h>
+
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -32,6 +35,9 @@ void UTIL_set_clock(UTIL_clock source);
 
 // Sleeps that long; a pending exit request ends the sleep early. Negative, NaN: returns at once.
 void UTIL_fsleep(double seconds);
+// Waits until one of the descriptors has what its pollfd asks for (TRUE), that many seconds have passed, or
+// any signal was caught; an exit request ends the wait at once. Negative, NaN: only looks.
+BOOL UTIL_wait_fds(std::span<pollfd> fds, double seconds);
 void UTIL_sched_yield();
 
 // SIGINT, SIGTERM, SIGQUIT and SIGHUP set an exit request from here on instead of killing the process.

@@ -146,6 +146,17 @@ TEST(UtilTime, SleepsAsLongAsAsked) {
         EXPECT_LT(seconds_taken(none), 5.0);
 }
 
+TEST(UtilTime, WaitsForADescriptorAsLongAsAsked) {
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    pollfd fds[] = {{-1, POLLIN, 0}, {ends[0], POLLIN, 0}};
+    EXPECT_FALSE(UTIL_wait_fds(fds, 0.001));
+    ASSERT_EQ(write(ends[1], "x", 1), 1);
+    EXPECT_TRUE(UTIL_wait_fds(fds, 1000));
+    close(ends[0]);
+    close(ends[1]);
+}
+
 class UtilExit : public testing::Test {
   protected:
     void SetUp() override { UTIL_exit_signal_poll_setup_hup(); }

@@ -115,23 +115,46 @@ TEST_F(KeyReader, EscapeStaysEscapeBeforeAFunctionKeyAndInAPassOfItsOwn) {
     EXPECT_THAT(read_keys(), ElementsAre('m'));
 }
 
+// The Escape itself was a key by then; its rest is neither a key nor typed into a window.
+TEST_F(KeyReader, RestOfASequenceThatComesTooLateIsSwallowedButAKeyIsNot) {
+    for (const std::string late : {"[A", "OP", "[24~"}) {
+        screen.type("\x1b");
+        EXPECT_THAT(read_keys(), ElementsAre(27));
+        screen.type(late + "q");
+        EXPECT_THAT(read_keys(), ElementsAre('q')) << late;
+    }
+    screen.type("\x1b");
+    EXPECT_THAT(read_keys(), ElementsAre(27));
+    screen.type("[");
+    EXPECT_THAT(read_keys(), ElementsAre('['));
+    screen.type("O");
+    EXPECT_THAT(read_keys(), ElementsAre('O'));
+}
+
 // On a slow line the rest of a sequence comes while the reader is waiting for it.
-TEST_F(KeyReader, SequencesArriveInPieces) {
+TEST_P(Keys, SequencesArriveInPieces) {
     static TestScreen* line;
     static std::string rest;
     line = &screen;
-    for (const std::string sequence : {"\x1b[1;5~", "\x1b[99~", "\x1bO5P", "\x1b[Z", "\xE2\x82\xAC"}) {
-        rest = sequence.substr(2);
+    const std::vector<Case> pieces = {
+        {"unknown", "\x1b[1;5~", {}},
+        {"unknown shift", "\x1bO5P", {}},
+        {"reverse tab", "\x1b[Z", {CURSKEYS_BTAB}},
+        {"function key", "\x1b[24~", {KEY_F(12)}},
+        {"alt", "\x1bx", {alt('x')}},
+        {"UTF-8", "\xE2\x82\xAC", {}},
+    };
+    for (const Case& c : pieces) {
+        rest = c.bytes.substr(1);
         g_keys.clear();
-        screen.type(sequence.substr(0, 2));
+        screen.type(c.bytes.substr(0, 1));
         EXPECT_TRUE(CURSKEYS_handle_keys(
             [](int) {
                 line->type(rest.substr(0, 1));
                 rest.erase(0, 1);
             },
             [](int key) { g_keys.push_back(key); }));
-        EXPECT_EQ(g_keys, sequence == "\x1b[Z" ? std::vector<int>{CURSKEYS_BTAB} : std::vector<int>{})
-            << sequence;
+        EXPECT_EQ(g_keys, c.keys) << c.what;
     }
 }
 
