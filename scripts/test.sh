@@ -4,7 +4,8 @@
 #   scripts/test.sh [PRESET [CTEST OPTIONS...]]
 #
 # PRESET is release (the default), debug or sanitize: the suite under AddressSanitizer and
-# UndefinedBehaviorSanitizer, where the first finding ends the program that has it.
+# UndefinedBehaviorSanitizer, where the first finding ends the program that has it. VESK_UNITY_TESTS=OFF in the
+# environment compiles each test source on its own.
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -32,7 +33,7 @@ set -- --output-on-failure --no-tests=error --parallel "$((4 * jobs))" "$@"
 
 launcher=
 command -v ccache >/dev/null && launcher=ccache
-cmake --preset "$preset" -DVESK_TESTS=ON -DVESK_UNITY_TESTS=ON -DCMAKE_CXX_COMPILER_LAUNCHER="$launcher"
+cmake --preset "$preset" -DVESK_TESTS=ON -DVESK_UNITY_TESTS="${VESK_UNITY_TESTS:-ON}" -DCMAKE_CXX_COMPILER_LAUNCHER="$launcher"
 
 if [ "$preset" = sanitize ]; then
     detect_leaks=$(leaks)

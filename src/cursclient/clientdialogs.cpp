@@ -6,7 +6,6 @@
 
 #include "cursclient/dialog.h"
 #include "cursclient/globals.h"
-#include "cursclient/mainmenu.h"
 #include "cursclient/passwd.h"
 #include "libvesk/messages/records/log.h"
 #include "libvesk/support/util.h"

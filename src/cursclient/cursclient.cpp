@@ -7,11 +7,10 @@
 #include <panel.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 
+#include "cursclient/conffile.h"
 #include "cursclient/debug.h"
 #include "cursclient/display.h"
 #include "cursclient/mainmenu.h"
@@ -19,7 +18,6 @@
 #include "cursclient/status.h"
 #include "cursclient/wins.h"
 #include "libvesk/link/io.h"
-#include "libvesk/support/savefile.h"
 #include "libvesk/support/util.h"
 #include "libveskcurs/cursdialog.h"
 #include "libveskcurs/curskeys.h"
@@ -56,6 +54,8 @@ constexpr stage STAGES[] = {
     {STATUS_init, STATUS_cleanup},   {PASSWD_init, PASSWD_cleanup}, {MAINMENU_init, MAINMENU_cleanup},
     {DISPLAY_init, DISPLAY_cleanup}, {DEBUG_init, DEBUG_cleanup},
 };
+constexpr CONFFILE_owner CONF_OWNERS[] = {MAINMENU_save_config, WINS_save_window_setup, PASSWD_save_config};
+
 constexpr int STAGE_LIBRARY = 1;
 constexpr int STAGE_LINK = 2;
 constexpr int STAGE_COUNT = STAGE_LINK + static_cast<int>(std::size(STAGES));
@@ -143,23 +143,9 @@ double seconds_to_tick(FTIME ticktime) {
     }
 }
 
-// The settings file's name; empty (errno says why) when it cannot be built.
-std::string conf_file_name() {
-    if (g_conffile != nullptr) return g_conffile;
-    const char* home = std::getenv("HOME");
-    char name[256];
-    const int n = std::snprintf(name, sizeof name, "%s/.veskcursclient.conf", home != nullptr ? home : ".");
-    if (n >= 0 && static_cast<std::size_t>(n) < sizeof name) return name;
-    errno = ENAMETOOLONG;
-    return "";
-}
-
-BOOL save_failed(int error) {
-    UTIL_complain("cannot save the configuration to %s: %s", conf_file_name().c_str(), std::strerror(error));
-    return FALSE;
-}
-
 }  // namespace
+
+const std::span<const CONFFILE_owner> g_conf_owners = CONF_OWNERS;
 
 void print_usage() {
     static constexpr char TEXT[] =
@@ -213,33 +199,6 @@ void redraw() {
     DEBUG_update();
     update_panels();
     doupdate();
-}
-
-std::FILE* open_conf_file(const char* mode) {
-    const std::string name = conf_file_name();
-    return name.empty() ? nullptr : std::fopen(name.c_str(), mode);
-}
-
-BOOL load_conf_file() {
-    std::FILE* file = open_conf_file("r");
-    if (file == nullptr) return FALSE;
-    CONF_free(g_conf);
-    g_conf = CONF_alloc();
-    CONF_load(g_conf, file);
-    std::fclose(file);
-    return TRUE;
-}
-
-BOOL save_conf_file() {
-    const std::string name = conf_file_name();
-    if (name.empty()) return save_failed(errno);
-    SAVEFILE save(name);  // the file may hold the password: what is created is for its owner alone
-    if (save.file() == nullptr) return save_failed(errno);
-    if (g_conf == nullptr) g_conf = CONF_alloc();
-    MAINMENU_save_config();
-    WINS_save_window_setup();
-    PASSWD_save_config();
-    return CONF_write(g_conf, save.file()) && save.keep() ? TRUE : save_failed(errno);
 }
 
 int CURSCLIENT_main(int argc, char** argv) {

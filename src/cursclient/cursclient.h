@@ -1,7 +1,5 @@
-// The shell of the console: start-up in counted stages, the loop, key and message routing, the settings file.
+// The shell of the console: start-up in counted stages, the loop, key and message routing.
 #pragma once
-
-#include <cstdio>
 
 #include "cursclient/globals.h"
 
@@ -16,10 +14,3 @@ void message_proc(VESKMSG_proc_msg* pm, void* param);
 void distribute_key(int key);
 // The drawing of one pass: every layer from bottom to top, then one physical update of the terminal.
 void redraw();
-
-// The settings file, opened for `mode`; null (errno says why) when that fails.
-[[nodiscard]] std::FILE* open_conf_file(const char* mode);
-BOOL load_conf_file();
-// Lets every owner store its settings in the tree and writes it; the file keeps what it had when that fails,
-// and a line on standard error names it and the reason. New files get mode 0600.
-BOOL save_conf_file();

@@ -12,16 +12,15 @@
 #include <vector>
 
 #include "cursclient/clientdialogs.h"
-#include "cursclient/cursclient.h"
+#include "cursclient/conffile.h"
 #include "cursclient/dialog.h"
+#include "cursclient/globals.h"
 #include "cursclient/wins.h"
 #include "libvesk/support/util.h"
 #include "libveskcurs/curskeys.h"
 
 LL_TYPE g_mainmenu_entrys;
 DWORD g_mainmenu_uid_last = 0;
-double g_errordisp_show_time = 2.0;
-BOOL g_conf_enable_color = TRUE;
 
 namespace {
 

@@ -19,10 +19,8 @@ struct MAINMENU_entry {
     DWORD uid;
 };
 
-extern LL_TYPE g_mainmenu_entrys;     // of MAINMENU_entry, in menu order
-extern DWORD g_mainmenu_uid_last;     // the next uid
-extern double g_errordisp_show_time;  // seconds that an error line stays up
-extern BOOL g_conf_enable_color;
+extern LL_TYPE g_mainmenu_entrys;  // of MAINMENU_entry, in menu order
+extern DWORD g_mainmenu_uid_last;  // the next uid
 
 [[nodiscard]] BOOL MAINMENU_init();
 void MAINMENU_cleanup();

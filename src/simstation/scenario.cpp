@@ -33,12 +33,6 @@ std::string quoted(std::string_view text) {
     return "\"" + std::string(text) + "\"";
 }
 
-std::string_view trimmed(std::string_view text) {
-    const auto first = text.find_first_not_of(" \t\r");
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
-}
-
 // Up to a "#" that begins the line or follows a blank.
 std::string_view without_comment(std::string_view line) {
     for (std::size_t i = 0; i < line.size(); ++i) {
@@ -51,7 +45,7 @@ std::string_view without_comment(std::string_view line) {
 std::string_view next_word(std::string_view& text) {
     const auto end = std::min(text.find_first_of(" \t"), text.size());
     const std::string_view word = text.substr(0, end);
-    text = trimmed(text.substr(end));
+    text = UTIL_trimmed(text.substr(end));
     return word;
 }
 
@@ -108,8 +102,8 @@ std::string take_argument(SIM_event& event, argument what, std::string_view text
     }
     const auto equals = text.find('=');
     if (equals == std::string_view::npos || equals == 0) return "NAME=VALUE follows the event";
-    event.text = trimmed(text.substr(0, equals));
-    event.value = SIM_value(trimmed(text.substr(equals + 1)));
+    event.text = UTIL_trimmed(text.substr(0, equals));
+    event.value = SIM_value(UTIL_trimmed(text.substr(equals + 1)));
     return "";
 }
 
@@ -177,7 +171,7 @@ std::vector<SIM_event> SIM_parse_scenario(std::string_view text, std::vector<std
     int number = 0;
     while (!text.empty()) {
         const auto end = std::min(text.find('\n'), text.size());
-        const std::string_view line = trimmed(without_comment(text.substr(0, end)));
+        const std::string_view line = UTIL_trimmed(without_comment(text.substr(0, end)));
         text.remove_prefix(std::min(end + 1, text.size()));
         ++number;
         if (line.empty()) continue;

@@ -1,10 +1,7 @@
 // The display without a window: it only listens, so that a value which several displays need is kept once and
 // from the very start.
-#include "cursclient/displays/commonstate.h"
-
 #include "cursclient/displays_generated.h"
-
-NET_COMMON_Neph_SpancheckDuration g_spancheck_duration;
+#include "cursclient/kit/spancheck.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <type_traits>
 
 #include "cursclient/displays_generated.h"
-#include "cursclient/mainmenu.h"
+#include "cursclient/globals.h"
 #include "cursclient/wins.h"
 #include "cursclient/wintext.h"
 #include "libvesk/messages/records/log.h"

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <iterator>
 
+#include "cursclient/dialog_default.h"
 #include "libvesk/messages/records/log.h"
 #include "libvesk/support/util.h"
 

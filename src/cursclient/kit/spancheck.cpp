@@ -8,6 +8,7 @@
 #include "libveskcurs/curskeys.h"
 
 LL_TYPE g_running_nephs;
+NET_COMMON_Neph_SpancheckDuration g_spancheck_duration;
 
 namespace {
 

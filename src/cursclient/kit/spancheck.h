@@ -27,6 +27,8 @@ struct SPANCHECK_head : INSTDISP_head {
 
 // Uids (DWORD) of all living nephelometer displays, in order of their creation.
 extern LL_TYPE g_running_nephs;
+// Lengths of the phases, as the station last told them to the display of the common state.
+extern NET_COMMON_Neph_SpancheckDuration g_spancheck_duration;
 
 // ---- the display
 

@@ -2,7 +2,6 @@
 // operator's choice of instruments; the selection dialog works on that and never outlives it.
 #include <cstdio>
 
-#include "cursclient/displays/commonstate.h"
 #include "cursclient/kit/spancheck.h"
 #include "libvesk/support/util.h"
 

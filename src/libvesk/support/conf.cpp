@@ -105,7 +105,7 @@ class loader {
   private:
     void read_line(std::string_view line) {
         ++number_;
-        const std::string_view content = CONF_trimmed(line);
+        const std::string_view content = UTIL_trimmed(line);
         if (content.empty() || content.front() == '#') {
             above_ += line;
             return;
@@ -113,6 +113,7 @@ class loader {
         CONF_path path;
         std::string value;
         const char* wrong = CONF_read_setting(content, path, value);
+        if (wrong == nullptr && path.size() > CONF_MAX_DEPTH) wrong = "its path is too deep";
         if (wrong != nullptr) {
             report(wrong, "it is kept as it is");
             above_ += line;

@@ -4,15 +4,9 @@
 
 #include <algorithm>
 
-#include "libvesk/support/conf.h"
+#include "libvesk/support/util.h"
 
 namespace {
-
-constexpr std::string_view BLANKS = " \t\r\n";
-
-bool is_blank(char c) {
-    return BLANKS.find(c) != std::string_view::npos;
-}
 
 struct escape {
     char letter;
@@ -73,7 +67,7 @@ bool take_escape(std::string_view& rest, std::string& into) {
 // of it unless escaped. Null or what is wrong.
 const char* take_name(std::string_view& rest, std::string& name) {
     std::size_t kept = 0;  // length up to the last character that is not a plain blank
-    while (!rest.empty() && is_blank(rest.front()))
+    while (!rest.empty() && UTIL_is_blank(rest.front()))
         rest.remove_prefix(1);
     while (!rest.empty() && rest.front() != CONF_SEPARATOR && rest.front() != '=') {
         const char c = rest.front();
@@ -82,7 +76,7 @@ const char* take_name(std::string_view& rest, std::string& name) {
             name += c;
         else if (!take_escape(rest, name))
             return "the backslash in its path begins no known escape";
-        if (c == '\\' || !is_blank(c)) kept = name.size();
+        if (c == '\\' || !UTIL_is_blank(c)) kept = name.size();
     }
     name.resize(kept);
     if (name.find(CONF_SEPARATOR) != std::string::npos) return "a name in its path contains \";\"";
@@ -99,12 +93,11 @@ const char* take_path(std::string_view& rest, CONF_path& path) {
         rest.remove_prefix(1);
         if (!more) break;
     }
-    if (path.empty()) return "it has no path";
-    return path.size() > CONF_MAX_DEPTH ? "its path is too deep" : nullptr;
+    return path.empty() ? "it has no path" : nullptr;
 }
 
 const char* read_value(std::string_view text, std::string& value) {
-    text = CONF_trimmed(text);
+    text = UTIL_trimmed(text);
     if (!text.starts_with('"')) {
         value = text;
         return nullptr;
@@ -124,19 +117,12 @@ const char* read_value(std::string_view text, std::string& value) {
 
 }  // namespace
 
-std::string_view CONF_trimmed(std::string_view text) {
-    while (!text.empty() && is_blank(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && is_blank(text.back()))
-        text.remove_suffix(1);
-    return text;
-}
-
 void CONF_append_name(std::string& text, std::string_view name) {
     for (std::size_t i = 0; i < name.size(); ++i) {
         const char c = name[i];
         const bool at_end = i == 0 || i + 1 == name.size();
-        const bool special = c == '=' || c == '#' || c == '\\' || is_control(c) || (at_end && is_blank(c));
+        const bool special =
+            c == '=' || c == '#' || c == '\\' || is_control(c) || (at_end && UTIL_is_blank(c));
         if (special)
             append_escaped(text, c);
         else
@@ -146,7 +132,7 @@ void CONF_append_name(std::string& text, std::string_view name) {
 
 void CONF_append_value(std::string& text, std::string_view value) {
     const auto awkward = [](char c) { return c == '"' || c == '#' || is_control(c); };
-    const bool plain = !value.empty() && !is_blank(value.front()) && !is_blank(value.back()) &&
+    const bool plain = !value.empty() && !UTIL_is_blank(value.front()) && !UTIL_is_blank(value.back()) &&
                        std::none_of(value.begin(), value.end(), awkward);
     if (plain) {
         text += value;

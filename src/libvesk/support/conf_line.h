@@ -9,8 +9,6 @@ inline constexpr char CONF_SEPARATOR = ';';
 
 using CONF_path = std::vector<std::string>;  // the names along it
 
-// The text without the blanks around it, the ends of lines among them.
-[[nodiscard]] std::string_view CONF_trimmed(std::string_view text);
 // Appends one name of a path, or a value, so that it reads back as it is; neither contains a NUL.
 void CONF_append_name(std::string& text, std::string_view name);
 void CONF_append_value(std::string& text, std::string_view value);

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "libvesk/support/util.h"
+
 // ENTRY has a member `name`; the entries live longer than the index. One that gets more than half full does
 // not compile.
 template <class ENTRY, std::size_t SLOTS>
@@ -42,9 +44,7 @@ class NAME_index {
 
     // FNV-1a, folded because its low bits alone mix short names badly.
     [[nodiscard]] static constexpr std::size_t hash(std::string_view name) {
-        std::uint64_t h = 14695981039346656037U;
-        for (const char c : name)
-            h = (h ^ static_cast<unsigned char>(c)) * 1099511628211U;
+        const std::uint64_t h = UTIL_fnv1a(name);
         return static_cast<std::size_t>(h ^ (h >> 32));
     }
 

@@ -59,14 +59,6 @@ const char* text_or_empty(const char* text) {
     return text == nullptr ? "" : text;
 }
 
-constexpr std::string_view BLANKS = " \t\r\n\v\f";
-
-std::string_view trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(BLANKS);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(BLANKS) - first + 1);
-}
-
 }  // namespace
 
 BOOL LIBVESK_init(const char* role) {
@@ -174,6 +166,14 @@ void UTIL_strncpynt(char* dst, const char* src, std::size_t n) {
     dst[length] = '\0';
 }
 
+std::string_view UTIL_trimmed(std::string_view text) {
+    while (!text.empty() && UTIL_is_blank(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && UTIL_is_blank(text.back()))
+        text.remove_suffix(1);
+    return text;
+}
+
 int UTIL_strcasecmp(const char* a, const char* b) {
     return strcasecmp(text_or_empty(a), text_or_empty(b));
 }
@@ -184,7 +184,7 @@ double UTIL_atofv(const char* text) {
 }
 
 BOOL UTIL_parse_number(std::string_view text, double* value) {
-    text = trimmed(text);
+    text = UTIL_trimmed(text);
     if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
     double number = 0;
     const char* end = text.data() + text.size();

@@ -60,6 +60,12 @@ template <std::size_t N>
     std::string_view all(field, N);
     return all.substr(0, all.find('\0'));
 }
+// Blanks, the ends of lines among them, whatever the locale.
+[[nodiscard]] constexpr BOOL UTIL_is_blank(char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+// The text without the blanks around it.
+[[nodiscard]] std::string_view UTIL_trimmed(std::string_view text);
 [[nodiscard]] int UTIL_strcasecmp(const char* a, const char* b);
 // Shell-style pattern: *, ?, [abc], [a-z], [!x], backslash quotes; a bracket that is not closed is a
 // character. Time is bounded by text times pattern. Null counts as empty.
@@ -71,6 +77,13 @@ template <std::size_t N>
 [[nodiscard]] BOOL UTIL_parse_number(std::string_view text, double* value);
 // TRUE when the text begins with T or t, or its integer value is not 0: the rule of every setting.
 [[nodiscard]] BOOL UTIL_text_is_true(const char* text);
+// FNV-1a: a hash that is the same in every run and on every machine.
+[[nodiscard]] constexpr std::uint64_t UTIL_fnv1a(std::string_view text) {
+    std::uint64_t h = 14695981039346656037U;
+    for (const char c : text)
+        h = (h ^ static_cast<unsigned char>(c)) * 1099511628211U;
+    return h;
+}
 // The smallest power of two not below n; 1 for 0, n itself when there is no such power.
 [[nodiscard]] std::size_t UTIL_roundup_p2(std::size_t n);
 // Moves the bytes of an array by `shift` (negative: toward the start); bytes moved in from outside keep

@@ -4,21 +4,16 @@
 #include <cmath>
 #include <numbers>
 
+#include "libvesk/support/util.h"
+
 namespace {
 
 constexpr double SECONDS_PER_DAY = 86400;
 
-std::uint64_t fnv1a(std::string_view text) {
-    std::uint64_t h = 14695981039346656037u;
-    for (const char c : text)
-        h = (h ^ static_cast<unsigned char>(c)) * 1099511628211u;
-    return h;
-}
-
 }  // namespace
 
 SIM_noise::SIM_noise(std::uint64_t seed, std::string_view name)
-    : engine_(seed * 0x9E3779B97F4A7C15u ^ fnv1a(name)) {}
+    : engine_(seed * 0x9E3779B97F4A7C15u ^ UTIL_fnv1a(name)) {}
 
 double SIM_noise::uniform() {
     return static_cast<double>(engine_() >> 11) * 0x1.0p-53;

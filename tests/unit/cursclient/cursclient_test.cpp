@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "cursclient/mainmenu.h"
+#include "cursclient/conffile.h"
 #include "support/display_rig.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // The button action with which menus of displays switch logging.
-#include "cursclient/dialog.h"
+#include "cursclient/dialog_default.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
