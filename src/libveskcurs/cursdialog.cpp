@@ -1,6 +1,4 @@
-// The stack of open dialogs and the public operations: who owns a dialog when, what each key does, and in
-// which order the callbacks run. A callback may do anything to any dialog, so a dialog that was closed is
-// kept until no callback is running any more, and nothing here holds an iterator across one.
+// The public operations: they make dialogs and widgets of what they are given and hand keys and drawing on.
 #include "libveskcurs/cursdialog.h"
 
 #include <algorithm>
@@ -8,40 +6,17 @@
 #include <new>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "libvesk/support/util.h"
 #include "libveskcurs/cursdialog_dialog.h"
 #include "libveskcurs/cursdialog_keys.h"
+#include "libveskcurs/cursdialog_stack.h"
 
 using namespace cursdialog;
 
 namespace {
 
 constexpr int FARTHEST = 9999;  // row, column and width that a widget may ask for
-
-using Dialogs = std::vector<std::unique_ptr<CURSDIALOG_type>>;
-Dialogs g_open;     // bottom to top; the last one takes the keys
-Dialogs g_closed;   // waiting for the last callback to return
-int g_callers = 0;  // calls on the stack that may be inside a callback
-bool g_ending = false;
-
-// Stands around everything that may run callbacks. The outermost one destroys what was closed meanwhile, the
-// last closed first, since a dialog closes those that it opened.
-class CallScope {
-  public:
-    CallScope() { ++g_callers; }
-    ~CallScope() {
-        while (g_callers == 1 && !g_closed.empty()) {
-            const std::unique_ptr<CURSDIALOG_type> dlg = std::move(g_closed.back());
-            g_closed.pop_back();
-            if (dlg->cleanup_cb != nullptr) dlg->cleanup_cb(dlg->user_data.get());
-        }
-        --g_callers;
-    }
-    CallScope(const CallScope&) = delete;
-    CallScope& operator=(const CallScope&) = delete;
-};
 
 // What stands on the callers' side of the border has no exceptions: no memory means null.
 template <class F>
@@ -57,23 +32,8 @@ const char* text_or_empty(const char* text) {
     return text != nullptr ? text : "";
 }
 
-bool is_open(const CURSDIALOG_type* dlg) {
-    return std::any_of(g_open.begin(), g_open.end(), [&](const auto& d) { return d.get() == dlg; });
-}
-
 bool owns(const CURSDIALOG_type* dlg, const CURSDIALOG_widget* wd) {
     return is_open(dlg) && wd != nullptr && wd->dialog == dlg && takes_focus(*wd);
-}
-
-void close_dialog(CURSDIALOG_type* dlg) {
-    const auto at = std::find_if(g_open.begin(), g_open.end(), [&](const auto& d) { return d.get() == dlg; });
-    if (at == g_open.end()) return;  // closed before, or never a dialog
-
-    const CallScope scope;
-    g_closed.push_back(std::move(*at));
-    g_open.erase(at);
-    dlg->window.reset();
-    if (dlg->closed_cb != nullptr) dlg->closed_cb(dlg, dlg->user_data.get());
 }
 
 // Gives the dialog a widget with the fields that all kinds have.
@@ -92,40 +52,33 @@ CURSDIALOG_widget* add_widget(CURSDIALOG_type* dlg, CURSDIALOG_widget made) {
 }  // namespace
 
 BOOL CURSDIALOG_init() {
-    g_ending = false;
     return TRUE;
 }
 
 void CURSDIALOG_cleanup() {
-    g_ending = true;
-    {
-        const CallScope scope;
-        while (!g_open.empty())
-            close_dialog(g_open.back().get());
-    }
-    g_ending = false;
+    close_all();
 }
 
 void CURSDIALOG_update() {
-    for (const auto& dlg : g_open)
-        draw(*dlg, dlg == g_open.back());
+    const Dialogs& dialogs = open_dialogs();
+    for (const auto& dlg : dialogs)
+        draw(*dlg, dlg == dialogs.back());
 }
 
 BOOL CURSDIALOG_keypress(int key) {
-    if (g_open.empty() || key == KEY_RESIZE) return FALSE;
+    if (!CURSDIALOG_active() || key == KEY_RESIZE) return FALSE;
     const CallScope scope;
-    dialog_key(*g_open.back(), key);
+    dialog_key(*open_dialogs().back(), key);
     return TRUE;
 }
 
 BOOL CURSDIALOG_active() {
-    return !g_open.empty();
+    return !open_dialogs().empty();
 }
 
 CURSDIALOG_type* CURSDIALOG_create(int attr, int hl_attr, const char* title, int width, const void* user_data,
                                    std::size_t user_data_size, CURSDIALOG_closed_cb closed,
                                    CURSDIALOG_cleanup_cb cleanup) {
-    if (g_ending) return nullptr;
     return null_without_memory([&]() -> CURSDIALOG_type* {
         auto dlg = std::make_unique<CURSDIALOG_type>(
             attr, hl_attr, text_or_empty(title), std::clamp(width, 0, FARTHEST), user_data, user_data_size);
@@ -133,8 +86,7 @@ CURSDIALOG_type* CURSDIALOG_create(int attr, int hl_attr, const char* title, int
         dlg->cleanup_cb = cleanup;
         dlg->window = std::make_unique<Window>();
         if (!dlg->window->made()) return nullptr;
-        g_open.push_back(std::move(dlg));
-        return g_open.back().get();
+        return open_dialog(std::move(dlg));
     });
 }
 

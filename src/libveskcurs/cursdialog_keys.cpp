@@ -8,6 +8,7 @@
 
 #include "libvesk/support/util.h"
 #include "libveskcurs/cursdialog_focus.h"
+#include "libveskcurs/cursdialog_stack.h"
 #include "libveskcurs/curskeys.h"
 
 namespace cursdialog {
@@ -26,7 +27,7 @@ void activate(CURSDIALOG_type& dlg, CURSDIALOG_widget* wd) {
     set_focus(dlg, wd);
     CURSDIALOG_button_action action{};
     if (wd->pressed != nullptr) wd->pressed(&dlg, dlg.user_data.get(), wd, wd->user_data.get(), &action);
-    if (action.close_dialog) CURSDIALOG_close(&dlg);
+    if (action.close_dialog) close_dialog(&dlg);
 }
 
 // The verifier's word on a value that was just entered; it may have changed it, too.
@@ -51,7 +52,7 @@ bool commit(CURSDIALOG_type& dlg) {
         wd.value = before;
         dlg.reason = action.reason != nullptr ? action.reason : "not accepted";
     }
-    if (action.close_dialog) CURSDIALOG_close(&dlg);
+    if (action.close_dialog) close_dialog(&dlg);
     return !action.revert_value && dlg.window != nullptr && dlg.focus == &wd && !dlg.editor;
 }
 
@@ -67,10 +68,10 @@ void editing_key(CURSDIALOG_type& dlg, int key) {
     }
     switch (key) {
         case CURSKEYS_ESCAPE:
-            if (dlg.forced_input) return CURSDIALOG_close(&dlg);
+            if (dlg.forced_input) return close_dialog(&dlg);
             return dlg.editor.reset();
         case CURSKEYS_CTRL_W:
-            return CURSDIALOG_close(&dlg);
+            return close_dialog(&dlg);
         case CURSKEYS_TAB:
         case KEY_DOWN:
             return commit_and_move(dlg, 1);
@@ -129,7 +130,7 @@ bool moving_key(CURSDIALOG_type& dlg, int key) {
 }
 
 void widget_key(CURSDIALOG_type& dlg, int key) {
-    if (key == CURSKEYS_ESCAPE || key == CURSKEYS_CTRL_W) return CURSDIALOG_close(&dlg);
+    if (key == CURSKEYS_ESCAPE || key == CURSKEYS_CTRL_W) return close_dialog(&dlg);
     if (moving_key(dlg, key)) return;
     const bool printable = key > 0 && key < 0x80 && UTIL_is_printable(static_cast<unsigned char>(key));
     if (printable && dlg.focus != nullptr && dlg.focus->kind == Kind::ENTRY) {

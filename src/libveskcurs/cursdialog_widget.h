@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "libveskcurs/cursdialog.h"
 #include "libveskcurs/cursdialog_line.h"
+#include "libveskcurs/cursdialog_types.h"
 #include "libveskcurs/cursdialog_window.h"
 
 namespace cursdialog {
