@@ -1,4 +1,4 @@
-// The table of display kinds, made from the one list of them.
+// The table of display kinds, made from the one list of kinds.
 #include "cursclient/displays_generated.h"
 
 #include <iterator>
@@ -11,6 +11,6 @@ constexpr DISPLAY_DECL NO_UNIT{};
 
 #define DISPLAYS_ROW(kind) {#kind, &DDCL_##kind},
 #define DISPLAYS_EMPTY_ROW(kind) {#kind, &NO_UNIT},
-const DISPLAY_DEFN g_display_decls[] = {DISPLAYS_LIST(DISPLAYS_ROW, DISPLAYS_EMPTY_ROW)};
+const DISPLAY_DEFN g_display_decls[] = {KINDS_LIST(DISPLAYS_ROW, DISPLAYS_EMPTY_ROW)};
 const std::size_t g_n_display_decls = std::size(g_display_decls);
 static_assert(std::size(g_display_decls) == 53);

@@ -9,6 +9,7 @@
 
 #include "libvesk/link/msgcheck.h"
 #include "libvesk/support/util.h"
+#include "peer/announcements.h"
 
 BOOL INPUT_is_blank(const LINES_line& line) {
     return !line.too_long && line.text.find_first_not_of(" \t\r") == std::string_view::npos;
@@ -30,15 +31,23 @@ BOOL INPUT_may_send(const JSONLINE_message& m, std::string* error) {
     return fault == MSGCHECK_OK;
 }
 
+std::string INPUT_warning(const JSONLINE_message& m) {
+    if (m.msg->msg != MSG_SERVER_INSTRUMENTINFO || m.dsd != NETDSD_of<NET_SERVER_InstrumentInfo>()) return "";
+    auto info = NETDSD_default<NET_SERVER_InstrumentInfo>();
+    std::memcpy(&info, m.payload.data(), sizeof info);
+    return ANNOUNCEMENTS_kind_fault(UTIL_field(info.type));
+}
+
 void INPUT_complain(const LINES_line& line, const std::string& error) {
     UTIL_complain("line %zu: %s", line.number, error.c_str());
 }
 
-BOOL INPUT_take(int fd, const char* name, std::string* bytes) {
+INPUT_state INPUT_take(int fd, const char* name, std::string* bytes) {
     bytes->resize(INPUT_READ_BYTES);
     const ssize_t n = read(fd, bytes->data(), bytes->size());
     const BOOL again = n < 0 && (errno == EINTR || errno == EAGAIN);
     if (n < 0 && !again) UTIL_complain("cannot read %s: %s", name, std::strerror(errno));
     bytes->resize(n > 0 ? static_cast<std::size_t>(n) : 0);
-    return n > 0 || again;
+    if (n > 0 || again) return INPUT_OPEN;
+    return n == 0 ? INPUT_ENDED : INPUT_UNREADABLE;
 }

@@ -16,9 +16,15 @@ inline constexpr std::size_t INPUT_READ_BYTES = std::size_t{16} << 10;
 [[nodiscard]] BOOL INPUT_read(const LINES_line& line, JSONLINE_message* message, std::string* error);
 // TRUE when a peer may send that message; FALSE with the reason in `error`.
 [[nodiscard]] BOOL INPUT_may_send(const JSONLINE_message& message, std::string* error);
+// What is wrong with a message that may be sent all the same; "" for nothing.
+[[nodiscard]] std::string INPUT_warning(const JSONLINE_message& message);
 // "line 3: unknown field ..." on standard error.
 void INPUT_complain(const LINES_line& line, const std::string& error);
 
-// Appends what can be read now to nothing but `bytes`. FALSE at the end of the input, and when it cannot be
-// read, which is said on standard error with its name.
-[[nodiscard]] BOOL INPUT_take(int fd, const char* name, std::string* bytes);
+enum INPUT_state {
+    INPUT_OPEN,
+    INPUT_ENDED,
+    INPUT_UNREADABLE,  // said on standard error, with the input's name
+};
+// Replaces `bytes` by those that can be read now: none when the state is another than open.
+[[nodiscard]] INPUT_state INPUT_take(int fd, const char* name, std::string* bytes);

@@ -26,6 +26,9 @@ void declare_replay(CLI::App& app, PEER_options* options) {
         replay->excludes(app.get_option(other));
     CMDLINE_number(app, "--speed", &options->speed, {0.001, 1e6}, "seconds of the recording per second")
         ->needs(replay);
+    CMDLINE_number(app, "--longest-gap", &options->longest_gap, {1, LONGEST_TIMEOUT},
+                   "where the recording says nothing for longer, that many of its seconds are played")
+        ->needs(replay);
 }
 
 void declare(CLI::App& app, PEER_options* options) {

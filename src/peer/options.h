@@ -17,6 +17,7 @@ struct PEER_options {
     double timeout = 0;             // seconds after which to end; 0: never
     std::string replay;             // the recording to play, "-" for standard input; empty: none
     double speed = 1;               // seconds of the recording per second
+    double longest_gap = 600;       // seconds of the recording
 };
 
 // TRUE when one of the patterns matches the message's or the source's name, or there is none.

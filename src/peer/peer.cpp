@@ -12,6 +12,7 @@
 
 #include "libvesk/link/veskmsg.h"
 #include "libvesk/support/util.h"
+#include "peer/announcements.h"
 #include "peer/input.h"
 
 namespace {
@@ -26,13 +27,15 @@ struct peer {
     int out_fd;
     VESKMSG_link link{};
     LINES_reader lines{INPUT_LINE_LIMIT};
+    ANNOUNCEMENTS announcements{};
     std::string out{};  // lines not yet written
     BOOL in_open = TRUE;
     std::size_t printed = 0;
     std::size_t given = 0;  // lines that asked for something, right or wrong
     std::size_t refused = 0;
-    std::size_t unsent = 0;  // messages that may not have left yet
-    FTIME now = 0;           // of this pass
+    BOOL unreadable = FALSE;  // the input
+    std::size_t unsent = 0;   // messages that may not have left yet
+    FTIME now = 0;            // of this pass
     BOOL done = FALSE;
     PEER_exit status = PEER_EXIT_OK;
 };
@@ -44,6 +47,8 @@ void finish(peer* p, PEER_exit status) {
 
 void print_message(VESKMSG_proc_msg* pm, void* param) {
     peer* p = static_cast<peer*>(param);
+    const std::string warning = p->announcements.hear(pm, p->options.as);
+    if (!warning.empty()) UTIL_complain("%s", warning.c_str());
     if (p->done || !PEER_is_wanted(p->options.only, pm->msg->name, pm->src_name)) return;
     JSONLINE_write(&p->out, pm, p->now);
     if (++p->printed == p->options.count) finish(p, PEER_EXIT_OK);
@@ -63,6 +68,8 @@ void send_line(peer* p, const LINES_line& line) {
         ++p->refused;
         return INPUT_complain(line, error);
     }
+    const std::string warning = INPUT_warning(m);
+    if (!warning.empty()) INPUT_complain(line, warning);
     const void* payload = m.dsd != nullptr ? m.payload.data() : nullptr;
     const char* record = m.dsd != nullptr ? m.dsd->name : nullptr;
     const BOOL queued = VESKMSG_queue_message(&p->link, m.msg->msg, m.flags, m.dest.c_str(), payload,
@@ -79,9 +86,10 @@ void end_of_input(peer* p) {
 
 void read_input(peer* p) {
     std::string bytes;
-    const BOOL more = INPUT_take(p->in_fd, "standard input", &bytes);
+    const INPUT_state state = INPUT_take(p->in_fd, "standard input", &bytes);
     p->lines.feed(bytes, [p](const LINES_line& line) { send_line(p, line); });
-    if (!more) end_of_input(p);
+    p->unreadable = state == INPUT_UNREADABLE;
+    if (state != INPUT_OPEN) end_of_input(p);
 }
 
 BOOL flush(peer* p, double seconds) {
@@ -190,5 +198,6 @@ int PEER_run(const PEER_options& options, int in_fd, int out_fd) {
         pass(&p, deadline);
     send_the_rest(&p);
     VESKMSG_disconnect(&p.link);
-    return p.status != PEER_EXIT_LOST && p.refused > 0 ? PEER_EXIT_REFUSED_LINES : p.status;
+    const BOOL wrong_input = p.refused > 0 || p.unreadable;
+    return p.status != PEER_EXIT_LOST && wrong_input ? PEER_EXIT_WRONG_INPUT : p.status;
 }

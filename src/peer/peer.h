@@ -7,10 +7,10 @@
 // What scripts rely on; described in vesk.peer(1). An earlier failure of the link outweighs the rest.
 enum PEER_exit {
     PEER_EXIT_OK = 0,
-    PEER_EXIT_REFUSED_LINES = 1,  // some input was wrong and has not been sent
-    PEER_EXIT_NO_LINK = 2,        // wrong command line, no connection, or the server's refusal
-    PEER_EXIT_TIMEOUT = 3,        // --timeout passed before anything else ended the program
-    PEER_EXIT_LOST = 4,           // the server went away, or the output cannot be written
+    PEER_EXIT_WRONG_INPUT = 1,  // some input was wrong and has not been sent, or could not be read
+    PEER_EXIT_NO_LINK = 2,      // wrong command line, no connection, or the server's refusal
+    PEER_EXIT_TIMEOUT = 3,      // --timeout passed before anything else ended the program
+    PEER_EXIT_LOST = 4,         // the server went away, or the output cannot be written
 };
 
 // Connects and runs until input, output, link, a limit or an exit signal ends it; returns the exit status.

@@ -20,8 +20,8 @@ BOOL is_for_one_instrument(const JSONLINE_message& m) {
 
 }  // namespace
 
-RECORDING_reader::RECORDING_reader(std::vector<std::string> only)
-    : only_(std::move(only)), lines_(INPUT_LINE_LIMIT) {}
+RECORDING_reader::RECORDING_reader(std::vector<std::string> only, double longest_gap)
+    : only_(std::move(only)), longest_gap_(longest_gap), lines_(INPUT_LINE_LIMIT) {}
 
 void RECORDING_reader::feed(std::string_view bytes) {
     lines_.feed(bytes, [this](const LINES_line& line) { take(line); });
@@ -39,7 +39,9 @@ void RECORDING_reader::take(const LINES_line& line) {
         ++counts_.refused;
         return INPUT_complain(line, error);
     }
-    move_time(event.message.time);
+    const std::string warning = INPUT_warning(event.message);
+    if (!warning.empty()) INPUT_complain(line, warning);
+    move_time(event.message.time, line);
     event.at = at_;
     if (event.message.src == CONSOLE) {
         ++counts_.of_consoles;
@@ -84,10 +86,14 @@ void RECORDING_reader::announce(RECORDING_event event) {
     events_.push_back(std::move(event));
 }
 
-void RECORDING_reader::move_time(FTIME time) {
+void RECORDING_reader::move_time(FTIME time, const LINES_line& line) {
     if (!std::isfinite(time) || time < 0) return;
-    if (!VESK_is_missing(last_)) at_ += std::max(time - last_, 0.0);
+    const double gap = VESK_is_missing(last_) ? 0 : time - last_;
     last_ = time;
+    at_ += std::clamp(gap, 0.0, longest_gap_);
+    if (gap > longest_gap_ && ++counts_.gaps == 1)
+        UTIL_complain("line %zu: comes %g s after the line before, played as %g s", line.number, gap,
+                      longest_gap_);
 }
 
 double RECORDING_position::at(FTIME now) {

@@ -25,13 +25,16 @@ struct RECORDING_counts {
     std::size_t refused = 0;         // wrong ones
     std::size_t of_consoles = 0;     // said by a console
     std::size_t to_instruments = 0;  // said by one instrument to another alone
+    std::size_t gaps = 0;            // longer than the longest
 };
 
 class RECORDING_reader {
   public:
     // Messages whose name or source matches one of the patterns are events; all when there are none.
     // Announcements and departures are events of every source that has others.
-    explicit RECORDING_reader(std::vector<std::string> only);
+    // Between two lines pass `longest_gap` seconds at most, whatever their times say: a clock that was set
+    // during the recording would hold up the play for ever. The first such gap is told on standard error.
+    RECORDING_reader(std::vector<std::string> only, double longest_gap);
 
     // Takes bytes of the recording; each wrong line is told on standard error.
     void feed(std::string_view bytes);
@@ -46,9 +49,10 @@ class RECORDING_reader {
     [[nodiscard]] BOOL take_event(RECORDING_event* event, std::string* error);
     void select(RECORDING_event event);
     void announce(RECORDING_event event);
-    void move_time(FTIME time);
+    void move_time(FTIME time, const LINES_line& line);
 
     std::vector<std::string> only_;
+    double longest_gap_;
     LINES_reader lines_;
     std::deque<RECORDING_event> events_;
     RECORDING_counts counts_;

@@ -36,7 +36,7 @@ struct actor {
 class play {
   public:
     play(const PEER_options& options, int fd)
-        : options_(options), fd_(fd), reader_(options.only), position_(options.speed) {}
+        : options_(options), fd_(fd), reader_(options.only, options.longest_gap), position_(options.speed) {}
     int run();
 
   private:
@@ -60,7 +60,7 @@ class play {
 
     const PEER_options& options_;
     int fd_;
-    BOOL in_open_ = TRUE;
+    INPUT_state input_ = INPUT_OPEN;
     RECORDING_reader reader_;
     RECORDING_position position_;
     std::map<std::string, std::unique_ptr<actor>> actors_;
@@ -74,13 +74,13 @@ class play {
 };
 
 void play::read_ahead() {
-    if (!in_open_ || !reader_.events().empty()) return;
+    if (input_ != INPUT_OPEN || !reader_.events().empty()) return;
     pollfd in{fd_, POLLIN, 0};
     if (poll(&in, 1, 0) <= 0) return;
     std::string bytes;
-    in_open_ = INPUT_take(fd_, options_.replay.c_str(), &bytes);
+    input_ = INPUT_take(fd_, options_.replay.c_str(), &bytes);
     reader_.feed(bytes);
-    if (!in_open_) reader_.finish();
+    if (input_ != INPUT_OPEN) reader_.finish();
 }
 
 BOOL play::all_sent() {
@@ -160,7 +160,7 @@ void play::wait() {
     if (!events.empty() && all_sent())
         seconds = std::clamp((events.front().at - at_) / options_.speed, 0.0, PASS_SECONDS);
     seconds = std::clamp(deadline_ - now_, 0.0, seconds);
-    VESKMSG_wait(links, seconds, in_open_ && events.empty() ? fd_ : -1);
+    VESKMSG_wait(links, seconds, input_ == INPUT_OPEN && events.empty() ? fd_ : -1);
 }
 
 void play::pass() {
@@ -172,7 +172,7 @@ void play::pass() {
     read_ahead();
     if (!reader_.events().empty()) at_ = position_.at(now_);
     if (all_sent()) {
-        if (reader_.events().empty() && !in_open_) return finish(PEER_EXIT_OK);
+        if (reader_.events().empty() && input_ != INPUT_OPEN) return finish(PEER_EXIT_OK);
         perform();
     }
     if (!done_) wait();
@@ -197,6 +197,7 @@ void play::summarize() const {
     add(counts.of_consoles, " of consoles left out");
     add(counts.to_instruments, " for one instrument left out");
     add(counts.refused, " refused");
+    add(counts.gaps, counts.gaps == 1 ? " gap shortened" : " gaps shortened");
     UTIL_complain("%s", line.c_str());
 }
 
@@ -207,7 +208,8 @@ int play::run() {
     end();
     if (played_ > 0 || status_ != PEER_EXIT_NO_LINK) summarize();
     const BOOL worse = status_ == PEER_EXIT_LOST || status_ == PEER_EXIT_NO_LINK;
-    return !worse && reader_.counts().refused > 0 ? PEER_EXIT_REFUSED_LINES : status_;
+    const BOOL wrong_input = reader_.counts().refused > 0 || input_ == INPUT_UNREADABLE;
+    return !worse && wrong_input ? PEER_EXIT_WRONG_INPUT : status_;
 }
 
 }  // namespace

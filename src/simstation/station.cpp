@@ -108,7 +108,8 @@ station::station(const SIM_options& options)
       start_(world_.now),
       log_([this](const std::string& line) {
           if (options_.quiet) return;
-          std::printf("%s %s\n", SIM_utc_text(world_.now).c_str(), line.c_str());
+          // Texts of scenarios may be any bytes.
+          std::printf("%s %s\n", SIM_utc_text(world_.now).c_str(), UTIL_printable(line).c_str());
           std::fflush(stdout);
       }),
       logger_peer_(options.name, options.host, log_),

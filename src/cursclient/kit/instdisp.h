@@ -14,7 +14,7 @@
 //   ...
 //   INSTDISP_BINDINGS(FOO, foo, KIND)
 //
-// plus the kind's word in displays_generated.h. The private record is zero-filled; then every stored record
+// plus the kind's word in kinds.h. The private record is zero-filled; then every stored record
 // starts with doubles missing, times -1 and the rest zero; then `reset` may say otherwise.
 #pragma once
 

@@ -201,7 +201,7 @@ TEST_F(PeerLoop, SendsWhatIsRightRefusesWhatIsNotAndEndsWithItsInput) {
     EXPECT_EQ(server.hear(), "MSG_LOG_FLUSH 1   0");
     EXPECT_EQ(server.hear(), "MSG_LOG_SET_STATE 0 N11 NET_LOG_SetState 1");
     EXPECT_EQ(server.hear(), "end");
-    EXPECT_EQ(status(), PEER_EXIT_REFUSED_LINES);
+    EXPECT_EQ(status(), PEER_EXIT_WRONG_INPUT);
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "PEER: line 3: unknown field \"foo\" in NET_LOG_Info\n"
               "PEER: line 4: MSG_NOTIFY_CLIENT_TERMINATE: a type that only the server may send\n"
@@ -257,6 +257,18 @@ TEST_F(PeerLoop, InputMayBeAFile) {
     EXPECT_EQ(heard, 2000);
     EXPECT_EQ(ended.get(), PEER_EXIT_OK);
     close(file);
+}
+
+TEST_F(PeerLoop, InputThatCannotBeReadIsAnError) {
+    const int directory = open((folder_ / "").c_str(), O_RDONLY);
+    testing::internal::CaptureStderr();
+    options.as = "N11";
+    auto ended = std::async(std::launch::async, [&] { return PEER_run(options, directory, STDERR_FILENO); });
+    server.take_hello();
+    server.welcome();
+    EXPECT_EQ(ended.get(), PEER_EXIT_WRONG_INPUT);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "PEER: cannot read standard input: Is a directory\n");
+    close(directory);
 }
 
 TEST_F(PeerLoop, TimeoutHasItsOwnStatus) {

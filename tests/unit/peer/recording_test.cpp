@@ -15,6 +15,7 @@ std::string say(const char* time, const char* source, const char* rest) {
     return std::string(R"({"time":)") + time + R"(,"src":")" + source + R"(",)" + rest + "}\n";
 }
 
+constexpr double LONGEST_GAP = 600;
 constexpr const char* FLUSH = R"("msg":"MSG_LOG_FLUSH","flags":1)";
 constexpr const char* ZERO = R"("msg":"MSG_NEPH_ZERO","flags":1)";
 constexpr const char* ANNOUNCE = R"("msg":"MSG_SERVER_INSTRUMENTINFO","flags":7,"payload":{"type":"neph"})";
@@ -33,7 +34,7 @@ std::vector<std::string> events_of(RECORDING_reader& reader) {
 }
 
 std::vector<std::string> events_of(const std::string& recording, std::vector<std::string> only = {}) {
-    RECORDING_reader reader(std::move(only));
+    RECORDING_reader reader(std::move(only), LONGEST_GAP);
     for (const char byte : recording)
         reader.feed({&byte, 1});
     reader.finish();
@@ -52,8 +53,20 @@ TEST(Recording, KeepsTheSpacingWhateverTheClockDid) {
                             "2.75 N11 MSG_LOG_FLUSH"));
 }
 
+TEST(Recording, PlaysTheLongestGapWhereAClockLeapt) {
+    ASSERT_TRUE(LIBVESK_init("PEER"));
+    RECORDING_reader reader({}, LONGEST_GAP);
+    testing::internal::CaptureStderr();
+    reader.feed(say("1e3", "N11", FLUSH) + say("1600", "N11", FLUSH) + say("2e9", "N11", FLUSH) +
+                say("1602", "N11", FLUSH) + say("1e300", "N11", FLUSH));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "PEER: line 3: comes 2e+09 s after the line before, played as 600 s\n");
+    EXPECT_EQ(reader.events().back().at, 1800);
+    EXPECT_EQ(reader.counts().gaps, 2u);
+}
+
 TEST(Recording, LeavesConsolesAndPrivateTalkOutAndCountsThem) {
-    RECORDING_reader reader({});
+    RECORDING_reader reader({}, LONGEST_GAP);
     reader.feed(say("1", "CLIENT", FLUSH) + say("1", "CLIENT", R"("msg":"MSG_NEPH_ZERO","dest":"N11")") +
                 say("1", "V11", R"("msg":"MSG_NEPH_ZERO","dest":"N11","flags":0)") +
                 say("1", "V11", R"("msg":"MSG_NEPH_ZERO","dest":"N11","flags":1)") +
@@ -66,7 +79,7 @@ TEST(Recording, LeavesConsolesAndPrivateTalkOutAndCountsThem) {
 
 TEST(Recording, RefusesWrongLinesByNumberAndGoesOn) {
     ASSERT_TRUE(LIBVESK_init("PEER"));
-    RECORDING_reader reader({});
+    RECORDING_reader reader({}, LONGEST_GAP);
     testing::internal::CaptureStderr();
     reader.feed(say("1", "N11", FLUSH) + "garbage\n\n" +
                 R"({"msg":"MSG_LOG_FLUSH"})"
