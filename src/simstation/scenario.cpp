@@ -19,12 +19,17 @@ struct verb_row {
 };
 
 constexpr verb_row g_verbs[] = {
-    {"comms", SIM_V_COMMS, INSTRUMENT, ON_OFF},     {"flags", SIM_V_FLAGS, INSTRUMENT, NUMBER},
-    {"logging", SIM_V_LOGGING, INSTRUMENT, ON_OFF}, {"leave", SIM_V_LEAVE, INSTRUMENT, NOTHING},
-    {"join", SIM_V_JOIN, INSTRUMENT, NOTHING},      {"set", SIM_V_SET, INSTRUMENT, ASSIGNMENT},
-    {"error", SIM_V_ERROR, ANYBODY, TEXT},          {"message", SIM_V_MESSAGE, STATION, TEXT},
-    {"bypass", SIM_V_BYPASS, STATION, ON_OFF},      {"contaminate", SIM_V_CONTAMINATE, STATION, ON_OFF},
-    {"quit", SIM_V_QUIT, STATION, NOTHING},
+    {.word = "comms", .verb = SIM_V_COMMS, .who = INSTRUMENT, .what = ON_OFF},
+    {.word = "flags", .verb = SIM_V_FLAGS, .who = INSTRUMENT, .what = NUMBER},
+    {.word = "logging", .verb = SIM_V_LOGGING, .who = INSTRUMENT, .what = ON_OFF},
+    {.word = "leave", .verb = SIM_V_LEAVE, .who = INSTRUMENT, .what = NOTHING},
+    {.word = "join", .verb = SIM_V_JOIN, .who = INSTRUMENT, .what = NOTHING},
+    {.word = "set", .verb = SIM_V_SET, .who = INSTRUMENT, .what = ASSIGNMENT},
+    {.word = "error", .verb = SIM_V_ERROR, .who = ANYBODY, .what = TEXT},
+    {.word = "message", .verb = SIM_V_MESSAGE, .who = STATION, .what = TEXT},
+    {.word = "bypass", .verb = SIM_V_BYPASS, .who = STATION, .what = ON_OFF},
+    {.word = "contaminate", .verb = SIM_V_CONTAMINATE, .who = STATION, .what = ON_OFF},
+    {.word = "quit", .verb = SIM_V_QUIT, .who = STATION, .what = NOTHING},
 };
 
 constexpr double HIGHEST_FLAGS = 0xFFFF;

@@ -29,7 +29,8 @@ constexpr int ADVANCE_SECONDS = 300;   // no reports meanwhile
 constexpr int REPORT_SECONDS = 60;
 
 struct aethalometer {
-    static constexpr SIM_setting settings[] = {{"attenuation", "of the shortest wavelength: 0 to 150"}};
+    static constexpr SIM_setting settings[] = {
+        {.name = "attenuation", .help = "of the shortest wavelength: 0 to 150"}};
 
     void tick(SIM_instrument& sim) {
         for (std::size_t i = 0; i < CHANNELS; ++i) {
@@ -97,18 +98,18 @@ constexpr DWORD ADVANCING = 0x10;     // state bit, no error
 constexpr double SPOT_LENGTH = 0.02;  // m of tape
 
 constexpr SIM_channel MAAP_CHANNELS[] = {
-    {"P_orifice", 20.5, 0.1},
-    {"P_pump", 240, 1.5},
-    {"P_amb", 985, 0.3},
-    {"T_amb", 22, 0.05},
-    {"T_measure", 31.5, 0.05, 200, 22},
-    {"T_system", 29, 0.05, 300, 22},
+    {.field = "P_orifice", .target = 20.5, .noise = 0.1},
+    {.field = "P_pump", .target = 240, .noise = 1.5},
+    {.field = "P_amb", .target = 985, .noise = 0.3},
+    {.field = "T_amb", .target = 22, .noise = 0.05},
+    {.field = "T_measure", .target = 31.5, .noise = 0.05, .lag = 200, .start = 22},
+    {.field = "T_system", .target = 29, .noise = 0.05, .lag = 300, .start = 22},
 };
 
 struct maap {
     static constexpr SIM_setting settings[] = {
-        {"transmittance", "of the present spot: 0.3 to 1"},
-        {"global", "bits of the global status word, besides its own"},
+        {.name = "transmittance", .help = "of the present spot: 0.3 to 1"},
+        {.name = "global", .help = "bits of the global status word, besides its own"},
     };
 
     void start(SIM_instrument& sim) { new_spot(sim); }

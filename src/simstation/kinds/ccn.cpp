@@ -20,10 +20,15 @@ constexpr double COLUMN_LAG = 25;  // seconds
 constexpr double CALC_TOLERANCE = 0.1, REPORTED_TOLERANCE = 0.3;
 constexpr int FIRST_BIN = 2;  // of the droplets that count as activated
 
-constexpr SIM_channel CHANNELS[] = {
-    {"T_sample", 24.2, 0.03}, {"T_inlet", 24.6, 0.03}, {"T_nafion", 24.9, 0.03},
-    {"Q_sample", 45, 0.2},    {"Q_sheath", 452, 0.8},  {"P_sample", 982, 0.3},
-    {"I_laser", 92, 0.4},     {"V_fsm", 2.41, 0.01},   {"V_prop_valve", 1.82, 0.005}};
+constexpr SIM_channel CHANNELS[] = {{.field = "T_sample", .target = 24.2, .noise = 0.03},
+                                    {.field = "T_inlet", .target = 24.6, .noise = 0.03},
+                                    {.field = "T_nafion", .target = 24.9, .noise = 0.03},
+                                    {.field = "Q_sample", .target = 45, .noise = 0.2},
+                                    {.field = "Q_sheath", .target = 452, .noise = 0.8},
+                                    {.field = "P_sample", .target = 982, .noise = 0.3},
+                                    {.field = "I_laser", .target = 92, .noise = 0.4},
+                                    {.field = "V_fsm", .target = 2.41, .noise = 0.01},
+                                    {.field = "V_prop_valve", .target = 1.82, .noise = 0.005}};
 
 // Percent, of a temperature difference.
 double supersaturation(double dT) {
@@ -89,7 +94,8 @@ class schedule {
 };
 
 struct ccn {
-    static constexpr SIM_setting settings[] = {{"step", "seconds at each set point, 20 to 3600"}};
+    static constexpr SIM_setting settings[] = {
+        {.name = "step", .help = "seconds at each set point, 20 to 3600"}};
 
     void start(SIM_instrument& sim) {
         plan.set(SET_POINTS[0], sim.time());

@@ -21,7 +21,9 @@ constexpr int GREEN = 1;
 
 constexpr double WAVELENGTHS[] = {467, 528, 652};
 constexpr SIM_filter_model MODEL{WAVELENGTHS, 19.9e-6, 0.83, 1e-6};
-constexpr SIM_channel CHANNELS[] = {{"T", 31.5, 0.01, 600, 24}, {"T_case", 27.0, 0.02, 900, 24}};
+constexpr SIM_channel CHANNELS[] = {
+    {.field = "T", .target = 31.5, .noise = 0.01, .lag = 600, .start = 24},
+    {.field = "T_case", .target = 27.0, .noise = 0.02, .lag = 900, .start = 24}};
 
 constexpr int SPOT_SECONDS = 60;     // until the readings of a new spot are trusted
 constexpr int FILTER_SECONDS = 120;  // of a new filter
@@ -34,16 +36,28 @@ struct state_row {
     const char* name;
 };
 constexpr state_row STATES[] = {
-    {NET_CLAP3W_NORMAL, 0, TRUE, "sampling"},
-    {NET_CLAP3W_WAIT_SPOT, SPOT_SECONDS, TRUE, "waiting for the spot"},
-    {NET_CLAP3W_CHANGING_FILTER, 0, FALSE, "changing the filter"},
-    {NET_CLAP3W_WHITE_CHECK, 0, FALSE, "white filter check"},
-    {NET_CLAP3W_WAIT_FILTER, FILTER_SECONDS, FALSE, "waiting for the filter"},
-    {NET_CLAP3W_WAIT_WHITE, FILTER_SECONDS, FALSE, "waiting for the white filter"},
-    {NET_CLAP3W_FLOW_OFF, 0, FALSE, "flow off"},
-    {NET_CLAP3W_FLOW_OFF_PENDING, 0, FALSE, "flow off, a spot pending"},
-    {NET_CLAP3W_CHANGE_REQUIRED, 0, FALSE, "filter change required"},
-    {NET_CLAP3W_WHITE_REQUIRED, 0, FALSE, "white filter check required"},
+    {.state = NET_CLAP3W_NORMAL, .seconds = 0, .pumping = TRUE, .name = "sampling"},
+    {.state = NET_CLAP3W_WAIT_SPOT, .seconds = SPOT_SECONDS, .pumping = TRUE, .name = "waiting for the spot"},
+    {.state = NET_CLAP3W_CHANGING_FILTER, .seconds = 0, .pumping = FALSE, .name = "changing the filter"},
+    {.state = NET_CLAP3W_WHITE_CHECK, .seconds = 0, .pumping = FALSE, .name = "white filter check"},
+    {.state = NET_CLAP3W_WAIT_FILTER,
+     .seconds = FILTER_SECONDS,
+     .pumping = FALSE,
+     .name = "waiting for the filter"},
+    {.state = NET_CLAP3W_WAIT_WHITE,
+     .seconds = FILTER_SECONDS,
+     .pumping = FALSE,
+     .name = "waiting for the white filter"},
+    {.state = NET_CLAP3W_FLOW_OFF, .seconds = 0, .pumping = FALSE, .name = "flow off"},
+    {.state = NET_CLAP3W_FLOW_OFF_PENDING,
+     .seconds = 0,
+     .pumping = FALSE,
+     .name = "flow off, a spot pending"},
+    {.state = NET_CLAP3W_CHANGE_REQUIRED, .seconds = 0, .pumping = FALSE, .name = "filter change required"},
+    {.state = NET_CLAP3W_WHITE_REQUIRED,
+     .seconds = 0,
+     .pumping = FALSE,
+     .name = "white filter check required"},
 };
 static_assert([] {
     for (std::size_t i = 0; i < std::size(STATES); ++i)
@@ -58,13 +72,13 @@ struct flow_row {
     BOOL locked;
 };
 constexpr flow_row FLOW_RULES[] = {
-    {TRUE, NET_CLAP3W_FLOW_OFF, NET_CLAP3W_NORMAL, FALSE},
-    {TRUE, NET_CLAP3W_FLOW_OFF_PENDING, NET_CLAP3W_WAIT_SPOT, FALSE},
-    {TRUE, NET_CLAP3W_WAIT_SPOT, NET_CLAP3W_NORMAL, TRUE},
-    {TRUE, NET_CLAP3W_CHANGE_REQUIRED, NET_CLAP3W_NORMAL, TRUE},
-    {TRUE, NET_CLAP3W_WHITE_REQUIRED, NET_CLAP3W_NORMAL, TRUE},
-    {FALSE, NET_CLAP3W_NORMAL, NET_CLAP3W_FLOW_OFF, FALSE},
-    {FALSE, NET_CLAP3W_WAIT_SPOT, NET_CLAP3W_FLOW_OFF_PENDING, TRUE},
+    {.on = TRUE, .from = NET_CLAP3W_FLOW_OFF, .to = NET_CLAP3W_NORMAL, .locked = FALSE},
+    {.on = TRUE, .from = NET_CLAP3W_FLOW_OFF_PENDING, .to = NET_CLAP3W_WAIT_SPOT, .locked = FALSE},
+    {.on = TRUE, .from = NET_CLAP3W_WAIT_SPOT, .to = NET_CLAP3W_NORMAL, .locked = TRUE},
+    {.on = TRUE, .from = NET_CLAP3W_CHANGE_REQUIRED, .to = NET_CLAP3W_NORMAL, .locked = TRUE},
+    {.on = TRUE, .from = NET_CLAP3W_WHITE_REQUIRED, .to = NET_CLAP3W_NORMAL, .locked = TRUE},
+    {.on = FALSE, .from = NET_CLAP3W_NORMAL, .to = NET_CLAP3W_FLOW_OFF, .locked = FALSE},
+    {.on = FALSE, .from = NET_CLAP3W_WAIT_SPOT, .to = NET_CLAP3W_FLOW_OFF_PENDING, .locked = TRUE},
 };
 
 // Arrays of the instantaneous record, by colour.
@@ -85,7 +99,7 @@ struct clap3w {
     static constexpr SIM_setting settings[] = {
         SIM_FILTER_TRANSMITTANCE,
         SIM_FILTER_LOADING,
-        {"demand", "8: a filter change is required; 9: a white filter check is"},
+        {.name = "demand", .help = "8: a filter change is required; 9: a white filter check is"},
     };
 
     // It finds itself with a filter of which some spots are used.

@@ -172,8 +172,8 @@ struct cpc_3010 {
     static constexpr SIM_setting settings[] = {LIQUID_SETTING, DIP_SETTING};
     static constexpr counter_row row{.efficiency = 0.92, .flow = 1.0 * LPM, .unsettled = 1, .low_liquid = 2};
     static constexpr SIM_channel channels[] = {
-        {"T_saturator", 39.0, 0.05, 60, ROOM},
-        {"T_condenser", 22.0, 0.05, 25, ROOM},
+        {.field = "T_saturator", .target = 39.0, .noise = 0.05, .lag = 60, .start = ROOM},
+        {.field = "T_condenser", .target = 22.0, .noise = 0.05, .lag = 25, .start = ROOM},
     };
 };
 
@@ -181,10 +181,10 @@ struct cpc_3022 : liquid_only {
     CPC_NAMES(3022, 3022);
     static constexpr counter_row row{.efficiency = 0.97, .flow = 0.3 * LPM, .unsettled = 1, .low_liquid = 2};
     static constexpr SIM_channel channels[] = {
-        {"T_saturator", 35.0, 0.04, 60, ROOM},
-        {"T_condenser", 10.0, 0.05, 90, ROOM},
-        {"T_optics", 35.5, 0.05, 75, ROOM},
-        {"Q", 0.3, 0.001},
+        {.field = "T_saturator", .target = 35.0, .noise = 0.04, .lag = 60, .start = ROOM},
+        {.field = "T_condenser", .target = 10.0, .noise = 0.05, .lag = 90, .start = ROOM},
+        {.field = "T_optics", .target = 35.5, .noise = 0.05, .lag = 75, .start = ROOM},
+        {.field = "Q", .target = 0.3, .noise = 0.001},
     };
 };
 
@@ -208,16 +208,16 @@ struct cpc_3775 : liquid_only {
                                      .low_liquid = 0x0100,
                                      .liquid_full = 2471};
     static constexpr SIM_channel channels[] = {
-        {"T_condenser", 14.0, 0.05, 80, ROOM},
-        {"T_saturator", 39.0, 0.04, 60, ROOM},
-        {"T_optics", 40.0, 0.05, 70, ROOM},
-        {"T_cabinet", 30.0, 0.1},
-        {"P_ambient", 985, 0.4},
-        {"P_orifice", 420, 1.5},
-        {"P_nozzle", 2.4, 0.03},
-        {"I_laser", 51, 0.4},
-        {"Q", 0.3, 0.001},
-        {"Q_inlet", 1.5, 0.01},
+        {.field = "T_condenser", .target = 14.0, .noise = 0.05, .lag = 80, .start = ROOM},
+        {.field = "T_saturator", .target = 39.0, .noise = 0.04, .lag = 60, .start = ROOM},
+        {.field = "T_optics", .target = 40.0, .noise = 0.05, .lag = 70, .start = ROOM},
+        {.field = "T_cabinet", .target = 30.0, .noise = 0.1},
+        {.field = "P_ambient", .target = 985, .noise = 0.4},
+        {.field = "P_orifice", .target = 420, .noise = 1.5},
+        {.field = "P_nozzle", .target = 2.4, .noise = 0.03},
+        {.field = "I_laser", .target = 51, .noise = 0.4},
+        {.field = "Q", .target = 0.3, .noise = 0.001},
+        {.field = "Q_inlet", .target = 1.5, .noise = 0.01},
     };
 };
 
@@ -226,11 +226,11 @@ struct cpc_3781 : liquid_only {
     static constexpr counter_row row{
         .efficiency = 1.0, .flow = 0.12 * LPM, .unsettled = 0x0007, .low_liquid = 0x0020};
     static constexpr SIM_channel channels[] = {
-        {"T_saturator", 20.0, 0.06, 40, ROOM},
-        {"T_growth", 60.0, 0.08, 70, ROOM},
-        {"T_optics", 60.0, 0.08, 75, ROOM},
-        {"P", 982, 0.5},
-        {"Q", 0.12, 0.0006},
+        {.field = "T_saturator", .target = 20.0, .noise = 0.06, .lag = 40, .start = ROOM},
+        {.field = "T_growth", .target = 60.0, .noise = 0.08, .lag = 70, .start = ROOM},
+        {.field = "T_optics", .target = 60.0, .noise = 0.08, .lag = 75, .start = ROOM},
+        {.field = "P", .target = 982, .noise = 0.5},
+        {.field = "Q", .target = 0.12, .noise = 0.0006},
     };
 };
 
@@ -239,19 +239,19 @@ struct cpc_3783 : liquid_only {
     static constexpr counter_row row{
         .efficiency = 1.0, .flow = 0.12 * LPM, .unsettled = 0x0007, .low_liquid = 0, .liquid_full = 960};
     static constexpr SIM_channel channels[] = {
-        {"T_inlet", 22.5, 0.1},
-        {"T_growth", 60.0, 0.06, 70, ROOM},
-        {"T_condenser", 20.0, 0.06, 40, ROOM},
-        {"T_optics", 60.0, 0.08, 75, ROOM},
-        {"T_water", 24.5, 0.05},
-        {"T_cabinet", 29.0, 0.1},
-        {"Q_inlet", 3.0, 0.02},
-        {"P_absolute", 985, 0.5},
-        {"P_vacuum", 390, 1.5},
-        {"P_nozzle", 98, 0.5},
-        {"I_laser", 68, 0.5},
-        {"V_photo", 410, 2},
-        {"V_pulse", 2100, 35},
+        {.field = "T_inlet", .target = 22.5, .noise = 0.1},
+        {.field = "T_growth", .target = 60.0, .noise = 0.06, .lag = 70, .start = ROOM},
+        {.field = "T_condenser", .target = 20.0, .noise = 0.06, .lag = 40, .start = ROOM},
+        {.field = "T_optics", .target = 60.0, .noise = 0.08, .lag = 75, .start = ROOM},
+        {.field = "T_water", .target = 24.5, .noise = 0.05},
+        {.field = "T_cabinet", .target = 29.0, .noise = 0.1},
+        {.field = "Q_inlet", .target = 3.0, .noise = 0.02},
+        {.field = "P_absolute", .target = 985, .noise = 0.5},
+        {.field = "P_vacuum", .target = 390, .noise = 1.5},
+        {.field = "P_nozzle", .target = 98, .noise = 0.5},
+        {.field = "I_laser", .target = 68, .noise = 0.5},
+        {.field = "V_photo", .target = 410, .noise = 2},
+        {.field = "V_pulse", .target = 2100, .noise = 35},
     };
 };
 
@@ -259,10 +259,18 @@ struct cpc_3783 : liquid_only {
 
 constexpr counter_row BMI_ROW{.efficiency = 0.95, .flow = 0.36 * LPM, .unsettled = 0, .low_liquid = 0};
 constexpr SIM_channel BMI_CHANNELS[] = {
-    {"T1", 15.0, 0.05, 80, ROOM}, {"T2", 42.0, 0.05, 60, ROOM}, {"T3", 43.0, 0.05, 60, ROOM},
-    {"T4", 47.0, 0.06, 70, ROOM}, {"Tu", 24.0, 0.08},           {"Q1", 0.36, 0.001},
-    {"Q2", 0.30, 0.001},          {"PCT1", 48, 1.2, 120, 100},  {"PCT2", 31, 0.8, 80, 100},
-    {"PCT3", 28, 0.8, 80, 100},   {"PCT4", 22, 0.6, 80, 100},   {"PCT5", 54, 0.4},
+    {.field = "T1", .target = 15.0, .noise = 0.05, .lag = 80, .start = ROOM},
+    {.field = "T2", .target = 42.0, .noise = 0.05, .lag = 60, .start = ROOM},
+    {.field = "T3", .target = 43.0, .noise = 0.05, .lag = 60, .start = ROOM},
+    {.field = "T4", .target = 47.0, .noise = 0.06, .lag = 70, .start = ROOM},
+    {.field = "Tu", .target = 24.0, .noise = 0.08},
+    {.field = "Q1", .target = 0.36, .noise = 0.001},
+    {.field = "Q2", .target = 0.30, .noise = 0.001},
+    {.field = "PCT1", .target = 48, .noise = 1.2, .lag = 120, .start = 100},
+    {.field = "PCT2", .target = 31, .noise = 0.8, .lag = 80, .start = 100},
+    {.field = "PCT3", .target = 28, .noise = 0.8, .lag = 80, .start = 100},
+    {.field = "PCT4", .target = 22, .noise = 0.6, .lag = 80, .start = 100},
+    {.field = "PCT5", .target = 54, .noise = 0.4},
 };
 
 struct bmi1710 {

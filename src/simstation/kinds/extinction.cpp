@@ -19,10 +19,13 @@ constexpr double FLUSH_LAG = 6;  // seconds in which the cell fills with other a
 constexpr WORD ZEROING = 0x0001;
 
 constexpr SIM_channel CAPS_CHANNELS[] = {
-    {"temp", 31, 0.02, 400, 22}, {"press", 984, 0.2}, {"signal", 18200, 25}};
+    {.field = "temp", .target = 31, .noise = 0.02, .lag = 400, .start = 22},
+    {.field = "press", .target = 984, .noise = 0.2},
+    {.field = "signal", .target = 18200, .noise = 25}};
 
 struct caps {
-    static constexpr SIM_setting settings[] = {{"baseline", "of the cavity, 1/Mm: 300 to 900"}};
+    static constexpr SIM_setting settings[] = {
+        {.name = "baseline", .help = "of the cavity, 1/Mm: 300 to 900"}};
 
     void start(SIM_instrument& sim) {
         known_baseline = baseline;
@@ -118,37 +121,37 @@ struct pax_step {
     int seconds;
 };
 constexpr std::array<pax_step, 4> PAX_CYCLE{{
-    {NET_PAX_MODE_MEASURE, 480},
-    {NET_PAX_MODE_FLUSH, 30},
-    {NET_PAX_MODE_ZERO, 60},
-    {NET_PAX_MODE_FLUSH, 30},
+    {.mode = NET_PAX_MODE_MEASURE, .seconds = 480},
+    {.mode = NET_PAX_MODE_FLUSH, .seconds = 30},
+    {.mode = NET_PAX_MODE_ZERO, .seconds = 60},
+    {.mode = NET_PAX_MODE_FLUSH, .seconds = 30},
 }};
 
 constexpr SIM_channel PAX_CHANNELS[] = {
-    {"baNoise", 0.4, 0.02},
-    {"p", 984, 0.2},
-    {"pInlet", 986, 0.2},
-    {"pVacuum", 410, 2},
-    {"tSample", 28, 0.03, 300, 22},
-    {"tLaser", 25, 0.02, 120, 22},
-    {"v33", 3.3, 0.002},
-    {"v5", 5.02, 0.003},
-    {"v12", 12.05, 0.01},
-    {"vM5", -5.01, 0.003},
-    {"vP5", 5.01, 0.003},
-    {"aLaser", 2.1, 0.004},
-    {"aPhotoDiode", 0.62, 0.002},
-    {"pLaser", 1.6, 0.005},
-    {"laserPhase", 163, 0.2},
-    {"micPressure", 0.8, 0.01},
-    {"qFactor", 61, 0.2},
-    {"rh", 32, 0.2},
-    {"frequency", 1503, 0.5},
+    {.field = "baNoise", .target = 0.4, .noise = 0.02},
+    {.field = "p", .target = 984, .noise = 0.2},
+    {.field = "pInlet", .target = 986, .noise = 0.2},
+    {.field = "pVacuum", .target = 410, .noise = 2},
+    {.field = "tSample", .target = 28, .noise = 0.03, .lag = 300, .start = 22},
+    {.field = "tLaser", .target = 25, .noise = 0.02, .lag = 120, .start = 22},
+    {.field = "v33", .target = 3.3, .noise = 0.002},
+    {.field = "v5", .target = 5.02, .noise = 0.003},
+    {.field = "v12", .target = 12.05, .noise = 0.01},
+    {.field = "vM5", .target = -5.01, .noise = 0.003},
+    {.field = "vP5", .target = 5.01, .noise = 0.003},
+    {.field = "aLaser", .target = 2.1, .noise = 0.004},
+    {.field = "aPhotoDiode", .target = 0.62, .noise = 0.002},
+    {.field = "pLaser", .target = 1.6, .noise = 0.005},
+    {.field = "laserPhase", .target = 163, .noise = 0.2},
+    {.field = "micPressure", .target = 0.8, .noise = 0.01},
+    {.field = "qFactor", .target = 61, .noise = 0.2},
+    {.field = "rh", .target = 32, .noise = 0.2},
+    {.field = "frequency", .target = 1503, .noise = 0.5},
 };
 
 struct pax {
     static constexpr SIM_setting settings[] = {
-        {"mode", "next: the present step of the cycle ends now", TRUE}};
+        {.name = "mode", .help = "next: the present step of the cycle ends now", .is_text = TRUE}};
 
     void start(SIM_instrument& sim) { step_ends = sim.time() + PAX_CYCLE[step].seconds; }
 

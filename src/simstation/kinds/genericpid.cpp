@@ -37,7 +37,7 @@ double limited(double value, double min, double max) {
 
 struct genericpid {
     static constexpr SIM_setting settings[] = {
-        {"load", "degC by which what flows through the line cools it or warms it"},
+        {.name = "load", .help = "degC by which what flows through the line cools it or warms it"},
     };
 
     genericpid() {

@@ -48,8 +48,8 @@ class loop {
 
 struct lovepid {
     static constexpr SIM_setting settings[] = {
-        {"silent", "number of the slot that does not answer, 1 to 3; 0: all answer"},
-        {"error", "what the silent slot's controller says", TRUE},
+        {.name = "silent", .help = "number of the slot that does not answer, 1 to 3; 0: all answer"},
+        {.name = "error", .help = "what the silent slot's controller says", .is_text = TRUE},
     };
     static constexpr int SLOTS = 3;  // the fourth slot of the line is empty
     static constexpr WORD ADDRS[NET_LOVEPID_SLOTS] = {0x10, 0x11, 0x2A, 0};
@@ -125,7 +125,8 @@ struct lovepid {
 };
 
 struct watlow {
-    static constexpr SIM_setting settings[] = {{"error", "number of the controller's error; 0: none"}};
+    static constexpr SIM_setting settings[] = {
+        {.name = "error", .help = "number of the controller's error; 0: none"}};
 
     void start(SIM_instrument& sim) { say_setpoints(sim); }
 

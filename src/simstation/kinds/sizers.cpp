@@ -101,9 +101,13 @@ struct grimm {
     static constexpr std::array<double, NET_GRIMM_BINS> diameters{
         0.25, 0.28, 0.3, 0.35, 0.4, 0.45, 0.5, 0.58, 0.65, 0.7,  0.8,  1.0,  1.3,  1.6,  2.0, 2.5,
         3.0,  3.5,  4.0, 5.0,  6.5, 7.5,  8.5, 10.0, 12.5, 15.0, 17.5, 20.0, 25.0, 30.0, 32.0};
-    static constexpr SIM_channel channels[] = {
-        {"Q", 1.2, 0.004},        {"loc", 1, 0}, {"gf", 100, 0}, {"batt", 97, 0.3}, {"I_motor", 46, 0.7},
-        {"zero_filter", 12, 0.5}, {"cal", 3, 0}};
+    static constexpr SIM_channel channels[] = {{.field = "Q", .target = 1.2, .noise = 0.004},
+                                               {.field = "loc", .target = 1, .noise = 0},
+                                               {.field = "gf", .target = 100, .noise = 0},
+                                               {.field = "batt", .target = 97, .noise = 0.3},
+                                               {.field = "I_motor", .target = 46, .noise = 0.7},
+                                               {.field = "zero_filter", .target = 12, .noise = 0.5},
+                                               {.field = "cal", .target = 3, .noise = 0}};
 
     // The counter beside it reports through this instrument.
     void tick(SIM_instrument& sim, NET_GRIMM_Instant& in) {
@@ -121,7 +125,8 @@ struct grimm {
 struct lasair {
     OPTICAL_NAMES(LASAIR);
     static constexpr std::array<double, NET_LASAIR_BINS> diameters{0.1, 0.2, 0.3, 0.4, 0.5, 0.7, 1.0, 2.0};
-    static constexpr SIM_channel channels[] = {{"Q", 0.028, 0.0001}, {"V_laser", 4.95, 0.01}};
+    static constexpr SIM_channel channels[] = {{.field = "Q", .target = 0.028, .noise = 0.0001},
+                                               {.field = "V_laser", .target = 4.95, .noise = 0.01}};
 
     // The inlet moves on to its next port every few minutes, and is a while on the way.
     void tick(SIM_instrument& sim, NET_LASAIR_Instant& in) {
@@ -141,15 +146,16 @@ constexpr int SWEEP_SECONDS = 60;
 constexpr std::size_t BLIND_BINS = 3;  // at both ends: the sweep's turning points count nothing
 constexpr double LOWEST_HV = 12, HIGHEST_HV = 6000;
 
-constexpr SIM_channel SEMS_CHANNELS[] = {{"T", 24.5, 0.05, 600, 22},
-                                         {"rh", 18, 0.2, 300, 40},
-                                         {"P_impactor", 982, 0.3},
-                                         {"P_dma", 979, 0.3},
-                                         {"Q_sheath", 3.0, 0.004},
-                                         {"Q_excess", 3.0, 0.004},
-                                         {"Q_mono", 0.36, 0.001},
-                                         {"T_CPC_condenser", 15, 0.05, 80, 23.5},
-                                         {"T_CPC_saturator", 42, 0.05, 60, 23.5}};
+constexpr SIM_channel SEMS_CHANNELS[] = {
+    {.field = "T", .target = 24.5, .noise = 0.05, .lag = 600, .start = 22},
+    {.field = "rh", .target = 18, .noise = 0.2, .lag = 300, .start = 40},
+    {.field = "P_impactor", .target = 982, .noise = 0.3},
+    {.field = "P_dma", .target = 979, .noise = 0.3},
+    {.field = "Q_sheath", .target = 3.0, .noise = 0.004},
+    {.field = "Q_excess", .target = 3.0, .noise = 0.004},
+    {.field = "Q_mono", .target = 0.36, .noise = 0.001},
+    {.field = "T_CPC_condenser", .target = 15, .noise = 0.05, .lag = 80, .start = 23.5},
+    {.field = "T_CPC_saturator", .target = 42, .noise = 0.05, .lag = 60, .start = 23.5}};
 
 // Share of a log-normal mode per unit of log10(diameter).
 double mode(double diameter, double median, double log_sigma) {

@@ -20,12 +20,12 @@ struct phase_row {
 };
 
 constexpr phase_row g_phases[NET_COMMON_NEPH_SC_COUNT] = {
-    {"none", SIM_NEPH_AMBIENT},
-    {"flushing with air", SIM_NEPH_FILTERED},
-    {"flushing with CO2", SIM_NEPH_CO2},
-    {"sampling CO2", SIM_NEPH_CO2},
-    {"flushing with air", SIM_NEPH_FILTERED},
-    {"sampling air", SIM_NEPH_FILTERED},
+    {.name = "none", .inlet = SIM_NEPH_AMBIENT},
+    {.name = "flushing with air", .inlet = SIM_NEPH_FILTERED},
+    {.name = "flushing with CO2", .inlet = SIM_NEPH_CO2},
+    {.name = "sampling CO2", .inlet = SIM_NEPH_CO2},
+    {.name = "flushing with air", .inlet = SIM_NEPH_FILTERED},
+    {.name = "sampling air", .inlet = SIM_NEPH_FILTERED},
 };
 
 using five_times = std::array<FTIME, NET_COMMON_NEPH_SC_COUNT - 1>;

@@ -42,10 +42,10 @@ struct waypoint {
     position at;
 };
 constexpr std::array<waypoint, 4> WAYPOINTS{{
-    {"HOME", {40.05, -88.37}},
-    {"BONDVIL", {40.13, -88.02}},
-    {"NORTH", {40.45, -88.30}},
-    {"WEST", {40.02, -88.80}},
+    {.name = "HOME", .at = {40.05, -88.37}},
+    {.name = "BONDVIL", .at = {40.13, -88.02}},
+    {.name = "NORTH", .at = {40.45, -88.30}},
+    {.name = "WEST", .at = {40.02, -88.80}},
 }};
 
 constexpr std::array<const char*, 6> TASKS{"TAKE OFF", "CLIMB", "TOP", "STEP DOWN", "LOW PASS", "RETURN"};
@@ -54,8 +54,8 @@ constexpr double LEG_SECONDS = 900;
 
 struct verticalprofile {
     static constexpr SIM_setting settings[] = {
-        {"gps", "off: the position is lost"},
-        {"waypoints", "how many entries the table of waypoints has, 0 to 4"},
+        {.name = "gps", .help = "off: the position is lost"},
+        {.name = "waypoints", .help = "how many entries the table of waypoints has, 0 to 4"},
     };
 
     void start(SIM_instrument& sim) { say_waypoints(sim); }

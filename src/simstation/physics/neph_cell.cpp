@@ -32,8 +32,12 @@ struct channel_row {
 };
 
 constexpr channel_row g_channels[SIM_NEPH_SIX] = {
-    {6.5, 0.25, 420, 21000, 12}, {8.0, 0.20, 400, 24000, 8}, {10.5, 0.25, 190, 11000, 55},
-    {4.0, 0.09, 400, 20000, 12}, {4.5, 0.07, 380, 23000, 8}, {6.0, 0.09, 180, 10500, 55},
+    {.wall = 6.5, .noise = 0.25, .sensitivity = 420, .calibrator = 21000, .dark = 12},
+    {.wall = 8.0, .noise = 0.20, .sensitivity = 400, .calibrator = 24000, .dark = 8},
+    {.wall = 10.5, .noise = 0.25, .sensitivity = 190, .calibrator = 11000, .dark = 55},
+    {.wall = 4.0, .noise = 0.09, .sensitivity = 400, .calibrator = 20000, .dark = 12},
+    {.wall = 4.5, .noise = 0.07, .sensitivity = 380, .calibrator = 23000, .dark = 8},
+    {.wall = 6.0, .noise = 0.09, .sensitivity = 180, .calibrator = 10500, .dark = 55},
 };
 // Slow enough that a span check of half an hour sees little of it, and the hourly zeros some.
 constexpr double WALL_DRIFT = 0.7;  // relative to the noise of one second

@@ -26,11 +26,11 @@ struct rule {
 // settings as W. L. and M. L. Luyben give them beside these in "Essentials of Process Control" (1997). They
 // are slower and damp more.
 constexpr rule RULES[] = {
-    {1 / 2.2, 2.2, 1 / 6.3},  // GENERICPID_TUNE_TLC_PID
-    {1 / 3.2, 2.2, 0},        // GENERICPID_TUNE_TLC_PI
-    {0.6, 1 / 2.0, 1 / 8.0},  // GENERICPID_TUNE_ZN_PID
-    {0.45, 1 / 1.2, 0},       // GENERICPID_TUNE_ZN_PI
-    {0.5, 0, 0},              // GENERICPID_TUNE_ZN_P
+    {.gain = 1 / 2.2, .integral_time = 2.2, .derivative_time = 1 / 6.3},  // GENERICPID_TUNE_TLC_PID
+    {.gain = 1 / 3.2, .integral_time = 2.2, .derivative_time = 0},        // GENERICPID_TUNE_TLC_PI
+    {.gain = 0.6, .integral_time = 1 / 2.0, .derivative_time = 1 / 8.0},  // GENERICPID_TUNE_ZN_PID
+    {.gain = 0.45, .integral_time = 1 / 1.2, .derivative_time = 0},       // GENERICPID_TUNE_ZN_PI
+    {.gain = 0.5, .integral_time = 0, .derivative_time = 0},              // GENERICPID_TUNE_ZN_P
 };
 static_assert(std::size(RULES) == GENERICPID_TUNE_COUNT);
 
