@@ -18,17 +18,17 @@ struct request {
 };
 
 // FALSE when the count is none.
-BOOL parse_request(std::string_view item, request& r) {
+BOOL parse_request(std::string_view item, request* r) {
     if (const auto star = item.rfind('*'); star != std::string_view::npos) {
         const std::string_view digits = item.substr(star + 1);
-        const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), r.count);
+        const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), r->count);
         if (error != std::errc{} || end != digits.data() + digits.size()) return FALSE;
-        if (r.count < 1 || r.count > MOST_OF_A_KIND) return FALSE;
+        if (r->count < 1 || r->count > MOST_OF_A_KIND) return FALSE;
         item = item.substr(0, star);
     }
     const auto equals = item.find('=');
-    r.type = item.substr(0, equals);
-    if (equals != std::string_view::npos) r.name = item.substr(equals + 1);
+    r->type = item.substr(0, equals);
+    if (equals != std::string_view::npos) r->name = item.substr(equals + 1);
     return TRUE;
 }
 
@@ -62,44 +62,44 @@ char free_id(const std::vector<SIM_member>& members, const SIM_kind& kind, int w
     return found != IDENTIFIERS.end() ? *found : '\0';
 }
 
-void add_one(std::vector<SIM_member>& members, const SIM_kind& kind, const std::string& name) {
+void add_one(const SIM_kind& kind, const std::string& name, std::vector<SIM_member>* members) {
     const auto of_kind = [&](const SIM_member& m) { return m.kind == &kind; };
-    const int which = static_cast<int>(std::count_if(members.begin(), members.end(), of_kind)) + 1;
+    const int which = static_cast<int>(std::count_if(members->begin(), members->end(), of_kind)) + 1;
     std::string title = kind.display_name;
     if (which > 1) title += " " + std::to_string(which);
-    members.push_back({&kind, name, title, free_id(members, kind, which)});
+    members->push_back({&kind, name, title, free_id(*members, kind, which)});
 }
 
 // What is wrong with the request, "" for nothing.
-std::string add_requested(std::vector<SIM_member>& members, std::string_view item) {
+std::string add_requested(std::string_view item, std::vector<SIM_member>* members) {
     request r;
-    if (!parse_request(item, r)) return "a count from 1 to " + std::to_string(MOST_OF_A_KIND) + " follows *";
+    if (!parse_request(item, &r)) return "a count from 1 to " + std::to_string(MOST_OF_A_KIND) + " follows *";
     const SIM_kind* const kind = SIM_kind_by_type(r.type);
     if (kind == nullptr) return "no such kind (see --list)";
     const BOOL named = !r.name.empty();
     if (!named && item.find('=') != std::string_view::npos) return "a source name follows =";
     if (named && !UTIL_valid_source_name(r.name)) return "no valid source name";
-    if (named && has_name(members, r.name)) return "the name is used twice";
+    if (named && has_name(*members, r.name)) return "the name is used twice";
     for (int i = 0; i < r.count; ++i)
-        add_one(members, *kind, free_name(members, named ? r.name : kind->name));
+        add_one(*kind, free_name(*members, named ? r.name : kind->name), members);
     return "";
 }
 
 }  // namespace
 
-std::vector<SIM_member> SIM_roster(std::string_view list, std::vector<std::string>& errors) {
+std::vector<SIM_member> SIM_roster(std::string_view list, std::vector<std::string>* errors) {
     std::vector<SIM_member> members;
     if (list.empty()) {
         for (const SIM_kind& kind : SIM_kinds()) {
-            if (!kind.on_demand) add_one(members, kind, kind.name);
+            if (!kind.on_demand) add_one(kind, kind.name, &members);
         }
         return members;
     }
     for (std::size_t at = 0; at <= list.size();) {
         const std::size_t end = std::min(list.find(',', at), list.size());
         const std::string_view item = list.substr(at, end - at);
-        const std::string wrong = add_requested(members, item);
-        if (!wrong.empty()) errors.push_back("\"" + std::string(item) + "\": " + wrong);
+        const std::string wrong = add_requested(item, &members);
+        if (!wrong.empty()) errors->push_back("\"" + std::string(item) + "\": " + wrong);
         at = end + 1;
     }
     return members;

@@ -10,4 +10,4 @@
 // `list` is "" for the whole table (kinds on demand left out), else kinds separated by commas, each
 // TYPE, TYPE=NAME (the source name), TYPE*COUNT or TYPE=NAME*COUNT; further ones of a kind get the next free
 // name and identifier. A list that cannot be had appends what is wrong with it to `errors`.
-[[nodiscard]] std::vector<SIM_member> SIM_roster(std::string_view list, std::vector<std::string>& errors);
+[[nodiscard]] std::vector<SIM_member> SIM_roster(std::string_view list, std::vector<std::string>* errors);

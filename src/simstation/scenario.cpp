@@ -55,8 +55,8 @@ std::string_view next_word(std::string_view& text) {
 }
 
 // "90", "1.5", "02:30", "1:00:00": FALSE for anything else and for what is negative.
-BOOL parse_clock(std::string_view text, double& seconds) {
-    seconds = 0;
+BOOL parse_clock(std::string_view text, double* seconds) {
+    *seconds = 0;
     for (int parts = 1; parts <= 3; ++parts) {
         const auto colon = text.find(':');
         const std::string_view part = text.substr(0, colon);
@@ -64,51 +64,52 @@ BOOL parse_clock(std::string_view text, double& seconds) {
         if (part.empty() || part.find_first_not_of("0123456789.") != std::string_view::npos) return FALSE;
         if (!UTIL_parse_number(part, &value)) return FALSE;
         if (parts > 1 && value >= 60) return FALSE;
-        seconds = seconds * 60 + value;
+        *seconds = *seconds * 60 + value;
         if (colon == std::string_view::npos) return TRUE;
         text.remove_prefix(colon + 1);
     }
     return FALSE;
 }
 
-BOOL parse_when(std::string_view text, double before, double& at) {
+BOOL parse_when(std::string_view text, double before, double* at) {
     const BOOL relative = text.starts_with('+');
     if (relative) text.remove_prefix(1);
     if (!parse_clock(text, at)) return FALSE;
-    if (relative) at += before;
+    if (relative) *at += before;
     return TRUE;
 }
 
 // A decimal or hexadecimal (0x) number of 16 bits.
-BOOL parse_flags(std::string_view text, double& flags) {
+BOOL parse_flags(std::string_view text, double* flags) {
     const BOOL is_hex = text.starts_with("0x");
     const std::string_view digits = is_hex ? text.substr(2) : text;
     const char* const allowed = is_hex ? "0123456789abcdefABCDEF" : "0123456789";
     if (digits.empty() || digits.find_first_not_of(allowed) != std::string_view::npos) return FALSE;
-    flags = std::strtod(std::string(text).c_str(), nullptr);
-    return flags <= HIGHEST_FLAGS;
+    *flags = std::strtod(std::string(text).c_str(), nullptr);
+    return *flags <= HIGHEST_FLAGS;
 }
 
 // What is wrong with the argument, "" for nothing.
-std::string take_argument(SIM_event& event, argument what, std::string_view text) {
+std::string take_argument(argument what, std::string_view text, SIM_event* event) {
     switch (what) {
         case NOTHING:
             return text.empty() ? "" : "nothing follows the event";
         case ON_OFF:
-            event.value = SIM_value(text);
+            event->value = SIM_value(text);
             return text == "on" || text == "off" ? "" : "\"on\" or \"off\" follows the event";
         case NUMBER:
-            return parse_flags(text, event.value.number) ? "" : "a number from 0 to 0xFFFF follows the event";
+            return parse_flags(text, &event->value.number) ? ""
+                                                           : "a number from 0 to 0xFFFF follows the event";
         case TEXT:
-            event.text = text;
+            event->text = text;
             return text.empty() ? "a text follows the event" : "";
         case ASSIGNMENT:
             break;
     }
     const auto equals = text.find('=');
     if (equals == std::string_view::npos || equals == 0) return "NAME=VALUE follows the event";
-    event.text = UTIL_trimmed(text.substr(0, equals));
-    event.value = SIM_value(UTIL_trimmed(text.substr(equals + 1)));
+    event->text = UTIL_trimmed(text.substr(0, equals));
+    event->value = SIM_value(UTIL_trimmed(text.substr(equals + 1)));
     return "";
 }
 
@@ -120,19 +121,19 @@ std::string check_scope(scope who, std::string_view target) {
 }
 
 // What is wrong with the line, "" for nothing.
-std::string parse_line(std::string_view line, double before, SIM_event& event) {
+std::string parse_line(std::string_view line, double before, SIM_event* event) {
     const std::string_view when = next_word(line);
-    if (!parse_when(when, before, event.at)) return quoted(when) + " is no time";
-    event.target = next_word(line);
-    if (event.target.empty()) return "no target";
+    if (!parse_when(when, before, &event->at)) return quoted(when) + " is no time";
+    event->target = next_word(line);
+    if (event->target.empty()) return "no target";
     const std::string_view word = next_word(line);
     if (word.empty()) return "no event";
     const auto row = std::find_if(std::begin(g_verbs), std::end(g_verbs),
                                   [&](const verb_row& v) { return word == v.word; });
     if (row == std::end(g_verbs)) return "unknown event " + quoted(word);
-    event.verb = row->verb;
-    std::string wrong = check_scope(row->who, event.target);
-    if (wrong.empty()) wrong = take_argument(event, row->what, line);
+    event->verb = row->verb;
+    std::string wrong = check_scope(row->who, event->target);
+    if (wrong.empty()) wrong = take_argument(row->what, line, event);
     return wrong.empty() ? "" : quoted(word) + ": " + wrong;
 }
 
@@ -170,7 +171,7 @@ std::string check_event(const SIM_event& event, const std::vector<SIM_member>& m
 
 }  // namespace
 
-std::vector<SIM_event> SIM_parse_scenario(std::string_view text, std::vector<std::string>& errors) {
+std::vector<SIM_event> SIM_parse_scenario(std::string_view text, std::vector<std::string>* errors) {
     std::vector<SIM_event> events;
     double before = 0;
     int number = 0;
@@ -181,9 +182,9 @@ std::vector<SIM_event> SIM_parse_scenario(std::string_view text, std::vector<std
         ++number;
         if (line.empty()) continue;
         SIM_event event{.at = 0, .target = "", .verb = SIM_V_QUIT, .text = "", .line = number};
-        const std::string wrong = parse_line(line, before, event);
+        const std::string wrong = parse_line(line, before, &event);
         if (!wrong.empty()) {
-            errors.push_back(line_error(number, wrong));
+            errors->push_back(line_error(number, wrong));
             continue;
         }
         before = event.at;
@@ -195,10 +196,10 @@ std::vector<SIM_event> SIM_parse_scenario(std::string_view text, std::vector<std
 }
 
 void SIM_check_scenario(const std::vector<SIM_event>& events, const std::vector<SIM_member>& members,
-                        std::vector<std::string>& errors) {
+                        std::vector<std::string>* errors) {
     for (const SIM_event& event : events) {
         const std::string wrong = check_event(event, members);
-        if (!wrong.empty()) errors.push_back(line_error(event.line, wrong));
+        if (!wrong.empty()) errors->push_back(line_error(event.line, wrong));
     }
 }
 

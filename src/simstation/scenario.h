@@ -42,9 +42,9 @@ inline constexpr std::string_view SIM_EVERYONE_TARGET = "*";
 // The events in order of time (equal times in order of their lines). Each wrong line appends one text,
 // "line 3: what is wrong", to `errors`.
 [[nodiscard]] std::vector<SIM_event> SIM_parse_scenario(std::string_view text,
-                                                        std::vector<std::string>& errors);
+                                                        std::vector<std::string>* errors);
 // Appends an error for every event whose target or setting these instruments do not have.
 void SIM_check_scenario(const std::vector<SIM_event>& events, const std::vector<SIM_member>& members,
-                        std::vector<std::string>& errors);
+                        std::vector<std::string>* errors);
 // Lets the instrument play an event of its own. Joining and leaving are the caller's, who has the link.
 void SIM_play_event(SIM_instrument& instrument, const SIM_event& event);

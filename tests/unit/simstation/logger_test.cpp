@@ -111,7 +111,7 @@ TEST_F(Logger, PlaysTheStationsEvents) {
     for (const SIM_event& event : SIM_parse_scenario("0 station error pump 2 hot\n"
                                                      "1 station message lunch\n"
                                                      "2 station contaminate on\n",
-                                                     errors))
+                                                     &errors))
         logger.play(event);
     ASSERT_THAT(sink.sent, SizeIs(3));
     EXPECT_STREQ(record<NET_LOG_MonitorMessage>(0).msg, "pump 2 hot");

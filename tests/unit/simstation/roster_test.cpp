@@ -17,7 +17,7 @@ using testing::SizeIs;
 std::vector<std::string> names(std::string_view list) {
     std::vector<std::string> errors;
     std::vector<std::string> found;
-    for (const SIM_member& m : SIM_roster(list, errors))
+    for (const SIM_member& m : SIM_roster(list, &errors))
         found.push_back(m.name);
     EXPECT_THAT(errors, IsEmpty());
     return found;
@@ -40,7 +40,7 @@ TEST(Roster, ListsNamesAndCounts) {
 
 TEST(Roster, ManyOfAKindStayDistinct) {
     std::vector<std::string> errors;
-    const auto members = SIM_roster("cpc_3010*3,cpc_3022", errors);
+    const auto members = SIM_roster("cpc_3010*3,cpc_3022", &errors);
     std::set<char> ids;
     for (const SIM_member& m : members)
         EXPECT_TRUE(ids.insert(m.id_ch).second) << m.name;
@@ -60,7 +60,7 @@ TEST(Roster, RefusesWhatCannotBe) {
     };
     for (const auto& [list, wrong] : cases) {
         std::vector<std::string> errors;
-        static_cast<void>(SIM_roster(list, errors));
+        static_cast<void>(SIM_roster(list, &errors));
         ASSERT_THAT(errors, SizeIs(1)) << list;
         EXPECT_THAT(errors[0], testing::EndsWith(std::string("\": ") + wrong));
     }

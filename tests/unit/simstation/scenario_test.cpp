@@ -21,7 +21,7 @@ TEST(Scenario, ReadsEventsInOrderOfTime) {
         "1:00:00 *       flags 0x0005\n"
         "  2.5\tN61  set  liquid = 0.1\n"
         "3 station message No #tags here",
-        errors);
+        &errors);
     EXPECT_THAT(errors, IsEmpty());
     ASSERT_EQ(events.size(), 6u);
     EXPECT_EQ(events[0].at, 2.5);
@@ -62,14 +62,14 @@ TEST(Scenario, SaysWhatIsWrongWithWhichLine) {
     };
     for (const auto& [line, wrong] : cases) {
         std::vector<std::string> errors;
-        EXPECT_THAT(SIM_parse_scenario(std::string("# first\n") + line + "\n", errors), IsEmpty()) << line;
+        EXPECT_THAT(SIM_parse_scenario(std::string("# first\n") + line + "\n", &errors), IsEmpty()) << line;
         EXPECT_THAT(errors, ElementsAre("line 2: " + std::string(wrong)));
     }
 }
 
 TEST(Scenario, ChecksTargetsAndSettingsAgainstTheInstruments) {
     std::vector<std::string> errors;
-    const auto members = SIM_roster("cpc_3010,inst_skel", errors);
+    const auto members = SIM_roster("cpc_3010,inst_skel", &errors);
     const auto events = SIM_parse_scenario(
         "1 N61 set liquid=0.1\n"
         "2 N99 comms off\n"
@@ -78,9 +78,9 @@ TEST(Scenario, ChecksTargetsAndSettingsAgainstTheInstruments) {
         "5 * set liquid=1\n"
         "6 * comms off\n"
         "7 station error x\n",
-        errors);
+        &errors);
     ASSERT_THAT(errors, IsEmpty());
-    SIM_check_scenario(events, members, errors);
+    SIM_check_scenario(events, members, &errors);
     EXPECT_THAT(errors,
                 ElementsAre("line 2: no instrument \"N99\"", "line 3: cpc_3010 has no setting \"filter\"",
                             "line 4: \"empty\" is no number and neither on nor off",

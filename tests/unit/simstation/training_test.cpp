@@ -39,9 +39,9 @@ class Training {
         std::ifstream file(path);
         text.assign(std::istreambuf_iterator<char>(file), {});
         std::vector<std::string> errors;
-        const auto members = SIM_roster(kinds_of(text), errors);
-        events_ = SIM_parse_scenario(text, errors);
-        SIM_check_scenario(events_, members, errors);
+        const auto members = SIM_roster(kinds_of(text), &errors);
+        events_ = SIM_parse_scenario(text, &errors);
+        SIM_check_scenario(events_, members, &errors);
         EXPECT_THAT(errors, IsEmpty());
         EXPECT_FALSE(events_.empty());
         sink.now = &world.now;
