@@ -17,14 +17,14 @@ using channel_order = std::array<std::size_t, CHANNELS>;
 
 // Whether a later channel takes the place of the one picked so far: a shorter wavelength does, and anything
 // replaces a pick without wavelength, so that such channels come last and the later ones of them first.
-BOOL replaces(double wavelength, double picked) {
-    if (VESK_is_missing(picked)) return TRUE;
+bool replaces(double wavelength, double picked) {
+    if (VESK_is_missing(picked)) return true;
     return !VESK_is_missing(wavelength) && wavelength < picked;
 }
 
 channel_order by_wavelength(const NET_AETHALOMETER_Report& rep) {
     channel_order order{};
-    std::array<BOOL, CHANNELS> used{};
+    std::array<bool, CHANNELS> used{};
     for (std::size_t& next : order) {
         std::size_t pick = CHANNELS;
         for (std::size_t i = 0; i < CHANNELS; ++i)

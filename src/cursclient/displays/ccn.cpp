@@ -117,13 +117,13 @@ BOOL read_setpoint(const CCN_prv_data* pd, NET_CCN_ScanningControl* start) {
 
 using setpoint_form = FORM<CCN_prv_data, NET_CCN_ScanningControl>;
 constexpr setpoint_form::row SETPOINT_ROWS[] = {setpoint_form::number<&NET_CCN_ScanningControl::sp>(
-    "Setpoint: ", {.min = 0, .max = 99.99, .format = "%.2f", .exact_until_edited = TRUE})};
+    "Setpoint: ", {.min = 0, .max = 99.99, .format = "%.2f", .exact_until_edited = true})};
 constexpr setpoint_form SETPOINT{.title = "Change setpoint",
                                  .rows = SETPOINT_ROWS,
                                  .read = read_setpoint,
                                  .send = send_setpoint,
                                  .gap = 1,
-                                 .trusts_start_values = TRUE};
+                                 .trusts_start_values = true};
 
 std::string calibration_label(const CCN_prv_data* pd) {
     return pd->status.in_calibration ? "4 Stop calibration scans" : "4 Start calibration scans";

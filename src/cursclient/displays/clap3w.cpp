@@ -56,17 +56,17 @@ void draw_halted(const NET_CLAP3W_FilterStatus& filter, const CANVAS& d, int row
 }
 
 // FALSE when there is nothing to say, so that the row is free.
-BOOL CLAP3W_draw_status(const CLAP3W_prv_data* pd, const CANVAS& d, int row) {
+bool CLAP3W_draw_status(const CLAP3W_prv_data* pd, const CANVAS& d, int row) {
     const std::int32_t state = pd->filter_status.status;
-    if (d.no_comms(row, pd->status.have_comms)) return TRUE;
-    if (state == NET_CLAP3W_NORMAL) return FALSE;
+    if (d.no_comms(row, pd->status.have_comms)) return true;
+    if (state == NET_CLAP3W_NORMAL) return false;
     if (state > NET_CLAP3W_NORMAL && state <= NET_CLAP3W_WAIT_WHITE)
         d.text(row, 1, BUSY[state]);
     else if (pd->instant.flags & NET_CLAP3W_FILTER_OR_LED)
         d.fault().text_centered(row, "FILTER OR LED ERROR");
     else
         draw_halted(pd->filter_status, d, row);
-    return TRUE;
+    return true;
 }
 
 // ---- the views
@@ -211,7 +211,7 @@ void draw(CLAP3W_prv_data* pd, const CANVAS& d) {
 // ---- the commands
 
 // The filter is out of the instrument's hands: being changed, or replaced by a white one.
-BOOL filter_is_out(const CLAP3W_prv_data* pd) {
+bool filter_is_out(const CLAP3W_prv_data* pd) {
     const std::int32_t state = pd->filter_status.status;
     return state == NET_CLAP3W_CHANGING_FILTER || state == NET_CLAP3W_WHITE_CHECK;
 }
@@ -237,7 +237,7 @@ void check_white_filter(CLAP3W_prv_data* pd, DWORD uid) {
 }
 
 struct CLAP3W_flow {
-    BOOL override_locks;
+    bool override_locks;
 };
 
 void enable_flow(CLAP3W_prv_data* pd, const CLAP3W_flow& flow) {
@@ -261,10 +261,10 @@ void next_mode(CLAP3W_prv_data* pd, DWORD /*uid*/) {
     pd->display_mode = mode_after(pd->display_mode);
 }
 
-BOOL key_pressed(CLAP3W_prv_data* pd, DWORD uid, int key) {
-    if (key != 'D' && key != 'd') return FALSE;
+bool key_pressed(CLAP3W_prv_data* pd, DWORD uid, int key) {
+    if (key != 'D' && key != 'd') return false;
     next_mode(pd, uid);
-    return TRUE;
+    return true;
 }
 
 // ---- the menu

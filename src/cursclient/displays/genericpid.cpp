@@ -38,14 +38,14 @@ void cut_channel_names(GENERICPID_prv_data* pd, FTIME /*curtime*/) {
 
 enum window_mode { PLAIN, RESULTS, TUNING };
 
-BOOL is_tuning(const GENERICPID_prv_data* pd) {
+bool is_tuning(const GENERICPID_prv_data* pd) {
     return pd->t_status.state != GENERICPID_NOTTUNING;
 }
 
 window_mode mode_of(const GENERICPID_prv_data* pd) {
     if (is_tuning(pd)) return TUNING;
     const NET_GENERICPID_Params& found = pd->t_results.params;
-    const BOOL none = VESK_is_missing(found.p) && VESK_is_missing(found.i) && VESK_is_missing(found.d);
+    const bool none = VESK_is_missing(found.p) && VESK_is_missing(found.i) && VESK_is_missing(found.d);
     return none ? PLAIN : RESULTS;
 }
 

@@ -14,22 +14,22 @@ constexpr setpoint_form SETPOINT{.title = "Change setpoint",
                                  .read = FORM_read<&GENERICPID_prv_data::lastsp>,
                                  .send = FORM_send<MSG_GENERICPID_SET>,
                                  .ok_width = 20,
-                                 .trusts_start_values = TRUE};
+                                 .trusts_start_values = true};
 
 // ---- parameters
 
 struct GENERICPID_parameters : NET_GENERICPID_ControllerParams {
-    BOOL limit_p, limit_i, limit_d;
+    bool limit_p, limit_i, limit_d;
 };
 
-BOOL read_parameters(const GENERICPID_prv_data* pd, GENERICPID_parameters* start) {
+bool read_parameters(const GENERICPID_prv_data* pd, GENERICPID_parameters* start) {
     const NET_GENERICPID_ControllerParams& now = pd->info.params;
     const auto is_limited = [](double min, double max) {
         return !VESK_is_missing(min) || !VESK_is_missing(max);
     };
     *start = {now, is_limited(now.min.p, now.max.p), is_limited(now.min.i, now.max.i),
               is_limited(now.min.d, now.max.d)};
-    return TRUE;
+    return true;
 }
 
 void send_parameters(GENERICPID_prv_data* pd, const GENERICPID_parameters& entered) {
@@ -44,7 +44,7 @@ using form = FORM<GENERICPID_prv_data, GENERICPID_parameters>;
 using values = GENERICPID_parameters;
 using terms = NET_GENERICPID_Params;
 constexpr FORM_number limit(int x) {
-    return {.format = "%e", .max_len = 12, .as_typed = TRUE, .x = x};
+    return {.format = "%e", .max_len = 12, .as_typed = true, .x = x};
 }
 constexpr FORM_check LIMIT_SWITCH{.width = 12};
 constexpr int MIN = 14, MAX = 31;  // columns
@@ -68,7 +68,7 @@ constexpr form PARAMETERS{.title = "Change PID Parameters",
                           .read = read_parameters,
                           .send = send_parameters,
                           .ok_width = 23,
-                          .trusts_start_values = TRUE};
+                          .trusts_start_values = true};
 
 }  // namespace
 

@@ -20,7 +20,7 @@ static_assert(std::size(g_genericpidtuningtypes) == GENERICPID_TUNE_COUNT);
 using request = NET_GENERICPID_TuningRequest;
 
 // Proposes shares of the present output.
-BOOL propose(const GENERICPID_prv_data* pd, request* start) {
+bool propose(const GENERICPID_prv_data* pd, request* start) {
     static constexpr double AMPLITUDE_SHARE = 0.25;
     static constexpr double STABLITY_SHARE = 0.005;
     const double out = pd->instant.out;
@@ -31,7 +31,7 @@ BOOL propose(const GENERICPID_prv_data* pd, request* start) {
               .start_out = out,
               .output_amp = AMPLITUDE_SHARE * std::fabs(out),
               .param_gen = GENERICPID_TUNE_TLC_PID};
-    return TRUE;
+    return true;
 }
 
 constexpr FORM_number RUNS{.min = 1, .max = 9999, .format = "%.0f", .max_len = 8};
@@ -54,7 +54,7 @@ constexpr form TUNING{.title = "Start tuning sequence",
                       .send = FORM_send<MSG_GENERICPID_TUNING_START>,
                       .ok = "Begin",
                       .ok_width = 22,
-                      .trusts_start_values = TRUE};
+                      .trusts_start_values = true};
 
 }  // namespace
 

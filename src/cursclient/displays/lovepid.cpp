@@ -104,7 +104,7 @@ constexpr form SETPOINT{.title = "Change setpoint",
                         .read = read_setpoint,
                         .send = send_setpoint,
                         .ok_width = 10,
-                        .trusts_start_values = TRUE};
+                        .trusts_start_values = true};
 
 using store = INSTDISP_store<LOVEPID_prv_data>;
 constexpr store STORES[] = {

@@ -16,7 +16,7 @@ constexpr DWORD FIRST_GLOBAL_ERROR = 0x100;
 void draw_status(const NET_MAAP_Status& s, const CANVAS& d) {
     static constexpr int ROW = 16;
     if (d.no_comms(ROW, s.have_comms)) return;
-    const BOOL detailed = s.detailed_errors1 != 0 || s.detailed_errors2 != 0;
+    const bool detailed = s.detailed_errors1 != 0 || s.detailed_errors2 != 0;
     if (detailed || s.global_errors >= FIRST_GLOBAL_ERROR)
         // The second word stands first, as on the instrument's own display.
         d.fault().put(ROW, 1, "Error: %06X %08X%08X", s.global_errors, s.detailed_errors2,

@@ -11,9 +11,9 @@ struct NEPH_parameters : NET_NEPH_Config {
     std::int16_t v;  // of the zero valve
 };
 
-BOOL read_parameters(const NEPH_prv_data* pd, NEPH_parameters* start) {
+bool read_parameters(const NEPH_prv_data* pd, NEPH_parameters* start) {
     *start = {pd->config, VALVE_UNCHANGED};
-    return TRUE;
+    return true;
 }
 
 void send_parameters(NEPH_prv_data* pd, const NEPH_parameters& wanted) {
@@ -57,8 +57,8 @@ constexpr form PARAMETERS{.title = "Change paramters",
                           .send = send_parameters,
                           .ok_width = 26,
                           .cancel_width = 25,
-                          .focuses_first_row = TRUE,
-                          .trusts_start_values = TRUE};
+                          .focuses_first_row = true,
+                          .trusts_start_values = true};
 
 }  // namespace
 

@@ -50,7 +50,7 @@ struct SEMS_prv_data : SIZER_head {
     NET_SEMS_Status stat;
     series diameter;
     SEMS_sweep up, down;
-    BOOL tabular_up;  // the table shows the upward sweep
+    bool tabular_up;  // the table shows the upward sweep
 
     static constexpr SIZER_row ROW{.cols = 69,
                                    .rows = 22,
@@ -64,7 +64,7 @@ struct SEMS_prv_data : SIZER_head {
                                    .last_page = 3,
                                    .columns = COLUMNS};
 
-    [[nodiscard]] BOOL have_comms() const { return stat.have_comms; }
+    [[nodiscard]] bool have_comms() const { return stat.have_comms; }
     [[nodiscard]] const char* data_set() const { return nullptr; }
     [[nodiscard]] SIZER_view graph_x() const { return diameter.view(); }
     [[nodiscard]] SIZER_view graph_y() const {
@@ -164,7 +164,7 @@ void dN_down_stored(SEMS_prv_data* pd, FTIME /*curtime*/) {
 // ---- keys
 
 // "T" shows the upward sweep first, and the other one when the table is there already.
-BOOL key_pressed(SEMS_prv_data* pd, DWORD /*uid*/, int key) {
+bool key_pressed(SEMS_prv_data* pd, DWORD /*uid*/, int key) {
     if (key == 'T' || key == 't') pd->tabular_up = pd->dm != SIZER_DM_TABULAR || !pd->tabular_up;
     return SIZER_mode_key(SEMS_prv_data::ROW, pd, key);
 }

@@ -111,7 +111,7 @@ constexpr INSTDISP_kind<VERTICALPROFILE_prv_data> KIND{.cols = 29,
                                                        .reset = reset,
                                                        .menu = MENU,
                                                        .title = TITLE,
-                                                       .ignores_logging = TRUE};
+                                                       .ignores_logging = true};
 
 }  // namespace
 

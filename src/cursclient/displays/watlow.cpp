@@ -39,7 +39,7 @@ void send_setpoints(WATLOW_prv_data* pd, const NET_WATLOW_Channels& wanted) {
 }
 
 using form = FORM<WATLOW_prv_data, NET_WATLOW_Channels>;
-constexpr FORM_number TEMPERATURE{.min = -99.9, .max = 99.9, .format = "%.1f", .exact_until_edited = TRUE};
+constexpr FORM_number TEMPERATURE{.min = -99.9, .max = 99.9, .format = "%.1f", .exact_until_edited = true};
 constexpr form::row SETPOINT_ROWS[] = {
     form::number<&NET_WATLOW_Channels::chA>("Setpoint A: ", TEMPERATURE),
     form::number<&NET_WATLOW_Channels::chB>("Setpoint B: ", TEMPERATURE),
@@ -48,7 +48,7 @@ constexpr form SETPOINTS{.title = "Change setpoint",
                          .rows = SETPOINT_ROWS,
                          .read = FORM_read<&WATLOW_prv_data::sps>,
                          .send = send_setpoints,
-                         .trusts_start_values = TRUE};
+                         .trusts_start_values = true};
 
 using store = INSTDISP_store<WATLOW_prv_data>;
 constexpr store STORES[] = {

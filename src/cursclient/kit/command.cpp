@@ -62,7 +62,7 @@ void COMMAND_run(DWORD uid, COMMAND_action action, COMMAND_guard guard) {
         run_now(uid, action);
 }
 
-BOOL COMMAND_queue(NETMSG_type msg, DWORD flags, const char* dest, const void* payload, std::size_t size,
+bool COMMAND_queue(NETMSG_type msg, DWORD flags, const char* dest, const void* payload, std::size_t size,
                    const char* record) {
     if (g_sender != nullptr) return g_sender(msg, flags, dest, payload, size, record);
     return VESKMSG_queue_message(&g_lnk.msg_lnk, msg, flags, dest, payload, size, record);
@@ -72,7 +72,7 @@ void COMMAND_set_sender(COMMAND_sender sender) {
     g_sender = sender;
 }
 
-BOOL COMMAND_send(const INSTDISP_head* pd, NETMSG_type msg) {
+bool COMMAND_send(const INSTDISP_head* pd, NETMSG_type msg) {
     return COMMAND_queue(msg, 0, pd->name, nullptr, 0, nullptr);
 }
 
@@ -114,6 +114,6 @@ double COMMAND_entry_value(CURSDIALOG_widget* entry) {
     return UTIL_atofv(CURSDIALOG_getvalue(entry, nullptr, 0));
 }
 
-std::string COMMAND_check_label(BOOL on, const char* text) {
+std::string COMMAND_check_label(bool on, const char* text) {
     return std::string(on ? "[*] " : "[ ] ") + text;
 }

@@ -38,11 +38,11 @@ void COMMAND_run(DWORD uid, COMMAND_action action, COMMAND_guard guard);
 // ---- messages
 
 // To the instrument alone, without a record or with one.
-BOOL COMMAND_send(const INSTDISP_head* pd, NETMSG_type msg);
+bool COMMAND_send(const INSTDISP_head* pd, NETMSG_type msg);
 // As VESKMSG_queue_message on the console's link. Tests replace the way out; null restores it.
 using COMMAND_sender = BOOL (*)(NETMSG_type msg, DWORD flags, const char* dest, const void* payload,
                                 std::size_t size, const char* record);
-BOOL COMMAND_queue(NETMSG_type msg, DWORD flags, const char* dest, const void* payload, std::size_t size,
+bool COMMAND_queue(NETMSG_type msg, DWORD flags, const char* dest, const void* payload, std::size_t size,
                    const char* record);
 void COMMAND_set_sender(COMMAND_sender sender);
 
@@ -53,12 +53,12 @@ void COMMAND_issue(R* pd, DWORD /*uid*/) {
 }
 
 template <class Record>
-BOOL COMMAND_send(const INSTDISP_head* pd, NETMSG_type msg, Record record) {
+bool COMMAND_send(const INSTDISP_head* pd, NETMSG_type msg, Record record) {
     return COMMAND_queue(msg, 0, pd->name, &record, sizeof record, NETDSD_of<Record>()->name);
 }
 // To nobody in particular, with the given flags.
 template <class Record>
-BOOL COMMAND_broadcast(NETMSG_type msg, DWORD flags, Record record) {
+bool COMMAND_broadcast(NETMSG_type msg, DWORD flags, Record record) {
     return COMMAND_queue(msg, flags, nullptr, &record, sizeof record, NETDSD_of<Record>()->name);
 }
 
@@ -89,7 +89,7 @@ CURSDIALOG_widget* COMMAND_number_entry(
     std::size_t limits_size = sizeof(CURSDIALOG_DEFAULT_entry_numeric_param));
 [[nodiscard]] double COMMAND_entry_value(CURSDIALOG_widget* entry);
 // "[*] text" or "[ ] text".
-[[nodiscard]] std::string COMMAND_check_label(BOOL on, const char* text);
+[[nodiscard]] std::string COMMAND_check_label(bool on, const char* text);
 
 // A dialog with a record of its own, zero-filled or as P initialises it, that lives and dies with it. The
 // dialog's user data is a pointer to it: COMMAND_param<P> reads that in callbacks.

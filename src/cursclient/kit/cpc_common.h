@@ -42,7 +42,7 @@ void CPC_draw_butanol_temperatures(const R* pd, const CANVAS& d) {
 }
 
 // The status row of kinds that show their instrument's error word as it is.
-void CPC_draw_flag_word(const CANVAS& d, int row, BOOL have_comms, WORD flags);
+void CPC_draw_flag_word(const CANVAS& d, int row, bool have_comms, WORD flags);
 
 // The whole kind that knows nothing but concentrations.
 template <class R>

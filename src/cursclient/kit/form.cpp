@@ -61,7 +61,7 @@ std::string number_text(const FORM_number& number, double value) {
     return text;
 }
 
-BOOL is_within(const FORM_number& number, double value) {
+bool is_within(const FORM_number& number, double value) {
     return !(value < number.min) && !(value > number.max);
 }
 
@@ -77,7 +77,7 @@ CURSDIALOG_widget* add_number(CURSDIALOG_type* dlg, const form_state& f, const F
     param.limits = {number.min, number.max, "", number_accepted};
     if (!number.as_typed) UTIL_strcpynt(param.limits.fmt, number.format);
     const double start = value_of(f, row);
-    const BOOL is_empty = VESK_is_missing(start) && !f.body->trusts_start_values;
+    const bool is_empty = VESK_is_missing(start) && !f.body->trusts_start_values;
     const std::string text = is_empty ? "" : number_text(number, start);
     if (!number.exact_until_edited && !is_empty) row.store(f.values.get(), UTIL_atofv(text.c_str()));
     return CURSDIALOG_add_entry(dlg, row.x, y, 0, CURSDIALOG_STYLE_LIST, 0, row.label, text.c_str(),
@@ -104,7 +104,7 @@ void check_pressed(CURSDIALOG_type*, void* dlg_user_data, CURSDIALOG_widget* wd,
                    CURSDIALOG_button_action*) {
     const auto* f = COMMAND_param<form_state>(dlg_user_data);
     const FORM_row& row = f->body->row(row_of(wd_user_data));
-    const BOOL on = value_of(*f, row) == 0;
+    const bool on = value_of(*f, row) == 0;
     row.store(f->values.get(), on ? 1 : 0);
     const char* label = row.second_label != nullptr ? row.second_label : row.label;
     CURSDIALOG_setlabel(wd, COMMAND_check_label(on, label).c_str());
@@ -117,7 +117,7 @@ void cycle_pressed(CURSDIALOG_type*, void* dlg_user_data, CURSDIALOG_widget* wd,
     const std::size_t i = row_of(wd_user_data);
     const FORM_row& row = f->body->row(i);
     const auto now = std::ranges::find(row.choices, value_of(*f, row), &FORM_choice::value);
-    const BOOL goes_on = now != row.choices.end() && now + 1 != row.choices.end();
+    const bool goes_on = now != row.choices.end() && now + 1 != row.choices.end();
     row.store(f->values.get(), goes_on ? (now + 1)->value : row.choices.front().value);
     CURSDIALOG_setlabel(wd, choice_label(*f, i).c_str());
 }

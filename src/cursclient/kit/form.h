@@ -42,8 +42,8 @@ struct FORM_number {
     double min = FORM_ANY, max = FORM_ANY;
     const char* format = "%g";  // of one double; a text that does not fit is given in fewer digits
     int max_len = 10;
-    BOOL as_typed = FALSE;            // what was entered stays as it was typed, instead of in the format
-    BOOL exact_until_edited = FALSE;  // without an edit the start value is sent, not what the format shows
+    bool as_typed = false;            // what was entered stays as it was typed, instead of in the format
+    bool exact_until_edited = false;  // without an edit the start value is sent, not what the format shows
     int x = 1;
 };
 struct FORM_text {
@@ -107,7 +107,7 @@ using FORM_member_type = std::remove_cvref_t<decltype(*FORM_member(static_cast<V
 // The number as the member's type has it: integers are cut off and wrap.
 template <class T>
 [[nodiscard]] T FORM_converted(double value) {
-    if constexpr (std::is_same_v<T, BOOL>) {
+    if constexpr (std::is_same_v<T, bool>) {
         return value != 0;
     } else if constexpr (std::is_floating_point_v<T>) {
         return static_cast<T>(value);
@@ -132,18 +132,18 @@ struct FORM {
     const char* title;
     std::span<const row> rows;
     // Sets the start values (which are zero); FALSE: the dialog does not open. Null leaves them zero.
-    BOOL (*read)(const R* pd, V* values) = nullptr;
+    bool (*read)(const R* pd, V* values) = nullptr;
     // The pair that ends the dialog; the second button has the focus, unless the first row shall have it.
     void (*send)(R* pd, const V& values) = nullptr;  // null: no such pair, buttons are rows
     const char* ok = "Apply";
     int ok_width = 18;
     int cancel_width = 0;  // 0: the same
     int gap = 0;           // empty lines above the pair
-    BOOL focuses_first_row = FALSE;
+    bool focuses_first_row = false;
     // Normally a start value that is missing is left empty, and `send` and the buttons refuse, with the focus
     // on it, while a number is not within its limits. This is for instruments that report such values and
     // take them back.
-    BOOL trusts_start_values = FALSE;
+    bool trusts_start_values = false;
 
     template <auto... Path>
     [[nodiscard]] static constexpr row number(const char* label, FORM_number number) {
@@ -242,9 +242,9 @@ struct FORM {
 
 // A form's `read` that copies a member of the display's record.
 template <auto Member, class R, class V>
-BOOL FORM_read(const R* pd, V* values) {
+bool FORM_read(const R* pd, V* values) {
     *values = pd->*Member;
-    return TRUE;
+    return true;
 }
 // A form's `send` that sends the values as they are.
 template <NETMSG_type MSG, class R, class V>
@@ -262,11 +262,11 @@ struct FORM_body {
     std::vector<FORM_listed> (*choices_of)(std::size_t i, const void* pd);
     std::string (*note_of)(std::size_t i, const void* pd);
     void (*send)(std::size_t i, void* pd, const void* values);  // of a button's row; n_rows: of the ending
-    BOOL has_ending;
+    bool has_ending;
     const char* ok;
     int ok_width, cancel_width, gap;
-    BOOL focuses_first_row;
-    BOOL trusts_start_values;
+    bool focuses_first_row;
+    bool trusts_start_values;
 };
 // Opens the dialog with a copy of the values. `body` is static.
 void FORM_show(const FORM_body& body, DWORD uid, const void* values, std::size_t size);

@@ -54,7 +54,7 @@ void INSTDISP_close(INSTDISP_head* pd) {
     pd->win = nullptr;
 }
 
-BOOL INSTDISP_is_own(const INSTDISP_head* pd, const VESKMSG_proc_msg* pm) {
+bool INSTDISP_is_own(const INSTDISP_head* pd, const VESKMSG_proc_msg* pm) {
     return pm->src_name != nullptr && std::strcmp(pm->src_name, pd->name) == 0;
 }
 

@@ -71,16 +71,16 @@ struct INSTDISP_kind {
     void (*draw)(R* pd, const CANVAS& d);       // what is inside the frame
 
     void (*reset)(R* pd) = nullptr;                    // start values other than the usual ones
-    BOOL (*key)(R* pd, DWORD uid, int key) = nullptr;  // TRUE when used; after the standard keys and "M"
+    bool (*key)(R* pd, DWORD uid, int key) = nullptr;  // TRUE when used; after the standard keys and "M"
     std::span<const INSTDISP_menu_row<R>> menu = {};
-    BOOL (*start)(R* pd, DWORD uid) = nullptr;  // makes what the kind has besides; FALSE: no display
+    bool (*start)(R* pd, DWORD uid) = nullptr;  // makes what the kind has besides; FALSE: no display
     void (*stop)(R* pd) = nullptr;              // releases it, also after a start that failed half way
     void (*message)(R* pd, const VESKMSG_proc_msg* pm) = nullptr;  // every message, whoever sent it
     void (*layout)(R* pd) = nullptr;                       // sets the window's size before it is drawn
     WINS_window* (*second_window)(const R* pd) = nullptr;  // another window whose keys are the display's
     const char* title = nullptr;                           // in place of the display name
-    BOOL ignores_logging = FALSE;                          // MSG_LOG_INFO means nothing to it
-    BOOL any_source = FALSE;                               // stores what anybody sends
+    bool ignores_logging = false;                          // MSG_LOG_INFO means nothing to it
+    bool any_source = false;                               // stores what anybody sends
 };
 
 // ---- the steps that need no more than the head
@@ -89,7 +89,7 @@ struct INSTDISP_kind {
 [[nodiscard]] BOOL INSTDISP_open(INSTDISP_head* pd, const DISPLAY_match_params* mps, int cols, int rows);
 // Releases whatever exists of them.
 void INSTDISP_close(INSTDISP_head* pd);
-[[nodiscard]] BOOL INSTDISP_is_own(const INSTDISP_head* pd, const VESKMSG_proc_msg* pm);
+[[nodiscard]] bool INSTDISP_is_own(const INSTDISP_head* pd, const VESKMSG_proc_msg* pm);
 void INSTDISP_take_log_info(INSTDISP_head* pd, const VESKMSG_proc_msg* pm);
 // The menu with its title and, if there is a window, "1 Hide window".
 [[nodiscard]] CURSDIALOG_type* INSTDISP_menu(const INSTDISP_head* pd, const char* title, DWORD uid);
@@ -130,10 +130,10 @@ inline constexpr INSTDISP_menu_row<R> INSTDISP_MODE_ROW{
         return INSTDISP_mode_label(KEY, pd->display_mode);
     }};
 template <class R>
-[[nodiscard]] BOOL INSTDISP_mode_key(R* pd, DWORD uid, int key) {
-    if (key != 'D' && key != 'd') return FALSE;
+[[nodiscard]] bool INSTDISP_mode_key(R* pd, DWORD uid, int key) {
+    if (key != 'D' && key != 'd') return false;
     INSTDISP_go_to_next_mode(pd, uid);
-    return TRUE;
+    return true;
 }
 
 // ---- the callbacks
@@ -208,15 +208,15 @@ void INSTDISP_open_menu(R* pd, const INSTDISP_kind<R>& kind, DWORD uid) {
 }
 
 template <class R>
-[[nodiscard]] BOOL INSTDISP_keypress(R* pd, const INSTDISP_kind<R>& kind, DWORD uid, int key) {
-    if (pd->win == nullptr) return FALSE;
+[[nodiscard]] bool INSTDISP_keypress(R* pd, const INSTDISP_kind<R>& kind, DWORD uid, int key) {
+    if (pd->win == nullptr) return false;
     WINS_window* second = INSTDISP_second_window(pd, kind);
-    if (!pd->win->focused && (second == nullptr || !second->focused)) return FALSE;
-    if (WINS_default_keyhandler(pd->win, key)) return TRUE;
-    if (second != nullptr && WINS_default_keyhandler(second, key)) return TRUE;
+    if (!pd->win->focused && (second == nullptr || !second->focused)) return false;
+    if (WINS_default_keyhandler(pd->win, key)) return true;
+    if (second != nullptr && WINS_default_keyhandler(second, key)) return true;
     if (key == 'M' || key == 'm') {
         INSTDISP_open_menu(pd, kind, uid);
-        return TRUE;
+        return true;
     }
     return kind.key != nullptr && kind.key(pd, uid, key);
 }

@@ -3,7 +3,7 @@
 
 #include "libvesk/support/util.h"
 
-BOOL MATCHDISP_open(MATCHDISP_head* pd, const char* source, const char* display_name,
+bool MATCHDISP_open(MATCHDISP_head* pd, const char* source, const char* display_name,
                     const MATCHDISP_parts& parts) {
     SFMT_init_buffer(&pd->sbfr);
     UTIL_strcpynt(pd->name, source != nullptr && source[0] != '\0' ? source : display_name);
@@ -14,7 +14,7 @@ BOOL MATCHDISP_open(MATCHDISP_head* pd, const char* source, const char* display_
     void* user_ptr = pd;
     if (parts.cols != 0) {
         pd->win = WINS_create(parts.ident, parts.cols, parts.rows);
-        if (pd->win == nullptr) return FALSE;
+        if (pd->win == nullptr) return false;
         chosen = MAINMENU_default_focus_window;
         user_ptr = pd->win;
     }
@@ -22,6 +22,6 @@ BOOL MATCHDISP_open(MATCHDISP_head* pd, const char* source, const char* display_
     return pd->mme != nullptr;
 }
 
-BOOL MATCHDISP_is_made(const MATCHDISP_head* pd) {
+bool MATCHDISP_is_made(const MATCHDISP_head* pd) {
     return pd->mme != nullptr;
 }

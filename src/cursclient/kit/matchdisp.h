@@ -33,12 +33,12 @@ struct MATCHDISP_kind {
     char (*id_ch_of)() = nullptr;  // takes the place of `id_ch`: by the settings
     std::span<const NETMSG_type> made_by;
     // Asked after the display has seen the message; TRUE removes it. Null: never removed.
-    BOOL (*is_over)(R* pd, const VESKMSG_proc_msg* pm) = nullptr;
+    bool (*is_over)(R* pd, const VESKMSG_proc_msg* pm) = nullptr;
 };
 
 // The end of what one source feeds.
 template <class R>
-[[nodiscard]] BOOL MATCHDISP_source_left(R* pd, const VESKMSG_proc_msg* pm) {
+[[nodiscard]] bool MATCHDISP_source_left(R* pd, const VESKMSG_proc_msg* pm) {
     return pm->msg->msg == MSG_NOTIFY_CLIENT_TERMINATE && INSTDISP_is_own(pd, pm);
 }
 
@@ -51,10 +51,10 @@ struct MATCHDISP_parts {
     MAINMENU_selected_callback chosen;  // without a window; gets the private record
 };
 // Fills the head and makes window and menu entry. FALSE: the caller closes.
-[[nodiscard]] BOOL MATCHDISP_open(MATCHDISP_head* pd, const char* source, const char* display_name,
+[[nodiscard]] bool MATCHDISP_open(MATCHDISP_head* pd, const char* source, const char* display_name,
                                   const MATCHDISP_parts& parts);
 // FALSE for the record of a display that an instrument of that type announced: such a kind shows nothing.
-[[nodiscard]] BOOL MATCHDISP_is_made(const MATCHDISP_head* pd);
+[[nodiscard]] bool MATCHDISP_is_made(const MATCHDISP_head* pd);
 
 // ---- the callbacks; `kind` is a static MATCHDISP_kind<R>
 
@@ -98,7 +98,7 @@ template <const auto& kind, class R>
     INSTDISP_set_defaults(pd, kind.body);
     const MATCHDISP_parts parts{kind.ident, kind.body.cols, kind.body.rows,
                                 kind.id_ch_of != nullptr ? kind.id_ch_of() : kind.id_ch, open_menu};
-    const BOOL works = MATCHDISP_open(pd, pm->src_name, kind.display_name, parts) &&
+    const bool works = MATCHDISP_open(pd, pm->src_name, kind.display_name, parts) &&
                        (kind.body.start == nullptr || kind.body.start(pd, 0));
     if (works) return pd;
     INSTDISP_cleanup(pd, kind.body);
@@ -115,7 +115,7 @@ void* MATCHDISP_match(void* prv_data, DISPLAY_common_params*, DISPLAY_msg_params
         return MATCHDISP_active<kind> = MATCHDISP_make<kind, R>(mp->pm);
     }
     R* pd = static_cast<R*>(prv_data);
-    const BOOL is_over = MATCHDISP_is_made(pd) && kind.is_over != nullptr && kind.is_over(pd, mp->pm);
+    const bool is_over = MATCHDISP_is_made(pd) && kind.is_over != nullptr && kind.is_over(pd, mp->pm);
     return is_over ? nullptr : prv_data;
 }
 

@@ -7,7 +7,7 @@ void NEPH_draw_headings(const CANVAS& d) {
         d.text(1, col, NAMES[i++]);
 }
 
-void NEPH_draw_status(const CANVAS& d, int row, const SPANCHECK_head* pd, BOOL have_comms, FTIME next_zero) {
+void NEPH_draw_status(const CANVAS& d, int row, const SPANCHECK_head* pd, bool have_comms, FTIME next_zero) {
     if (d.no_comms(row, have_comms)) return;
     if (SPANCHECK_is_running(pd)) {
         d.put(row, 1, "SPANCHECK: %s UNTIL %s", SPANCHECK_phase_name(pd->sc_phase.phase),

@@ -14,7 +14,7 @@ inline constexpr int NEPH_RIGHT_VALUE = 44;
 // Row 1.
 void NEPH_draw_headings(const CANVAS& d);
 // Fault, span check or the next zero.
-void NEPH_draw_status(const CANVAS& d, int row, const SPANCHECK_head* pd, BOOL have_comms, FTIME next_zero);
+void NEPH_draw_status(const CANVAS& d, int row, const SPANCHECK_head* pd, bool have_comms, FTIME next_zero);
 
 // Rows 2 to 7: the scattering of a view and the last zero.
 template <class Scattering, class Zero>
@@ -46,10 +46,10 @@ void NEPH_toggle_counts(R* pd, DWORD /*uid*/) {
 
 // Keys besides the standard ones.
 template <class R>
-[[nodiscard]] BOOL NEPH_key(R* pd, DWORD uid, int key) {
+[[nodiscard]] bool NEPH_key(R* pd, DWORD uid, int key) {
     if (key != 'S' && key != 's') return SPANCHECK_key(pd, key);
     NEPH_toggle_counts(pd, uid);
-    return TRUE;
+    return true;
 }
 
 // ---- rows of the menu

@@ -16,7 +16,7 @@ constexpr int Y_LABELS = 7;
 constexpr const char* AVG_MODE_NAMES[] = {"Instantanous", "Running average", "Last average"};
 
 // Without two different bounds there is no scale to draw on.
-BOOL has_range(const SIZER_view& s) {
+bool has_range(const SIZER_view& s) {
     return s.min != s.max && s.min != VESK_BOUND_MIN_START && s.max != VESK_BOUND_MAX_START &&
            std::isfinite(s.max - s.min);
 }
@@ -62,18 +62,18 @@ int graph_after(const SIZER_head* pd, int first) {
     return pd->gm == first && pd->dm == SIZER_DM_GRAPH ? first + 1 : first;
 }
 
-BOOL graph_key(const SIZER_row& row, SIZER_head* pd, int key) {
+bool graph_key(const SIZER_row& row, SIZER_head* pd, int key) {
     const char* found = std::strchr(row.graph_keys, key);
-    if (found == nullptr) return FALSE;
+    if (found == nullptr) return false;
     pd->gm = graph_after(pd, static_cast<int>(found - row.graph_keys) * 2);
     pd->dm = SIZER_DM_GRAPH;
-    return TRUE;
+    return true;
 }
 
-BOOL turn_page(const SIZER_row& row, SIZER_head* pd, int by) {
-    if (pd->dm != SIZER_DM_TABULAR) return FALSE;
+bool turn_page(const SIZER_row& row, SIZER_head* pd, int by) {
+    if (pd->dm != SIZER_DM_TABULAR) return false;
     pd->tabular_page = std::clamp(pd->tabular_page + by, 0, row.last_page);
-    return TRUE;
+    return true;
 }
 
 }  // namespace
@@ -107,23 +107,23 @@ void SIZER_draw_table(const SIZER_row& row, const CANVAS& d, int page, const cha
     }
 }
 
-BOOL SIZER_mode_key(const SIZER_row& row, SIZER_head* pd, int key) {
+bool SIZER_mode_key(const SIZER_row& row, SIZER_head* pd, int key) {
     if (key == KEY_NPAGE) return turn_page(row, pd, +1);
     if (key == KEY_PPAGE) return turn_page(row, pd, -1);
-    if (key <= 0 || key > 0x7F) return FALSE;
+    if (key <= 0 || key > 0x7F) return false;
     key = std::toupper(key);
-    if (graph_key(row, pd, key)) return TRUE;
+    if (graph_key(row, pd, key)) return true;
     switch (key) {
         case 'T':
             if (pd->dm != SIZER_DM_TABULAR) pd->tabular_page = 0;
             pd->dm = SIZER_DM_TABULAR;
-            return TRUE;
+            return true;
         case 'H':
         case 'S':
             pd->dm = SIZER_DM_STATUS;
-            return TRUE;
+            return true;
         default:
-            return FALSE;
+            return false;
     }
 }
 

@@ -26,7 +26,7 @@ struct SIZER_view {
 };
 
 // Neither missing nor NaN nor infinite: what counts in sums, bounds and graphs.
-[[nodiscard]] inline BOOL SIZER_is_number(double v) {
+[[nodiscard]] inline bool SIZER_is_number(double v) {
     return std::isfinite(v) && !VESK_is_missing(v);
 }
 
@@ -111,7 +111,7 @@ void SIZER_draw_graph(const SIZER_row& row, const CANVAS& d, int gm, const char*
 void SIZER_draw_table(const SIZER_row& row, const CANVAS& d, int page, const char* data_set,
                       std::span<const SIZER_view> columns);
 // The keys of graphs, table, pages and housekeeping. TRUE when it was one of them.
-[[nodiscard]] BOOL SIZER_mode_key(const SIZER_row& row, SIZER_head* pd, int key);
+[[nodiscard]] bool SIZER_mode_key(const SIZER_row& row, SIZER_head* pd, int key);
 
 template <class R>
 void SIZER_draw(R* pd, const CANVAS& d) {
@@ -128,7 +128,7 @@ void SIZER_draw(R* pd, const CANVAS& d) {
 template <class R>
 [[nodiscard]] constexpr INSTDISP_kind<R> SIZER_kind(
     std::type_identity_t<std::span<const INSTDISP_store<R>>> stores, void (*reset)(R*),
-    BOOL (*key)(R*, DWORD, int), std::type_identity_t<std::span<const INSTDISP_menu_row<R>>> menu) {
+    bool (*key)(R*, DWORD, int), std::type_identity_t<std::span<const INSTDISP_menu_row<R>>> menu) {
     return {.cols = R::ROW.cols,
             .rows = R::ROW.rows,
             .stores = stores,
@@ -139,7 +139,7 @@ template <class R>
 }
 
 // A menu row that does what its key does: key_of is the kind's own key function.
-template <class R, int Key, BOOL (*key_of)(R*, DWORD, int)>
+template <class R, int Key, bool (*key_of)(R*, DWORD, int)>
 [[nodiscard]] constexpr INSTDISP_menu_row<R> SIZER_menu_key(const char* label) {
     return {.hot_key = Key, .label = label, .action = +[](R* pd, DWORD uid) { key_of(pd, uid, Key); }};
 }
@@ -162,7 +162,7 @@ struct SIZER_optical : SIZER_optical_head {
     Instant instant;
     Status status;
 
-    [[nodiscard]] BOOL have_comms() const { return status.have_comms; }
+    [[nodiscard]] bool have_comms() const { return status.have_comms; }
     [[nodiscard]] SIZER_view graph_x() const { return D.view(); }
     [[nodiscard]] SIZER_view graph_y() const { return gm == 0 ? ND.view() : dN.view(); }
     [[nodiscard]] std::array<SIZER_view, 3> table() const { return {D.view(), dN.view(), ND.view()}; }
@@ -195,12 +195,12 @@ void SIZER_average_stored(R* pd, FTIME /*curtime*/) {
 }
 
 template <class R>
-BOOL SIZER_optical_key(R* pd, DWORD /*uid*/, int key) {
-    if (SIZER_mode_key(R::ROW, pd, key)) return TRUE;
-    if (key != 'A' && key != 'a') return FALSE;
+bool SIZER_optical_key(R* pd, DWORD /*uid*/, int key) {
+    if (SIZER_mode_key(R::ROW, pd, key)) return true;
+    if (key != 'A' && key != 'a') return false;
     // What is shown changes with the next message.
     pd->am = INSTDISP_next_mode(pd->am);
-    return TRUE;
+    return true;
 }
 // The averaging button only brings the bins up to date: the data set is the key's to change.
 template <class R>
