@@ -17,76 +17,6 @@ class Window : public testing::Test {
     std::unique_ptr<Terminal> console_;
 };
 
-TEST_F(Window, HidesAndComesBackWhereItWas) {
-    for (const auto& hide : std::vector<std::function<void()>>{
-             [&] { console_->press(Key::escape); },
-             [&] { console_->type("\x17"); },
-             [&] {
-                 console_->type("m");
-                 ASSERT_TRUE(console_->shows("1 Hide window"));
-                 console_->type("1");
-             },
-         }) {
-        console_->press(Key::right);
-        ASSERT_TRUE(stands_at(*console_, "Counter", 6, 26));
-        hide();
-        EXPECT_TRUE(console_->hides("Last reading"));
-        ASSERT_TRUE(choose_from_menu(*console_, "N Counter"));
-        EXPECT_TRUE(stands_at(*console_, "Counter", 6, 26));
-        console_->press(Key::left);
-        ASSERT_TRUE(stands_at(*console_, "Counter", 6, 25));
-    }
-}
-
-TEST_F(Window, StopsAtTheEdgesAndAboveTheStatusBar) {
-    for (int i = 0; i < 40; ++i) {
-        console_->press(Key::right);
-        console_->press(Key::down);
-    }
-    EXPECT_TRUE(stands_at(*console_, "Counter", 24 - 1 - 12, 80 - 31));
-    EXPECT_TRUE(is_up(*console_, "N"));
-    for (int i = 0; i < 60; ++i) {
-        console_->press(Key::left);
-        console_->press(Key::up);
-    }
-    EXPECT_TRUE(stands_at(*console_, "Counter", 0, 0));
-}
-
-TEST_F(Window, FocusShowsInTheFrameAndMovesWithTab) {
-    auto second = station_.instrument("N12", "cpc_3022", "Second", 'S');
-    ASSERT_TRUE(is_up(*console_, "NS"));
-    for (int i = 0; i < 25; ++i)
-        console_->press(Key::left);
-    ASSERT_TRUE(stands_at(*console_, "Counter", 6, 0));
-    console_->alt('s');
-    ASSERT_TRUE(console_->shows("Second"));
-    for (int i = 0; i < 10; ++i)
-        console_->press(Key::right);
-    ASSERT_TRUE(stands_at(*console_, "Second", 5, 35));
-
-    const auto focused = [&](std::string_view title) {
-        const auto place = corner(*console_, title);
-        const TerminalCell frame = place ? console_->cell(place->row, place->col) : TerminalCell{};
-        return frame.bold && frame.fg == TERMINAL_YELLOW && frame.bg == TERMINAL_BLUE;
-    };
-    const auto only = [&](std::string_view on, std::string_view off) {
-        return console_->wait_for([&] { return focused(on) && !focused(off); }, "the focus to move");
-    };
-    EXPECT_TRUE(only("Second", "Counter"));
-    console_->press(Key::tab);
-    EXPECT_TRUE(only("Counter", "Second"));
-    console_->press(Key::back_tab);
-    EXPECT_TRUE(only("Second", "Counter"));
-    // An open dialog takes the highlight from every frame, and every key.
-    console_->type("m");
-    ASSERT_TRUE(console_->shows("1 Hide window"));
-    EXPECT_TRUE(console_->wait_for([&] { return !focused("Counter"); }));
-    console_->press(Key::tab);
-    console_->press(Key::escape);
-    ASSERT_TRUE(console_->hides("1 Hide window"));
-    EXPECT_TRUE(only("Second", "Counter"));
-}
-
 TEST_F(Window, SavedLayoutAndOptionsComeBackInANewConsole) {
     console_->press(Key::up);
     console_->press(Key::left);
@@ -112,16 +42,6 @@ TEST_F(Window, SavedLayoutAndOptionsComeBackInANewConsole) {
     EXPECT_TRUE(stands_at(*other, "Counter", 5, 24));
     ASSERT_TRUE(choose_from_menu(*other, "Client options"));
     EXPECT_TRUE(other->wait_for([&] { return other->find("time: 7.2") || other->find("time: 7.3"); }));
-}
-
-TEST_F(Window, NumberThatIsNoneIsRejectedWithAReason) {
-    ASSERT_TRUE(choose_from_menu(*console_, "Client options"));
-    ASSERT_TRUE(highlight(*console_, "Error display time: "));
-    console_->type("soon");
-    ASSERT_TRUE(console_->shows("time: soon"));
-    console_->press(Key::enter);
-    EXPECT_TRUE(console_->shows("number"));
-    EXPECT_TRUE(console_->shows("time: 2.0"));
 }
 
 TEST_F(Window, ColoursGoOffAndOnAtRunTime) {
@@ -162,20 +82,6 @@ TEST_F(Window, ScreenIsWholeAfterAShrinkThatWasUndoneAtOnce) {
         EXPECT_TRUE(shows_all(*console_, counter_rows()));
         EXPECT_TRUE(is_up(*console_, "N"));
     }
-}
-
-TEST_F(Window, MenuLongerThanTheScreenScrolls) {
-    console_->resize({6, 40});
-    ASSERT_TRUE(console_->shows("Last Average:"));
-    console_->press(Key::enter);
-    ASSERT_TRUE(console_->shows("Client options"));
-    EXPECT_FALSE(console_->find("Quit"));
-    console_->press(Key::end);
-    EXPECT_TRUE(console_->shows("Quit"));
-    EXPECT_TRUE(console_->hides("Client options"));
-    console_->type("n");  // a hot key works wherever its button is
-    EXPECT_TRUE(console_->hides("Quit"));
-    EXPECT_TRUE(console_->shows("Last Average:"));
 }
 
 }  // namespace

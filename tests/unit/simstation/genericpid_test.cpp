@@ -178,6 +178,31 @@ TEST(GenericPid, FollowsItsSetPointAgainstALoadAndTunesWithoutAJump) {
     EXPECT_LT(std::fabs(now(probe).i_val), 0.2) << "its terms are forgotten";
 }
 
+TEST(GenericPid, WhatTuningFoundMakesTheLoopBetter) {
+    SimProbe probe("genericpid");
+    probe.run(1200);
+    const auto overshoot = [&](double from, double to) {
+        probe.command(MSG_GENERICPID_SET, NET_GENERICPID_Setpoint{to});
+        probe.forget();
+        probe.run(400);
+        double beyond = 0;
+        for (const auto& r : probe.records<MSG_GENERICPID_INSTANT>())
+            beyond = std::max(beyond, to > from ? r.pv - to : to - r.pv);
+        return beyond;
+    };
+    const double before = overshoot(45, 50);
+    const double out = now(probe).out;
+    probe.command(MSG_GENERICPID_TUNING_START,
+                  NET_GENERICPID_TuningRequest{120, 0.05, 8, 2, out, 0.25 * out, GENERICPID_TUNE_TLC_PID});
+    probe.run(3000);
+    const auto found = probe.last<MSG_GENERICPID_TUNING_RESULTS>().params;
+    const NET_GENERICPID_Params none{NONE, NONE, NONE};
+    EXPECT_TRUE(probe.command(MSG_GENERICPID_SET_PARMS, NET_GENERICPID_ControllerParams{found, none, none}));
+    probe.run(400);
+    EXPECT_GT(before, 1);
+    EXPECT_LT(overshoot(50, 45), before / 4) << "beyond the set point, C";
+}
+
 TEST(GenericPid, TuningIsStoppedAtAnyTime) {
     SimProbe probe("genericpid");
     probe.run(1200);
