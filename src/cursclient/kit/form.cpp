@@ -2,10 +2,13 @@
 #include "cursclient/kit/form.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <memory>
+#include <string_view>
 
+#include "cursclient/kit/instdisp.h"
 #include "libvesk/support/util.h"
 
 namespace {
@@ -82,6 +85,56 @@ CURSDIALOG_widget* add_number(CURSDIALOG_type* dlg, const form_state& f, const F
     if (!number.exact_until_edited && !is_empty) row.store(f.values.get(), UTIL_atofv(text.c_str()));
     return CURSDIALOG_add_entry(dlg, row.x, y, 0, CURSDIALOG_STYLE_LIST, 0, row.label, text.c_str(),
                                 number.max_len, CURSDIALOG_DEFAULT_entry_numeric, &param, sizeof param);
+}
+
+// ---- times of day
+
+constexpr int SECONDS_PER_DAY = 86400;
+constexpr int CLOCK_LENGTH = 8;
+
+// "22:30" or "22:30:15" as seconds of the day, -1 for anything else.
+int seconds_of_day(std::string_view text) {
+    static constexpr int LIMITS[] = {24, 60, 60};
+    int parts[] = {0, 0, 0};
+    std::size_t n = 0;
+    for (const char* at = text.data(); n < std::size(parts); ++at) {
+        const auto [end, error] = std::from_chars(at, text.data() + text.size(), parts[n]);
+        if (error != std::errc{} || parts[n] < 0 || parts[n] >= LIMITS[n]) return -1;
+        ++n;
+        at = end;
+        if (at == text.data() + text.size()) break;
+        if (*at != ':' || n == std::size(parts)) return -1;
+    }
+    return n < 2 ? -1 : (parts[0] * 60 + parts[1]) * 60 + parts[2];
+}
+
+FTIME next_time_of_day(int seconds) {
+    const FTIME now = UTIL_ftime();
+    const FTIME today = std::floor(now / SECONDS_PER_DAY) * SECONDS_PER_DAY + seconds;
+    return today > now ? today : today + SECONDS_PER_DAY;
+}
+
+void clock_entered(CURSDIALOG_type*, void* dlg_user_data, CURSDIALOG_widget*, void* wd_user_data, char* str,
+                   CURSDIALOG_entry_action* act) {
+    const auto* f = COMMAND_param<form_state>(dlg_user_data);
+    const FORM_row& row = f->body->row(row_of(wd_user_data));
+    const int seconds = seconds_of_day(str);
+    if (seconds >= 0) return row.store(f->values.get(), next_time_of_day(seconds));
+    if (*str == '\0' && row.may_be_empty) return row.store(f->values.get(), VESK_NO_TIME);
+    act->revert_value = TRUE;
+    act->reason = "a time of day, as 22:30";
+}
+
+bool is_time(FTIME t) {
+    return t != VESK_NO_TIME && !VESK_is_missing(t) && std::isfinite(t);
+}
+
+CURSDIALOG_widget* add_clock(CURSDIALOG_type* dlg, const form_state& f, const FORM_row& row, int y,
+                             const row_param& param) {
+    const FTIME start = value_of(f, row);
+    return CURSDIALOG_add_entry(dlg, row.x, y, 0, CURSDIALOG_STYLE_LIST, 0, row.label,
+                                is_time(start) ? INSTDISP_time(start).c_str() : "", CLOCK_LENGTH,
+                                clock_entered, &param, sizeof param);
 }
 
 // ---- choices
@@ -162,14 +215,18 @@ void take_texts(const form_state& f) {
             CURSDIALOG_getvalue(f.widgets[i], row.text(f.values.get()), row.text_size);
 }
 
-// The entry of a number that cannot be sent, or null.
+// FALSE for what the operator must enter first.
+bool is_usable(const FORM_row& row, double value) {
+    if (row.kind == FORM_CLOCK) return is_time(value) || row.may_be_empty;
+    if (row.kind != FORM_NUMBER) return true;
+    return !VESK_is_missing(value) && std::isfinite(value) && is_within(row.number, value);
+}
+
+// The first entry that cannot be sent, or null.
 CURSDIALOG_widget* unusable_entry(const form_state& f) {
     for (std::size_t i = 0; i < f.body->n_rows; ++i) {
         const FORM_row& row = f.body->row(i);
-        if (row.kind != FORM_NUMBER) continue;
-        const double value = value_of(f, row);
-        if (VESK_is_missing(value) || !std::isfinite(value) || !is_within(row.number, value))
-            return f.widgets[i];
+        if (row.load != nullptr && !is_usable(row, value_of(f, row))) return f.widgets[i];
     }
     return nullptr;
 }
@@ -202,6 +259,8 @@ CURSDIALOG_widget* add_row(CURSDIALOG_type* dlg, const form_state& f, std::size_
     switch (row.kind) {
         case FORM_NUMBER:
             return add_number(dlg, f, row, y, param);
+        case FORM_CLOCK:
+            return add_clock(dlg, f, row, y, param);
         case FORM_TEXT:
             return CURSDIALOG_add_entry(dlg, row.x, y, 0, CURSDIALOG_STYLE_LIST, 0, row.label,
                                         row.text(f.values.get()), row.number.max_len, nullptr, nullptr, 0);

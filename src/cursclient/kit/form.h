@@ -46,6 +46,10 @@ struct FORM_number {
     bool exact_until_edited = false;  // without an edit the start value is sent, not what the format shows
     int x = 1;
 };
+struct FORM_clock {
+    bool may_be_empty = false;  // empty: VESK_NO_TIME
+    int x = 1;
+};
 struct FORM_text {
     int max_len = 0;  // 0: what the member holds
     int x = 1;
@@ -71,7 +75,16 @@ struct FORM_pick {
 
 // ---- a row without its types
 
-enum FORM_row_kind { FORM_NUMBER, FORM_TEXT, FORM_CHECK, FORM_CYCLE, FORM_PICK, FORM_NOTE, FORM_BUTTON };
+enum FORM_row_kind {
+    FORM_NUMBER,
+    FORM_CLOCK,
+    FORM_TEXT,
+    FORM_CHECK,
+    FORM_CYCLE,
+    FORM_PICK,
+    FORM_NOTE,
+    FORM_BUTTON
+};
 
 struct FORM_row {
     FORM_row_kind kind;
@@ -83,6 +96,7 @@ struct FORM_row {
     char* (*text)(void* values) = nullptr;  // a text, and the bytes that it has
     std::size_t text_size = 0;
     FORM_number number = {};
+    bool may_be_empty = false;
     const char* second_label = nullptr;  // FORM_check::pressed_label; the title of the list of FORM_PICK
     std::span<const FORM_choice> choices = {};
     std::string (*button_of)(double value) = nullptr;
@@ -150,6 +164,15 @@ struct FORM {
         row r = value_row<Path...>(FORM_NUMBER, label);
         r.x = number.x;
         r.number = number;
+        return r;
+    }
+    // A time of day, UTC, as "22:30" or "22:30:15": an FTIME, the next time that it is so late.
+    template <auto... Path>
+    [[nodiscard]] static constexpr row clock(const char* label, FORM_clock clock = {}) {
+        static_assert(std::is_same_v<FORM_member_type<V, Path...>, FTIME>);
+        row r = value_row<Path...>(FORM_CLOCK, label);
+        r.x = clock.x;
+        r.may_be_empty = clock.may_be_empty;
         return r;
     }
     template <auto... Path>

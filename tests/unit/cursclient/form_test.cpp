@@ -60,11 +60,28 @@ constexpr form::row ROWS[] = {
 };
 constexpr form ALL{.title = "All rows", .rows = ROWS, .read = read_values, .send = note_values};
 
+FTIME g_until;
+
+struct until_values {
+    FTIME until;
+};
+void note_until(FORMS_prv_data*, const until_values& v) {
+    g_until = v.until;
+}
+bool read_until(const FORMS_prv_data*, until_values* start) {
+    start->until = VESK_NO_TIME;
+    return true;
+}
+using until_form = FORM<FORMS_prv_data, until_values>;
+constexpr until_form::row UNTIL_ROWS[] = {until_form::clock<&until_values::until>("Until: ")};
+constexpr until_form UNTIL{.title = "Until", .rows = UNTIL_ROWS, .read = read_until, .send = note_until};
+
 constexpr INSTDISP_store<FORMS_prv_data> STORES[] = {
     INSTDISP_store<FORMS_prv_data>::into<&FORMS_prv_data::status>(MSG_CPC_3010_STATUS),
     INSTDISP_store<FORMS_prv_data>::into<&FORMS_prv_data::now>(MSG_LOVEPID_SETPOINTS)};
 constexpr INSTDISP_menu_row<FORMS_prv_data> MENU[] = {
-    {.hot_key = '2', .label = "2 All rows", .action = FORM_open<ALL>}};
+    {.hot_key = '2', .label = "2 All rows", .action = FORM_open<ALL>},
+    {.hot_key = '3', .label = "3 Until", .action = FORM_open<UNTIL>}};
 constexpr INSTDISP_kind<FORMS_prv_data> KIND{
     .cols = 30, .rows = 4, .stores = STORES, .draw = nullptr, .menu = MENU};
 
@@ -123,6 +140,27 @@ TEST_F(Form, RefusesValuesThatNobodyEnteredAndThatAreNone) {
         type("-5\t\t\t\t\t\t\r");
         EXPECT_FALSE(CURSDIALOG_active());
         EXPECT_EQ(std::exchange(g_sent, ""), "-5.000000 7 cold 0 2 air");
+    }
+}
+
+TEST_F(Form, TakesTheNextTimeOfDay) {
+    struct {
+        const char* typed;
+        FTIME until;
+    } const cases[] = {{"22:30", START + 1000},    {"22:13:20", START + 86400}, {"24:00", VESK_NO_TIME},
+                       {"22:59:60", VESK_NO_TIME}, {"22", VESK_NO_TIME},        {"-1:30", VESK_NO_TIME},
+                       {"9:5:7:1", VESK_NO_TIME}};
+    for (const auto& c : cases) {
+        g_until = VESK_NO_TIME;
+        choose("forms:F1", "3");
+        press({KEY_LEFT, ENTER});
+        ASSERT_TRUE(CURSDIALOG_active()) << "a time must be entered";
+        type(c.typed);
+        press(ENTER);
+        EXPECT_EQ(c.until == VESK_NO_TIME,
+                  screen_text().find("a time of day, as 22:30") != std::string::npos);
+        press({TAB, ENTER, ESCAPE});
+        EXPECT_EQ(g_until, c.until) << c.typed;
     }
 }
 
