@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string>
 
-#include "peer/json_line.h"
+#include "libvesk/json/json_line.h"
 #include "peer/lines.h"
 
 inline constexpr std::size_t INPUT_LINE_LIMIT = std::size_t{1} << 20;

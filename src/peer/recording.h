@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "peer/json_line.h"
+#include "libvesk/json/json_line.h"
 #include "peer/lines.h"
 
 struct RECORDING_event {

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "peer/json_line.h"
+#include "libvesk/json/json_line.h"
 #include "peer/lines.h"
 
 namespace {

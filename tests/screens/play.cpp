@@ -7,9 +7,9 @@
 
 #include "cursclient/cursclient.h"
 #include "cursclient/debug.h"
+#include "libvesk/json/json_line.h"
 #include "libvesk/messages/records/server.h"
 #include "libveskcurs/curskeys.h"
-#include "peer/json_line.h"
 
 namespace {
 

@@ -8,9 +8,9 @@
 #include "cursclient/display.h"
 #include "cursclient/displays_generated.h"
 #include "cursclient/kit/command.h"
+#include "libvesk/json/json_line.h"
+#include "libvesk/json/json_record.h"
 #include "libvesk/messages/records/server.h"
-#include "peer/json_line.h"
-#include "peer/json_record.h"
 
 using ::testing::AnyOf;
 

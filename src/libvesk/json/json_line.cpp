@@ -1,6 +1,6 @@
 // The only unit that knows the JSON library. Reading is strict: an instrument's author must hear about every
 // misspelt field and every number out of range, instead of finding zeros on the operators' screens.
-#include "peer/json_line.h"
+#include "libvesk/json/json_line.h"
 
 #include <cmath>
 #include <nlohmann/json.hpp>
@@ -8,8 +8,8 @@
 #include <set>
 #include <utility>
 
+#include "libvesk/json/json_record.h"
 #include "libvesk/support/util.h"
-#include "peer/json_record.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // Written by hand instead of through a JSON library: a line is made for every message of the station, and
 // doubles must come back exactly.
-#include "peer/json_record.h"
+#include "libvesk/json/json_record.h"
 
 #include <charconv>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "peer/json_line.h"
+#include "libvesk/json/json_line.h"
 
 #include <gtest/gtest.h>
 
@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
+#include "libvesk/json/json_record.h"
 #include "libvesk/messages/records/cpc.h"
 #include "libvesk/messages/records/io.h"
 #include "libvesk/messages/records/log.h"
 #include "libvesk/support/util.h"
-#include "peer/json_record.h"
 #include "support/records.h"
 
 namespace {
