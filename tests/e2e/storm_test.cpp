@@ -210,7 +210,7 @@ std::vector<char> hostile_record(const NETDSD_entry* dsd, std::size_t turn) {
         const auto type = NETDSD_element_type(f.ft);
         if (type != NETDSD_FT_STRING && type != NETDSD_FT_CHAR) return;
         const std::string_view text = INJECTIONS[turn++ % std::size(INJECTIONS)];
-        for (std::size_t i = 0; i < (type == NETDSD_FT_CHAR ? 1 : f.size); ++i)
+        for (std::size_t i = 0; i < f.size / NETDSD_values(f); ++i)
             record[at + i] = text[i % text.size()];
     });
     return record;

@@ -37,23 +37,22 @@ inline std::vector<char> default_record(const NETDSD_entry* dsd) {
     return record;
 }
 
-inline BOOL is_clean_text(std::string_view field) {
-    const std::size_t end = field.find('\0');
+inline BOOL is_clean_text(std::string_view field, std::size_t capacity) {
+    const std::size_t end = std::min(field.find('\0'), field.size());
     const std::string_view text = field.substr(0, end);
-    return end != std::string_view::npos && field.find_first_not_of('\0', end) == std::string_view::npos &&
+    return end <= capacity && field.find_first_not_of('\0', end) == std::string_view::npos &&
            std::all_of(text.begin(), text.end(),
                        [](char c) { return UTIL_is_printable(static_cast<unsigned char>(c)); });
 }
 
 inline BOOL is_clean_value(const NETDSD_field& f, const char* at) {
     const auto first = static_cast<unsigned char>(*at);
+    if (NETDSD_is_text(f.ft)) return is_clean_text({at, f.size}, NETDSD_text_capacity(f));
     switch (NETDSD_element_type(f.ft)) {
         case NETDSD_FT_BOOL:
             return first <= 1;
         case NETDSD_FT_CHAR:
             return first == 0 || UTIL_is_printable(first);
-        case NETDSD_FT_STRING:
-            return is_clean_text({at, f.size});
         default:
             return TRUE;
     }

@@ -92,7 +92,7 @@ class record_reader {
 
     BOOL element(const json& value, const NETDSD_field& f, char* at) {
         if (f.ft == NETDSD_FT_BIN) return record(value, f.nested, at);
-        if (f.ft == NETDSD_FT_STRING) return text(value, f.size, at);
+        if (NETDSD_is_text(f.ft)) return text(value, f, at);
         return NETDSD_visit_type(f.ft, [&]<class T>(std::type_identity<T>) {
             if constexpr (std::is_same_v<T, BOOL>) {
                 return boolean(value, at);
@@ -112,14 +112,14 @@ class record_reader {
         return TRUE;
     }
 
-    BOOL text(const json& value, std::size_t size, char* at) {
+    BOOL text(const json& value, const NETDSD_field& f, char* at) {
         if (!value.is_string()) return wrong("expects a text");
         const auto bytes = bytes_of(value.get_ref<const std::string&>());
         if (!bytes) return wrong("holds a character that cannot be sent");
-        if (bytes->size() >= size) {
-            return wrong("longer than " + std::to_string(size - 1) + " characters");
+        if (bytes->size() > NETDSD_text_capacity(f)) {
+            return wrong("longer than " + std::to_string(NETDSD_text_capacity(f)) + " characters");
         }
-        std::memset(at, 0, size);
+        std::memset(at, 0, f.size);
         std::memcpy(at, bytes->data(), bytes->size());
         return TRUE;
     }

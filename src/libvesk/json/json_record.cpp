@@ -49,8 +49,8 @@ void append_scalar(std::string* out, NETDSD_field_type ft, const char* at) {
 void append_element(std::string* out, const NETDSD_field& f, const char* at) {
     if (f.ft == NETDSD_FT_BIN) {
         JSONREC_append_record(out, f.nested, at);
-    } else if (f.ft == NETDSD_FT_STRING) {
-        const std::string_view text(at, f.size - 1);  // the last byte is the terminator's
+    } else if (NETDSD_is_text(f.ft)) {
+        const std::string_view text(at, NETDSD_text_capacity(f));
         JSONREC_append_text(out, text.substr(0, text.find('\0')));
     } else {
         append_scalar(out, f.ft, at);

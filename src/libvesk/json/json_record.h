@@ -14,7 +14,7 @@ inline constexpr std::string_view JSONREC_NEG_INF = "-Inf";
 
 // TRUE when the field is a JSON array: an array of values, or more than one nested record.
 [[nodiscard]] constexpr BOOL JSONREC_is_list(const NETDSD_field& f) {
-    return NETDSD_is_array(f.ft) || (f.ft == NETDSD_FT_BIN && f.count > 1);
+    return !NETDSD_is_text(f.ft) && (NETDSD_is_array(f.ft) || (f.ft == NETDSD_FT_BIN && f.count > 1));
 }
 
 // Appends an object with the record's fields in their order: nested records are objects, arrays arrays,

@@ -12,9 +12,9 @@ char printable(char c) {
     return UTIL_is_printable(static_cast<unsigned char>(c)) ? c : ' ';
 }
 
-void sanitize_text(char* text, std::size_t size) {
-    const void* terminator = std::memchr(text, '\0', size - 1);
-    const std::size_t length = terminator != nullptr ? static_cast<const char*>(terminator) - text : size - 1;
+void sanitize_text(char* text, std::size_t capacity, std::size_t size) {
+    const void* terminator = std::memchr(text, '\0', capacity);
+    const std::size_t length = terminator != nullptr ? static_cast<const char*>(terminator) - text : capacity;
     std::transform(text, text + length, text, printable);
     std::memset(text + length, 0, size - length);
 }
@@ -26,11 +26,11 @@ void sanitize_field(const NETDSD_field& f, char* at) {
             std::transform(at, at + f.count, at, [](char c) -> char { return c != 0; });
             break;
         case NETDSD_FT_CHAR:
-        case NETDSD_FT_A_CHAR:
-            std::transform(at, at + f.count, at, [](char c) { return c != 0 ? printable(c) : c; });
+            if (*at != 0) *at = printable(*at);
             break;
+        case NETDSD_FT_A_CHAR:
         case NETDSD_FT_STRING:
-            sanitize_text(at, f.size);
+            sanitize_text(at, NETDSD_text_capacity(f), f.size);
             break;
         case NETDSD_FT_BIN:
             if (f.nested->numbers_only) break;

@@ -35,7 +35,7 @@ enum NETDSD_field_type {
     NETDSD_FT_DOUBLE,
     NETDSD_FT_FLOAT,
     NETDSD_FT_A_BOOL,  // the same fourteen as arrays
-    NETDSD_FT_A_CHAR,
+    NETDSD_FT_A_CHAR,  // char[count], a text that is terminated only when it is shorter
     NETDSD_FT_A_BYTE,
     NETDSD_FT_A_SHORT,
     NETDSD_FT_A_USHORT,
@@ -59,7 +59,7 @@ struct NETDSD_field {
     NETDSD_field_type ft;
     const char* name;
     std::size_t offset;          // bytes from the start of the record
-    std::size_t count;           // elements: 1 for a scalar, the length of an array, the bytes of a STRING
+    std::size_t count;           // elements: 1 for a scalar, the length of an array, the bytes of a text
     const char* comment;         // "" when there is nothing to say
     std::size_t size;            // bytes of the whole field
     const char* type_name;       // of a nested record, else of the scalar
@@ -111,16 +111,19 @@ constexpr scalar_type scalar(bool is_time) {
 template <class T>
 inline constexpr bool is_scalar = std::is_arithmetic_v<T>;
 
+enum class form { plain, time, chars };
+
 template <class M>
-constexpr NETDSD_field member(const char* name, std::size_t offset, bool is_time) {
+constexpr NETDSD_field member(const char* name, std::size_t offset, form as) {
     using E = std::remove_extent_t<M>;
     static_assert(!std::is_array_v<E>, "records have arrays of one dimension only");
     constexpr std::size_t count = std::is_array_v<M> ? std::extent_v<M> : 1;
     if constexpr (std::is_array_v<M> && std::is_same_v<E, char>) {
+        if (as == form::chars) return {NETDSD_FT_A_CHAR, name, offset, count, "", sizeof(M), "char", nullptr};
         return {NETDSD_FT_STRING, name, offset, count, "", sizeof(M), "STRING", nullptr};
     } else if constexpr (is_scalar<E>) {
         constexpr int array_step = NETDSD_FT_A_BOOL - NETDSD_FT_BOOL;
-        const scalar_type s = scalar<E>(is_time);
+        const scalar_type s = scalar<E>(as == form::time);
         const auto ft = static_cast<NETDSD_field_type>(s.ft + (std::is_array_v<M> ? array_step : 0));
         return {ft, name, offset, count, "", sizeof(M), s.name, nullptr};
     } else {
@@ -159,7 +162,8 @@ constexpr BOOL numbers_only(const NETDSD_field* fields, std::size_t n) {
         const NETDSD_field& f = fields[i];
         const bool clean = f.ft == NETDSD_FT_BIN ? f.nested->numbers_only
                                                  : f.ft != NETDSD_FT_BOOL && f.ft != NETDSD_FT_A_BOOL &&
-                                                       f.ft != NETDSD_FT_CHAR && f.ft != NETDSD_FT_STRING;
+                                                       f.ft != NETDSD_FT_CHAR && f.ft != NETDSD_FT_A_CHAR &&
+                                                       f.ft != NETDSD_FT_STRING;
         if (!clean) return FALSE;
     }
     return TRUE;
@@ -177,8 +181,10 @@ constexpr BOOL padded(const NETDSD_field* fields, std::size_t n, std::size_t tot
 
 }  // namespace netdsd_detail
 
-#define NETDSD_MEMBER(m) netdsd_detail::member<decltype(R::m)>(#m, offsetof(R, m), false)
-#define NETDSD_TIME(m) netdsd_detail::member<decltype(R::m)>(#m, offsetof(R, m), true)
+#define NETDSD_FIELD(m, as) netdsd_detail::member<decltype(R::m)>(#m, offsetof(R, m), netdsd_detail::form::as)
+#define NETDSD_MEMBER(m) NETDSD_FIELD(m, plain)  // a char[] is a terminated text
+#define NETDSD_TIME(m) NETDSD_FIELD(m, time)
+#define NETDSD_CHARS(m) NETDSD_FIELD(m, chars)  // a char[] that its text may fill to the last byte
 
 #define NETDSD_RECORD(record, size_in_bytes, ...)                                                         \
     template <>                                                                                           \
@@ -205,7 +211,8 @@ constexpr BOOL padded(const NETDSD_field* fields, std::size_t n, std::size_t tot
     static_assert(offsetof(record, member) == (bytes), #record ": offset of " #member)
 
 // Cleans a record that came from outside, in place, whatever bytes it holds: texts are terminated within
-// their field and zero-filled behind it, bytes that are not printable become blanks (a NUL char stays), a
+// their field (those without terminator end with it) and zero-filled behind their end, bytes that are not
+// printable become blanks (a NUL char stays), a
 // BOOL becomes 0 or 1. Numbers stay as they are. `record` has total_size bytes, any alignment.
 void NETDSD_sanitize(const NETDSD_entry* dsd, void* record);
 
@@ -232,6 +239,17 @@ template <class R>
 
 [[nodiscard]] constexpr BOOL NETDSD_is_array(NETDSD_field_type ft) {
     return ft >= NETDSD_FT_A_BOOL && ft <= NETDSD_FT_A_FLOAT;
+}
+[[nodiscard]] constexpr BOOL NETDSD_is_text(NETDSD_field_type ft) {
+    return ft == NETDSD_FT_STRING || ft == NETDSD_FT_A_CHAR;
+}
+// Characters that a text field holds at most.
+[[nodiscard]] constexpr std::size_t NETDSD_text_capacity(const NETDSD_field& f) {
+    return f.ft == NETDSD_FT_STRING ? f.size - 1 : f.size;
+}
+// Values in a field: a text is one.
+[[nodiscard]] constexpr std::size_t NETDSD_values(const NETDSD_field& f) {
+    return NETDSD_is_text(f.ft) ? 1 : f.count;
 }
 // What one element of the field is: the scalar type of an array, else the type itself.
 [[nodiscard]] constexpr NETDSD_field_type NETDSD_element_type(NETDSD_field_type ft) {
@@ -292,9 +310,8 @@ decltype(auto) NETDSD_visit_type(NETDSD_field_type ft, F&& visit) {
 template <class F>
 void NETDSD_for_each_leaf(const NETDSD_entry* dsd, F&& leaf, std::size_t base = 0) {
     for (const NETDSD_field& f : NETDSD_fields(dsd)) {
-        const std::size_t elements = f.ft == NETDSD_FT_STRING ? 1 : f.count;
-        const std::size_t step = f.size / elements;
-        for (std::size_t i = 0; i < elements; ++i) {
+        const std::size_t step = f.size / NETDSD_values(f);
+        for (std::size_t i = 0; i < NETDSD_values(f); ++i) {
             const std::size_t at = base + f.offset + i * step;
             if (f.nested != nullptr) {
                 NETDSD_for_each_leaf(f.nested, leaf, at);

@@ -165,6 +165,8 @@ TEST(JsonLine, RefusesFieldsThatDoNotFit) {
         {instant(R"("liquid":-1e300)"), "liquid: expects an integer from -2147483648 to 2147483647"},
         {instant(R"("running":{"x":1})"), "running: unknown field \"x\" in NET_CPC_3775_Avg"},
         {instant(R"("running":5)"), "running: expects an object"},
+        {R"({"msg":"MSG_VERTICALPROFILE_SET_SITE","payload":{"name":"ABCDEFGHI"}})",
+         "name: longer than 8 characters"},
         {info(R"("id_ch":"ab")"), "id_ch: expects a text of one character"},
         {info(R"("id_ch":67)"), "id_ch: expects a text of one character"},
         {info(R"("tags":{})"), "tags: expects an array of at most 8 elements"},
@@ -229,7 +231,7 @@ TEST(JsonLine, EveryByteOfATextComesBack) {
 }
 
 BOOL is_same_value(const NETDSD_field& f, const char* a, const char* b) {
-    const std::size_t size = f.ft == NETDSD_FT_STRING ? f.size : f.size / f.count;
+    const std::size_t size = f.size / NETDSD_values(f);
     if (std::memcmp(a, b, size) == 0) return TRUE;
     const NETDSD_field_type ft = NETDSD_element_type(f.ft);
     return (ft == NETDSD_FT_DOUBLE || ft == NETDSD_FT_FTIME) && std::isnan(NETDSD_load<double>(a)) &&

@@ -35,6 +35,7 @@ struct TEST_All {
     double value;
     float single;
     STRING<5> text;
+    char chars[5];
     BOOL flags[3];
     double values[2];
     TIME32 times[2];
@@ -45,12 +46,12 @@ struct TEST_All {
 #pragma pack(pop)
 
 NETDSD_RECORD(TEST_Inner, 20, NETDSD_MEMBER(mark), NETDSD_MEMBER(value), NETDSD_TIME(when));
-NETDSD_RECORD(TEST_All, 164, NETDSD_MEMBER(flag), NETDSD_MEMBER(mark), NETDSD_MEMBER(byte),
+NETDSD_RECORD(TEST_All, 172, NETDSD_MEMBER(flag), NETDSD_MEMBER(mark), NETDSD_MEMBER(byte),
               NETDSD_MEMBER(i16), NETDSD_MEMBER(u16), NETDSD_MEMBER(i32), NETDSD_MEMBER(u32),
               NETDSD_MEMBER(i64), NETDSD_MEMBER(u64), NETDSD_TIME(time), NETDSD_TIME(ftime),
-              NETDSD_MEMBER(value), NETDSD_MEMBER(single), NETDSD_MEMBER(text), NETDSD_MEMBER(flags),
-              NETDSD_MEMBER(values), NETDSD_TIME(times), NETDSD_TIME(ftimes), NETDSD_MEMBER(one),
-              NETDSD_MEMBER(two));
+              NETDSD_MEMBER(value), NETDSD_MEMBER(single), NETDSD_MEMBER(text), NETDSD_CHARS(chars),
+              NETDSD_MEMBER(flags), NETDSD_MEMBER(values), NETDSD_TIME(times), NETDSD_TIME(ftimes),
+              NETDSD_MEMBER(one), NETDSD_MEMBER(two));
 
 namespace {
 
@@ -70,7 +71,7 @@ TEST(Netdsd, DescribesEveryTypeOfField) {
     }
     EXPECT_EQ(seen,
               "BOOL char BYTE int16 uint16 int32 uint32 int64 uint64 time32 FTIME double float STRING[5] "
-              "BOOL[3] double[2] time32[2] FTIME[2] TEST_Inner TEST_Inner[2] ");
+              "char[5] BOOL[3] double[2] time32[2] FTIME[2] TEST_Inner TEST_Inner[2] ");
     EXPECT_EQ(NETDSD_field_by_name(NETDSD_of<TEST_All>(), "tex"), nullptr);
 }
 
@@ -89,27 +90,31 @@ TEST(Netdsd, LeavesComeOneByOneInOrder) {
     NETDSD_for_each_leaf(NETDSD_of<TEST_All>(), [&](const NETDSD_field& f, std::size_t at) {
         if (at >= 56) seen += std::string(f.name) + "@" + std::to_string(at) + " ";
     });
-    EXPECT_EQ(seen,
-              "text@56 flags@61 flags@62 flags@63 values@64 values@72 times@80 times@84 ftimes@88 ftimes@96 "
-              "mark@104 value@108 when@116 mark@124 value@128 when@136 mark@144 value@148 when@156 ");
+    EXPECT_EQ(
+        seen,
+        "text@56 chars@61 flags@66 flags@67 flags@68 values@72 values@80 times@88 times@92 ftimes@96 "
+        "ftimes@104 mark@112 value@116 when@124 mark@132 value@136 when@144 mark@152 value@156 when@164 ");
 }
 
 TEST(Netdsd, TextsAreTerminatedCleanedAndZeroFilled) {
     const struct {
         std::string_view arrives;
         std::string_view stays;
+        std::string_view stays_whole;  // in a field without terminator
     } rows[] = {
-        {{"abcde", 5}, {"abcd\0", 5}},           // no terminator
-        {{"ab\0cd", 5}, {"ab\0\0\0", 5}},        // nothing leaks from behind it
-        {{"\x1b[2\x7f\n", 5}, {" [2 \0", 5}},    // nothing that a terminal obeys
-        {{"\xc3\xa9\x9b~ ", 5}, {"   ~\0", 5}},  // only ASCII
-        {{"\0\x01\x02\x03\x04", 5}, {"\0\0\0\0\0", 5}},
+        {{"abcde", 5}, {"abcd\0", 5}, {"abcde", 5}},
+        {{"ab\0cd", 5}, {"ab\0\0\0", 5}, {"ab\0\0\0", 5}},     // nothing leaks from behind the end
+        {{"\x1b[2\x7f\n", 5}, {" [2 \0", 5}, {" [2  ", 5}},    // nothing that a terminal obeys
+        {{"\xc3\xa9\x9b~ ", 5}, {"   ~\0", 5}, {"   ~ ", 5}},  // only ASCII
+        {{"\0\x01\x02\x03\x04", 5}, {"\0\0\0\0\0", 5}, {"\0\0\0\0\0", 5}},
     };
     for (const auto& row : rows) {
         TEST_All record = NETDSD_default<TEST_All>();
         std::memcpy(record.text, row.arrives.data(), 5);
+        std::memcpy(record.chars, row.arrives.data(), 5);
         NETDSD_sanitize(NETDSD_of<TEST_All>(), &record);
         EXPECT_EQ(std::string_view(record.text, 5), row.stays) << row.arrives;
+        EXPECT_EQ(std::string_view(record.chars, 5), row.stays_whole) << row.arrives;
     }
 }
 
@@ -137,7 +142,7 @@ TEST(Netdsd, PaddingIsZeroedAndNothingElse) {
     for (const NETDSD_entry* dsd : records) {
         std::vector<char> expected(dsd->total_size + 1, '\0');
         NETDSD_for_each_leaf(dsd, [&](const NETDSD_field& f, std::size_t at) {
-            const std::size_t size = f.ft == NETDSD_FT_STRING ? f.size : f.size / f.count;
+            const std::size_t size = f.size / NETDSD_values(f);
             std::fill_n(expected.data() + at, size, '\x93');
         });
         expected.back() = '\x93';  // what stands behind the record

@@ -8,7 +8,7 @@ inline constexpr std::size_t NET_GPS_WAYPOINTS = 8;
 
 #pragma pack(push, 4)
 struct NET_VERTICALPROFILE_Waypoint {
-    STRING<8> name;
+    char name[8];
     double distance;
     double bearing;
 };
@@ -17,12 +17,12 @@ struct NET_VERTICALPROFILE_All {
     NET_VERTICALPROFILE_Waypoint wp_home;
     NET_VERTICALPROFILE_Waypoint wp_site;
     BOOL enabled;  // scheduled tasks run
-    STRING<32> last_task;
+    char last_task[32];
     FTIME last_task_time;
 };
 
 struct NET_VERTICALPROFILE_SetWaypoint {
-    STRING<8> name;
+    char name[8];
 };
 
 struct NET_VERTICALPROFILE_SetEnabled {
@@ -41,11 +41,11 @@ struct NET_GPS_AllWaypointInfo {
 };
 #pragma pack(pop)
 
-NETDSD_RECORD(NET_VERTICALPROFILE_Waypoint, 24, NETDSD_MEMBER(name), NETDSD_MEMBER(distance),
+NETDSD_RECORD(NET_VERTICALPROFILE_Waypoint, 24, NETDSD_CHARS(name), NETDSD_MEMBER(distance),
               NETDSD_MEMBER(bearing));
 NETDSD_RECORD(NET_VERTICALPROFILE_All, 92, NETDSD_MEMBER(wp_home), NETDSD_MEMBER(wp_site),
-              NETDSD_MEMBER(enabled), NETDSD_MEMBER(last_task), NETDSD_TIME(last_task_time));
-NETDSD_RECORD(NET_VERTICALPROFILE_SetWaypoint, 8, NETDSD_MEMBER(name));
+              NETDSD_MEMBER(enabled), NETDSD_CHARS(last_task), NETDSD_TIME(last_task_time));
+NETDSD_RECORD(NET_VERTICALPROFILE_SetWaypoint, 8, NETDSD_CHARS(name));
 NETDSD_RECORD(NET_VERTICALPROFILE_SetEnabled, 1, NETDSD_MEMBER(enabled));
 NETDSD_RECORD(NET_GPS_WaypointDef, 32, NETDSD_MEMBER(name), NETDSD_MEMBER(latitude),
               NETDSD_MEMBER(longitude));
