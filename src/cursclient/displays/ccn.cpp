@@ -46,8 +46,8 @@ std::string CCN_nexttime(FTIME t) {
 void draw_calibration(const CCN_prv_data* pd, const CANVAS& d) {
     static constexpr int ROW = 21;
     const NET_CCN_Scanning& scanning = pd->scanning;
-    if (pd->status.in_calibration)
-        d.put(ROW, 1, "RUNNING CALIBRATION");
+    if (const NETDSD_meaning* runs = NETDSD_meaning_of(NET_CCN_CALIBRATION, pd->status.in_calibration))
+        d.meaning(ROW, 1, *runs);
     else if (scanning.enabled && !VESK_is_missing(scanning.time_next))
         d.put(ROW, 1, "Next dT SP:           *~2.2f @ %s", scanning.next,
               CCN_nexttime(scanning.time_next).c_str());

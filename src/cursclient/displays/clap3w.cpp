@@ -31,41 +31,27 @@ struct CLAP3W_prv_data : INSTDISP_head {
 
 // ---- the status line
 
-// What may take a while, by state.
-constexpr const char* BUSY[] = {nullptr,
-                                "Waiting for spot stability...",
-                                "Changing filter...",
-                                "White filter check...",
-                                "Waiting for filter stability...",
-                                "Waiting for white filter stability..."};
-static_assert(std::size(BUSY) == NET_CLAP3W_WAIT_WHITE + 1);
-
-void draw_halted(const NET_CLAP3W_FilterStatus& filter, const CANVAS& d, int row) {
-    switch (filter.status) {
-        case NET_CLAP3W_FLOW_OFF:
-            return d.put(row, 1, "FLOW DISABLED ON SPOT %d", filter.active_spot);
-        case NET_CLAP3W_FLOW_OFF_PENDING:
-            return d.put(row, 1, "FLOW DISABLED WITH PENDING SPOT %d", filter.active_spot);
-        case NET_CLAP3W_CHANGE_REQUIRED:
-            return d.alarm().text(row, 1, "FILTER CHANGE REQUIRED");
-        case NET_CLAP3W_WHITE_REQUIRED:
-            return d.alarm().text(row, 1, "WHITE FILTER CHECK REQUIRED");
-        default:
-            return;
-    }
+// A state that tells of the spot, or one that demands something of the operator.
+void draw_halted(const NETDSD_meaning& state, WORD active_spot, const CANVAS& d, int row) {
+    if (state.severity == NETDSD_FAULT)
+        d.alarm().text(row, 1, state.text);
+    else
+        d.put(row, 1, "%s %d", state.text, active_spot);
 }
 
 // FALSE when there is nothing to say, so that the row is free.
 bool CLAP3W_draw_status(const CLAP3W_prv_data* pd, const CANVAS& d, int row) {
-    const std::int32_t state = pd->filter_status.status;
+    static constexpr const NETDSD_meaning& FILTER_OR_LED = NET_CLAP3W_FLAGS[0];
+    const std::int32_t status = pd->filter_status.status;
+    const NETDSD_meaning* state = NETDSD_meaning_of(NET_CLAP3W_STATES, status);
     if (d.no_comms(row, pd->status.have_comms)) return true;
-    if (state == NET_CLAP3W_NORMAL) return false;
-    if (state > NET_CLAP3W_NORMAL && state <= NET_CLAP3W_WAIT_WHITE)
-        d.text(row, 1, BUSY[state]);
-    else if (pd->instant.flags & NET_CLAP3W_FILTER_OR_LED)
-        d.fault().text_centered(row, "FILTER OR LED ERROR");
-    else
-        draw_halted(pd->filter_status, d, row);
+    if (status == NET_CLAP3W_NORMAL) return false;
+    if (state != nullptr && status <= NET_CLAP3W_WAIT_WHITE)
+        d.text(row, 1, state->text);
+    else if (pd->instant.flags & FILTER_OR_LED.value)
+        d.fault().text_centered(row, FILTER_OR_LED.text);
+    else if (state != nullptr)
+        draw_halted(*state, pd->filter_status.active_spot, d, row);
     return true;
 }
 
@@ -91,8 +77,10 @@ void CLAP3W_display_default(const CLAP3W_prv_data* pd, const CANVAS& d, const vi
     static constexpr const char* HEADINGS[] = {"   Blue", "  Green", "    Red"};
     const NET_CLAP3W_Instant& in = pd->instant;
     draw_headings(d, 1, COLS, HEADINGS);
-    d.across(2, "Bap (1/Mm,1Hz):", COLS, "*~4.2f", [&](int i) { return INSTDISP_per_Mm(in.bap[i]); });
-    d.across(3, "Bap (1/Mm,avg):", COLS, "*~4.2f", [&](int i) { return INSTDISP_per_Mm(pd->avg.bap[i]); });
+    d.across(2, "Bap (1/Mm,1Hz):", COLS, "*~4.2f",
+             [&](int i) { return UNIT_on_screen(UNIT_per_m, in.bap[i]); });
+    d.across(3, "Bap (1/Mm,avg):", COLS, "*~4.2f",
+             [&](int i) { return UNIT_on_screen(UNIT_per_m, pd->avg.bap[i]); });
     d.across(4, "Transmittance:", COLS, "*~4.7f", [&](int i) { return in.tr[i]; });
     d.across(5, "I reference:", COLS, "   *~-9.0f", [&](int i) { return in.Iref[i]; });
     d.across(6, "I sample:", COLS, "   *~-9.0f", [&](int i) { return in.Isam[i]; });

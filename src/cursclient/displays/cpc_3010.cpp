@@ -1,13 +1,14 @@
 // The TSI 3010 counter: concentrations, temperatures, and warnings from its status flags.
+#include <iterator>
+
 #include "cursclient/kit/cpc_common.h"
 
 namespace {
 
 using CPC3010_prv_data = CPC_record<NET_CPC_3010_Avg, NET_CPC_3010_Instant, NET_CPC_3010_Status>;
 
-constexpr WORD LASER_OR_TEMPERATURE = 1;
-constexpr WORD BUTANOL_LOW = 2;
-constexpr WORD VACUUM = 4;
+constexpr CPC_warning_place PLACES[] = {{9, 1}, {10, 1}, {9, 24}};
+static_assert(std::size(PLACES) == std::size(NET_CPC_3010_WARNINGS));
 
 // This kind alone shows 0.0 until the first reading.
 void reset(CPC3010_prv_data* pd) {
@@ -16,12 +17,10 @@ void reset(CPC3010_prv_data* pd) {
 }
 
 void draw_status(const NET_CPC_3010_Status& status, const CANVAS& d) {
-    if (status.dip_error) return d.alarm().center(10, "INVALID DIP SWITCH");
+    if (const NETDSD_meaning* wrong = NETDSD_meaning_of(NET_CPC_3010_DIP, status.dip_error))
+        return d.alarm().text_centered(10, wrong->text);
     if (d.no_comms(10, status.have_comms)) return;
-    if (status.flags & LASER_OR_TEMPERATURE) d.fault().put(9, 1, "LASER/TEMP");
-    if (status.flags & VACUUM) d.fault().put(9, 24, "VACUUM");
-    // Butanol that runs low is a reminder, not a fault.
-    if (status.flags & BUTANOL_LOW) d.put(10, 1, "LOW BUTANOL");
+    CPC_draw_warnings(d, status.flags, NET_CPC_3010_WARNINGS, PLACES);
 }
 
 void draw(CPC3010_prv_data* pd, const CANVAS& d) {

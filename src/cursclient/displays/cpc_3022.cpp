@@ -1,12 +1,14 @@
 // The TSI 3022 counter: as the 3010, with optics temperature and flow, without its dip switches and vacuum.
+#include <iterator>
+
 #include "cursclient/kit/cpc_common.h"
 
 namespace {
 
 using CPC3022_prv_data = CPC_record<NET_CPC_3022_Avg, NET_CPC_3022_Instant, NET_CPC_3022_Status>;
 
-constexpr WORD LASER_OR_TEMPERATURE = 1;
-constexpr WORD BUTANOL_LOW = 2;
+constexpr CPC_warning_place PLACES[] = {{11, 1}, {12, 1}};
+static_assert(std::size(PLACES) == std::size(NET_CPC_3022_WARNINGS));
 
 void draw(CPC3022_prv_data* pd, const CANVAS& d) {
     CPC_draw_concentrations(pd, d);
@@ -14,8 +16,7 @@ void draw(CPC3022_prv_data* pd, const CANVAS& d) {
     d.put(9, 1, "T Optics:       *~3.1f", pd->instant.T_optics);
     d.put(10, 1, "Q (lpm):        *~3.3f", pd->instant.Q);
     if (d.no_comms(12, pd->status.have_comms)) return;
-    if (pd->status.flags & LASER_OR_TEMPERATURE) d.fault().put(11, 1, "LASER/TEMP");
-    if (pd->status.flags & BUTANOL_LOW) d.put(12, 1, "LOW BUTANOL");
+    CPC_draw_warnings(d, pd->status.flags, NET_CPC_3022_WARNINGS, PLACES);
 }
 
 constexpr auto STORES =

@@ -48,7 +48,8 @@ void draw_right(const NET_CPC_3783_Instant& in, const CANVAS& d) {
 void draw_status(const NET_CPC_3783_Status& status, const CANVAS& d) {
     if (d.no_comms(12, status.have_comms)) return;
     if (status.flags != 0) d.fault().field(12, L, "Flags:", LV, " %04X", status.flags);
-    if (!status.full) d.fault().put(12, status.flags != 0 ? R : L, "Water low");
+    if (const NETDSD_meaning* water = NETDSD_meaning_of(NET_CPC_3783_WATER, status.full))
+        d.meaning(12, status.flags != 0 ? R : L, *water);
 }
 
 void draw(CPC3783_prv_data* pd, const CANVAS& d) {

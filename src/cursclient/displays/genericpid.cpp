@@ -11,18 +11,6 @@ namespace {
 
 constexpr std::size_t CHANNEL_WIDTH = 16;  // of the label before a value
 
-// Indexed by NET_GENERICPID_TuningState.
-constexpr const char* g_genericpidstatuscodes[] = {
-    "Not Tuning",
-    "Waiting baseline stablity",
-    "Waiting high value stablity",
-    "Priming downward sweep",
-    "Priming upward sweep",
-    "Downward sweep",
-    "Upward sweep",
-};
-static_assert(std::size(g_genericpidstatuscodes) == GENERICPID_UPWARD + 1);
-
 // ---- what arrives
 
 void reset(GENERICPID_prv_data* pd) {
@@ -65,7 +53,7 @@ void draw_params(const CANVAS& d, int row, const char* label, const NET_GENERICP
 }
 
 const char* status_text(std::uint32_t state) {
-    return g_genericpidstatuscodes[std::min<std::size_t>(state, std::size(g_genericpidstatuscodes) - 1)];
+    return g_genericpidstatuscodes[std::min<std::size_t>(state, std::size(g_genericpidstatuscodes) - 1)].text;
 }
 
 void draw_progress(const GENERICPID_prv_data* pd, const CANVAS& d, int row) {

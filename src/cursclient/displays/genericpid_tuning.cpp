@@ -1,21 +1,18 @@
 // The dialog that starts a PID controller's automatic tuning.
+#include <array>
 #include <cmath>
-#include <iterator>
 
 #include "cursclient/displays/genericpid.h"
 #include "cursclient/kit/form.h"
 
 namespace {
 
-// The rules that make parameters of what tuning measures.
-constexpr FORM_choice g_genericpidtuningtypes[] = {
-    {.value = GENERICPID_TUNE_TLC_PID, .label = "Tyreus-Luyben PID"},
-    {.value = GENERICPID_TUNE_TLC_PI, .label = "Tyreus-Luyben PI"},
-    {.value = GENERICPID_TUNE_ZN_PID, .label = "Ziegler-Nichols PID"},
-    {.value = GENERICPID_TUNE_ZN_PI, .label = "Ziegler-Nichols PI"},
-    {.value = GENERICPID_TUNE_ZN_P, .label = "Ziegler-Nichols P"},
-};
-static_assert(std::size(g_genericpidtuningtypes) == GENERICPID_TUNE_COUNT);
+constexpr auto RULES = [] {
+    std::array<FORM_choice, GENERICPID_TUNE_COUNT> rules{};
+    for (std::size_t i = 0; i < rules.size(); ++i)
+        rules[i] = {static_cast<double>(g_genericpidtuningtypes[i].value), g_genericpidtuningtypes[i].text};
+    return rules;
+}();
 
 using request = NET_GENERICPID_TuningRequest;
 
@@ -46,7 +43,7 @@ constexpr form::row ROWS[] = {
     form::number<&request::output_amp>("Output oscillation amplitude: ", POSITIVE),
     form::number<&request::stablity_samples>("PV samples for stablity: ", SAMPLES),
     form::number<&request::stablity_stddev>("PV StdDev for stablity: ", POSITIVE),
-    form::pick<&request::param_gen>("Calculation method", "Calculation method: ", g_genericpidtuningtypes),
+    form::pick<&request::param_gen>("Calculation method", "Calculation method: ", RULES),
 };
 constexpr form TUNING{.title = "Start tuning sequence",
                       .rows = ROWS,

@@ -10,19 +10,17 @@ struct MAAP_prv_data : INSTDISP_head {
     NET_MAAP_Status status;
 };
 
-// Global bits below this one only tell a state.
-constexpr DWORD FIRST_GLOBAL_ERROR = 0x100;
-
 void draw_status(const NET_MAAP_Status& s, const CANVAS& d) {
     static constexpr int ROW = 16;
     if (d.no_comms(ROW, s.have_comms)) return;
+    static constexpr const NETDSD_meaning &ERROR = NET_MAAP_GLOBAL[0], &STATUS = NET_MAAP_GLOBAL[1];
     const bool detailed = s.detailed_errors1 != 0 || s.detailed_errors2 != 0;
-    if (detailed || s.global_errors >= FIRST_GLOBAL_ERROR)
+    if (detailed || (s.global_errors & ERROR.value) != 0)
         // The second word stands first, as on the instrument's own display.
-        d.fault().put(ROW, 1, "Error: %06X %08X%08X", s.global_errors, s.detailed_errors2,
+        d.fault().put(ROW, 1, "%s: %06X %08X%08X", ERROR.text, s.global_errors, s.detailed_errors2,
                       s.detailed_errors1);
     else if (s.global_errors != 0)
-        d.put(ROW, 1, "Status: %06X", s.global_errors);
+        d.put(ROW, 1, "%s: %06X", STATUS.text, s.global_errors);
 }
 
 void draw(MAAP_prv_data* pd, const CANVAS& d) {

@@ -32,9 +32,10 @@ void draw_status(NEPHM903_prv_data* pd, const CANVAS& d) {
 void draw(NEPHM903_prv_data* pd, const CANVAS& d) {
     d.text(1, INSTANT, " Instant");
     d.text(1, AVERAGE, " Average");
-    row(d, 2, pd, "Bs (1/Mm):", " *~5.1f", [](const auto& r) { return INSTDISP_per_Mm(r.bspg); });
+    row(d, 2, pd, "Bs (1/Mm):", " *~5.1f", [](const auto& r) { return UNIT_on_screen(UNIT_per_m, r.bspg); });
     // The reference is shown on the scale of the scattering.
-    row(d, 3, pd, "Green ref:", " *~5.1f", [](const auto& r) { return INSTDISP_per_Mm(r.greenref); });
+    row(d, 3, pd, "Green ref:", " *~5.1f",
+        [](const auto& r) { return UNIT_on_screen(UNIT_per_m, r.greenref); });
     row(d, 4, pd, "T inlet (C):", "    *~2.1f", [](const auto& r) { return r.T_inlet; });
     row(d, 5, pd, "RH inlet (%):", "    *~2.1f", [](const auto& r) { return r.RH_inlet; });
     row(d, 6, pd, "T neph (C):", "    *~2.1f", [](const auto& r) { return r.T_neph; });

@@ -1,6 +1,5 @@
 // The photoacoustic extinctiometer: absorption, scattering and the state of laser and resonator, as latest
 // values, running average or last average.
-#include <array>
 #include <cmath>
 
 #include "cursclient/kit/instdisp.h"
@@ -49,10 +48,9 @@ void draw_housekeeping(const NET_PAX_Reading& r, const CANVAS& d) {
 
 // Without a time of the next mode the Q factor stands in its place once more: operators know the row so.
 void draw_mode(const NET_PAX_Instant& instant, const NET_PAX_Reading& r, const CANVAS& d) {
-    static constexpr std::array NAMES{"     Measure", "        Zero", "       Flush", "Acoustic Cal"};
-    if (instant.mode < 0 || instant.mode >= static_cast<std::int32_t>(NAMES.size())) return;
-    d.text(13, L, "Mode:");
-    d.text(13, 16, NAMES[static_cast<std::size_t>(instant.mode)]);
+    const NETDSD_meaning* mode = NETDSD_meaning_of(NET_PAX_MODES, instant.mode);
+    if (mode == nullptr) return;
+    d.field(13, L, "Mode:", 16, "%12s", mode->text);
     if (instant.next_mode != VESK_NO_TIME)
         d.put(13, R, "NEXT AT %s", INSTDISP_time(std::floor(instant.next_mode + 0.5)).c_str());
     else

@@ -7,7 +7,7 @@ using PSAP_prv_data = PSAP_record<NET_PSAP_Avg, NET_PSAP_Instant, NET_PSAP_Filte
 
 void draw(PSAP_prv_data* pd, const CANVAS& d) {
     const NET_PSAP_Instant& in = pd->instant;
-    d.put(1, 1, "Bap (1/Mm):    *~3.1f", INSTDISP_per_Mm(in.bap));
+    d.put(1, 1, "Bap (1/Mm):    *~3.1f", UNIT_on_screen(UNIT_per_m, in.bap));
     d.put(2, 1, "Flow (slpm):    *~2.2f", in.Q_slpm);
     d.put(3, 1, "Transmittance:  *~2.3f", in.tr);
     d.put(4, 1, "Tr correction:  *~2.3f", in.trc);
@@ -17,7 +17,7 @@ void draw(PSAP_prv_data* pd, const CANVAS& d) {
     d.put(8, 1, "I ref rsd:       *~1.6f", in.smoothed_I_ref_rsd);
     d.put(9, 1, "I Normalized:   *~2.5f", in.I);
     d.put(10, 1, "dI:             *~2.5f", in.dI);
-    d.put(11, 1, "Bap(I) (1/Mm): *~3.2f", INSTDISP_per_Mm(in.bap_I));
+    d.put(11, 1, "Bap(I) (1/Mm): *~3.2f", UNIT_on_screen(UNIT_per_m, in.bap_I));
     PSAP_draw_status(pd, d);
 }
 

@@ -17,8 +17,8 @@ void draw(PSAP3_prv_data* pd, const CANVAS& d) {
     const auto row = [&](int y, const char* label, SFMT_altformat<double> format, auto value) {
         d.across(y, label, COLORS, format, value);
     };
-    row(2, "Bap (1/Mm):", "*~4.2f", [&](int i) { return INSTDISP_per_Mm(in.bap[i]); });
-    row(3, "Bap(I) (1/Mm):", "*~4.2f", [&](int i) { return INSTDISP_per_Mm(in.bap_I[i]); });
+    row(2, "Bap (1/Mm):", "*~4.2f", [&](int i) { return UNIT_on_screen(UNIT_per_m, in.bap[i]); });
+    row(3, "Bap(I) (1/Mm):", "*~4.2f", [&](int i) { return UNIT_on_screen(UNIT_per_m, in.bap_I[i]); });
     row(4, "Transmittance:", "   *~1.3f", [&](int i) { return in.tr[i]; });
     row(5, "I_sample:", " *~10.0f", [&](int i) { return in.I_sample[i]; });
     row(6, "I_reference:", " *~10.0f", [&](int i) { return in.I_reference[i]; });

@@ -13,7 +13,6 @@ struct VERTICALPROFILE_prv_data : INSTDISP_head {
 };
 
 constexpr const char* TITLE = "Schedule";
-constexpr double NAUTICAL_MILES_PER_KM = 0.5399568;  // 1 nautical mile is 1.852 km
 
 NET_GPS_AllWaypointInfo g_verticalprofile_waypoints;
 BOOL g_verticalprofile_waypoints_valid = FALSE;
@@ -31,7 +30,7 @@ std::string VERTICALPROFILE_time(FTIME t) {
 
 void draw_waypoint(const CANVAS& d, int row, const char* title, const NET_VERTICALPROFILE_Waypoint& wp) {
     d.put(row, 1, "%s  %8s *~3.0f/*~-4.0f", title, UTIL_field(wp.name), wp.bearing,
-          VESK_scaled(wp.distance, NAUTICAL_MILES_PER_KM));
+          UNIT_on_screen(UNIT_km, wp.distance));
 }
 
 BOOL position_invalid(const NET_VERTICALPROFILE_Waypoint& wp) {

@@ -5,6 +5,7 @@
 #include <langinfo.h>
 
 #include "cursclient/wintext.h"
+#include "libvesk/messages/records/shared.h"
 
 namespace {
 
@@ -56,8 +57,13 @@ void CANVAS::block(int row, int col) const {
     if (inside && wmove(win_->win, row, col) != ERR) add_block(win_->win, attr_);
 }
 
+void CANVAS::meaning(int row, int col, const NETDSD_meaning& m) const {
+    (m.severity == NETDSD_FAULT ? fault() : *this).text(row, col, m.text);
+}
+
 BOOL CANVAS::no_comms(int row, BOOL have_comms) const {
-    if (have_comms) return FALSE;
-    alarm().text_centered(row, "NO COMMS");
+    const NETDSD_meaning* silent = NETDSD_meaning_of(NET_COMMS, have_comms);
+    if (silent == nullptr) return FALSE;
+    alarm().text_centered(row, silent->text);
     return TRUE;
 }

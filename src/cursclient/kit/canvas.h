@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "cursclient/wins.h"
+#include "libvesk/messages/netdsd_field.h"
 #include "libvesk/support/sfmt.h"
 
 class CANVAS {
@@ -64,6 +65,8 @@ class CANVAS {
     void rule(int row, std::string_view title = "") const;
     // One solid cell of a bar.
     void block(int row, int col) const;
+    // The text of a record's value or flag: a fault in the fault's attribute.
+    void meaning(int row, int col, const NETDSD_meaning& m) const;
     // The centred alarm of an instrument that does not answer. TRUE when it was drawn.
     BOOL no_comms(int row, BOOL have_comms) const;
 

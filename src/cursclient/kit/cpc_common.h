@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <span>
 
 #include "cursclient/kit/instdisp.h"
 #include "libvesk/messages/records/cpc.h"
@@ -40,6 +41,14 @@ void CPC_draw_butanol_temperatures(const R* pd, const CANVAS& d) {
     d.put(7, 1, "T Condenser:    *~3.1f", pd->instant.T_condenser);
     d.put(8, 1, "Delta T:        *~3.1f", VESK_difference(pd->instant.T_saturator, pd->instant.T_condenser));
 }
+
+// Where the text of a warning stands.
+struct CPC_warning_place {
+    int row, col;
+};
+// The texts of the bits that are set, the i-th warning at the i-th place.
+void CPC_draw_warnings(const CANVAS& d, WORD flags, NETDSD_meanings warnings,
+                       std::span<const CPC_warning_place> places);
 
 // The status row of kinds that show their instrument's error word as it is.
 void CPC_draw_flag_word(const CANVAS& d, int row, bool have_comms, WORD flags);

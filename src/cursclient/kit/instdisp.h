@@ -103,11 +103,6 @@ struct INSTDISP_clock {
 };
 [[nodiscard]] INSTDISP_clock INSTDISP_time(FTIME t);
 
-// Coefficients travel in 1/m and are read in 1/Mm; the missing value stays missing.
-[[nodiscard]] constexpr double INSTDISP_per_Mm(double per_m) {
-    return VESK_scaled(per_m, 1e6);
-}
-
 // Which of its data a kind with a member `int display_mode` shows.
 enum INSTDISP_mode { INSTDISP_INSTANTANEOUS, INSTDISP_RUNNING_AVERAGE, INSTDISP_LAST_AVERAGE };
 [[nodiscard]] int INSTDISP_next_mode(int mode);  // 0, 1, 2, 0; any other number becomes 0

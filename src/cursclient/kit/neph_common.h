@@ -20,7 +20,8 @@ void NEPH_draw_status(const CANVAS& d, int row, const SPANCHECK_head* pd, bool h
 template <class Scattering, class Zero>
 void NEPH_draw_scattering(const CANVAS& d, const Scattering& s, const Zero& zero) {
     const auto row = [&d](int y, const char* label, auto value) {
-        d.across(y, label, NEPH_COLUMNS, "*~5.1f", [&](int i) { return INSTDISP_per_Mm(value(i)); });
+        d.across(y, label, NEPH_COLUMNS, "*~5.1f",
+                 [&](int i) { return UNIT_on_screen(UNIT_per_m, value(i)); });
     };
     row(2, "Bsp:", [&](int i) { return s.bsp[i]; });
     row(3, "Bbsp:", [&](int i) { return s.bbsp[i]; });

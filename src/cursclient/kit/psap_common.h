@@ -29,7 +29,8 @@ template <class R>
 void PSAP_draw_status(const R* pd, const CANVAS& d) {
     static constexpr int ROW = 12;
     if (d.no_comms(ROW, pd->status.have_comms)) return;
-    if (pd->filter_status.changing_filter) d.text(ROW, 1, "Changing filter...");
+    if (const NETDSD_meaning* change = NETDSD_meaning_of(NET_PSAP_FILTER, pd->filter_status.changing_filter))
+        d.meaning(ROW, 1, *change);
 }
 
 // ---- the menu; SET is the message that starts and ends a filter change

@@ -37,21 +37,18 @@ constexpr const char* AIR_AFTER[] = {
 
 struct phase_row {
     std::int32_t phase;
-    const char* name;
     const char* short_name;
     std::span<const char* const> instructions;  // from row 1
     const char* until;                          // below them, with the end of the phase
 };
 constexpr phase_row PHASES[] = {
-    {NET_COMMON_NEPH_SC_NONE, "NONE", "NONE", {}, ""},
-    {NET_COMMON_NEPH_SC_FLUSH_AIR_INIT, "FLUSH AIR (INIT)", "F. AIR (INIT)", AIR_INIT,
-     "The CO2 span check will begin at"},
-    {NET_COMMON_NEPH_SC_FLUSH_CO2, "FLUSH CO2", "F. CO2", std::span(CO2).first<4>(),
-     "CO2 will be flushed until"},
-    {NET_COMMON_NEPH_SC_SAMPLE_CO2, "SAMPLE CO2", "S. CO2", CO2, "CO2 will be sampled until"},
-    {NET_COMMON_NEPH_SC_FLUSH_AIR_SAMPLE, "FLUSH AIR (SAMPLE)", "F. AIR (SMPL)",
-     std::span(AIR_AFTER).first<3>(), "Air will be flushed until"},
-    {NET_COMMON_NEPH_SC_SAMPLE_AIR, "SAMPLE AIR", "S. AIR", AIR_AFTER, "Air will be sampled until"},
+    {NET_COMMON_NEPH_SC_NONE, "NONE", {}, ""},
+    {NET_COMMON_NEPH_SC_FLUSH_AIR_INIT, "F. AIR (INIT)", AIR_INIT, "The CO2 span check will begin at"},
+    {NET_COMMON_NEPH_SC_FLUSH_CO2, "F. CO2", std::span(CO2).first<4>(), "CO2 will be flushed until"},
+    {NET_COMMON_NEPH_SC_SAMPLE_CO2, "S. CO2", CO2, "CO2 will be sampled until"},
+    {NET_COMMON_NEPH_SC_FLUSH_AIR_SAMPLE, "F. AIR (SMPL)", std::span(AIR_AFTER).first<3>(),
+     "Air will be flushed until"},
+    {NET_COMMON_NEPH_SC_SAMPLE_AIR, "S. AIR", AIR_AFTER, "Air will be sampled until"},
 };
 static_assert(std::size(PHASES) == NET_COMMON_NEPH_SC_COUNT);
 static_assert([] {
@@ -128,8 +125,8 @@ BOOL SPANCHECK_key(SPANCHECK_head* pd, int key) {
 }
 
 const char* SPANCHECK_phase_name(std::int32_t phase) {
-    const phase_row* row = row_of(phase);
-    return row != nullptr ? row->name : "";
+    const NETDSD_meaning* named = NETDSD_meaning_of(NET_COMMON_NEPH_SC_PHASES, phase);
+    return named != nullptr ? named->text : "";
 }
 
 const char* SPANCHECK_short_phase_name(std::int32_t phase) {

@@ -45,13 +45,20 @@ struct TEST_All {
 };
 #pragma pack(pop)
 
-NETDSD_RECORD(TEST_Inner, 20, NETDSD_MEMBER(mark), NETDSD_MEMBER(value), NETDSD_TIME(when));
-NETDSD_RECORD(TEST_All, 172, NETDSD_MEMBER(flag), NETDSD_MEMBER(mark), NETDSD_MEMBER(byte),
-              NETDSD_MEMBER(i16), NETDSD_MEMBER(u16), NETDSD_MEMBER(i32), NETDSD_MEMBER(u32),
-              NETDSD_MEMBER(i64), NETDSD_MEMBER(u64), NETDSD_TIME(time), NETDSD_TIME(ftime),
-              NETDSD_MEMBER(value), NETDSD_MEMBER(single), NETDSD_MEMBER(text), NETDSD_CHARS(chars),
-              NETDSD_MEMBER(flags), NETDSD_MEMBER(values), NETDSD_TIME(times), NETDSD_TIME(ftimes),
-              NETDSD_MEMBER(one), NETDSD_MEMBER(two));
+inline constexpr NETDSD_meaning TEST_BITS[] = {{1, "LOW", NETDSD_NOTE}, {6, "WRONG", NETDSD_FAULT}};
+
+NETDSD_RECORD(TEST_Inner, 20,
+    NETDSD_MEMBER(mark, "mark"),
+    NETDSD_MEMBER(value, UNIT_degC, "sample temperature").range(-40, 60),
+    NETDSD_TIME(when, "time"));
+NETDSD_RECORD(TEST_All, 172,
+    NETDSD_MEMBER(flag, ""), NETDSD_MEMBER(mark, ""), NETDSD_MEMBER(byte, UNIT_bits, "").bits(TEST_BITS),
+    NETDSD_MEMBER(i16, UNIT_none, ""), NETDSD_MEMBER(u16, UNIT_none, ""), NETDSD_MEMBER(i32, UNIT_none, ""),
+    NETDSD_MEMBER(u32, UNIT_none, ""), NETDSD_MEMBER(i64, UNIT_none, ""), NETDSD_MEMBER(u64, UNIT_none, ""),
+    NETDSD_TIME(time, ""), NETDSD_TIME(ftime, ""), NETDSD_MEMBER(value, UNIT_per_m, ""),
+    NETDSD_MEMBER(single, UNIT_none, ""), NETDSD_MEMBER(text, ""), NETDSD_CHARS(chars, ""),
+    NETDSD_MEMBER(flags, ""), NETDSD_MEMBER(values, UNIT_per_Mm, "").each("blue, green"),
+    NETDSD_TIME(times, ""), NETDSD_TIME(ftimes, ""), NETDSD_MEMBER(one, ""), NETDSD_MEMBER(two, ""));
 
 namespace {
 
@@ -73,6 +80,31 @@ TEST(Netdsd, DescribesEveryTypeOfField) {
               "BOOL char BYTE int16 uint16 int32 uint32 int64 uint64 time32 FTIME double float STRING[5] "
               "char[5] BOOL[3] double[2] time32[2] FTIME[2] TEST_Inner TEST_Inner[2] ");
     EXPECT_EQ(NETDSD_field_by_name(NETDSD_of<TEST_All>(), "tex"), nullptr);
+}
+
+TEST(Netdsd, EveryMemberOfEveryRecordIsDescribed) {
+    for (const NETDSD_entry* dsd : all_records()) {
+        for (const NETDSD_field& f : NETDSD_fields(dsd)) {
+            SCOPED_TRACE(std::string(dsd->name) + "." + f.name);
+            EXPECT_GE(std::string_view(f.comment).size(), 3u);
+            EXPECT_TRUE(f.unit != nullptr || !f.has_range);
+            const std::uint64_t bits = f.size / NETDSD_values(f) * 8;
+            for (const NETDSD_meaning& m : f.meanings)
+                EXPECT_EQ(bits < 32 ? m.value >> bits : 0, 0u) << m.text << " lies beyond the field";
+            EXPECT_EQ(f.by_bits, f.unit == &UNIT_bits && !f.meanings.empty());
+        }
+    }
+}
+
+TEST(Netdsd, ScreensShowSomeUnitsInAnother) {
+    EXPECT_EQ(UNIT_on_screen(UNIT_per_m, 0.25), 250000);
+    EXPECT_EQ(UNIT_on_screen(UNIT_per_m, VESK_MISSING), VESK_MISSING);
+    EXPECT_STREQ(UNIT_screen_symbol(UNIT_per_m), UNIT_per_Mm.symbol);
+    EXPECT_STREQ(UNIT_screen_symbol(UNIT_hPa), "hPa");
+    EXPECT_STREQ(UNIT_screen_symbol(UNIT_none), "");
+    std::set<std::string_view> symbols;
+    for (const UNIT* unit : UNITS)
+        EXPECT_TRUE(symbols.insert(unit->symbol).second) << unit->symbol;
 }
 
 TEST(Netdsd, DefaultsSayThatNothingIsKnown) {

@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <map>
 #include <ostream>
 #include <set>
 
@@ -78,6 +80,60 @@ TEST_P(EveryKind, SendsOnlyFiniteValuesInTheRecordsOfTheirMessages) {
                 EXPECT_NE(value, VESK_MISSING) << entry->name << " " << f.name;
             }
         });
+    }
+}
+
+// What numbers of a unit look like at a station: one that is sent in another unit than its descriptor says
+// leaves these bounds.
+struct plausible {
+    const UNIT* unit;
+    double least, most;
+    double peak;  // the largest of ten minutes comes up to this, whatever its sign
+};
+constexpr plausible PLAUSIBLE[] = {
+    {&UNIT_per_m, -1e-3, 1e-2, 0}, {&UNIT_per_Mm, -1e4, 1e5, 1e-3}, {&UNIT_degC, -60, 100, 0},
+    {&UNIT_percent, -200, 200, 0}, {&UNIT_hPa, 0, 1100, 0.1},       {&UNIT_lpm, 0, 100, 0.01},
+    {&UNIT_slpm, -1, 100, 0.01},   {&UNIT_ccm, 0, 2000, 10},        {&UNIT_nm, 1, 5000, 1},
+    {&UNIT_um, 0.05, 100, 0.05},   {&UNIT_mA, 0, 2000, 1},          {&UNIT_V, -20, 20000, 0},
+    {&UNIT_epoch, -1, 4e9, 0},     {&UNIT_deg, -180, 360, 0},
+};
+
+struct extremes {
+    const NETDSD_field* field;
+    double least = HUGE_VAL;
+    double most = -HUGE_VAL;
+};
+
+// Of every number that was sent, by record and member.
+std::map<std::string, extremes> extremes_of(const std::vector<SentMessage>& sent) {
+    std::map<std::string, extremes> found;
+    for (const SentMessage& m : sent) {
+        if (m.dsd == nullptr) continue;
+        NETDSD_for_each_leaf(m.dsd, [&](const NETDSD_field& f, std::size_t at) {
+            const double value = NETDSD_visit_type(f.ft, [&]<class T>(std::type_identity<T>) {
+                return static_cast<double>(NETDSD_load<T>(m.payload.data() + at));
+            });
+            if (f.unit == nullptr || VESK_is_missing(value)) return;
+            extremes& e = found[std::string(m.dsd->name) + " " + f.name + "@" + std::to_string(at)];
+            e = {&f, std::min(e.least, value), std::max(e.most, value)};
+        });
+    }
+    return found;
+}
+
+TEST_P(EveryKind, SendsNumbersInTheUnitsAndRangesThatTheirDescriptorsState) {
+    SimProbe probe(type());
+    probe.run(MINUTES_10);
+    for (const auto& [name, e] : extremes_of(probe.sink.sent)) {
+        SCOPED_TRACE(name);
+        EXPECT_TRUE(!e.field->has_range || e.least >= e.field->min) << e.least;
+        EXPECT_TRUE(!e.field->has_range || e.most <= e.field->max) << e.most;
+        const auto p = std::find_if(std::begin(PLAUSIBLE), std::end(PLAUSIBLE),
+                                    [&e](const plausible& row) { return row.unit == e.field->unit; });
+        if (p == std::end(PLAUSIBLE)) continue;
+        EXPECT_GE(e.least, p->least);
+        EXPECT_LE(e.most, p->most);
+        EXPECT_GE(std::max(e.most, -e.least), p->peak);
     }
 }
 

@@ -1,8 +1,7 @@
-// Wire records of the extinction monitor and of the photoacoustic extinctiometer. Coefficients in 1/Mm,
-// temperatures in degrees Celsius, pressures in hPa.
+// Wire records of the extinction monitor and of the photoacoustic extinctiometer.
 #pragma once
 
-#include "libvesk/messages/netdsd.h"
+#include "libvesk/messages/records/shared.h"
 
 // What the photoacoustic instrument is doing, as NET_PAX_Instant::mode says it.
 enum NET_PAX_Mode : std::int32_t {
@@ -11,28 +10,34 @@ enum NET_PAX_Mode : std::int32_t {
     NET_PAX_MODE_FLUSH,
     NET_PAX_MODE_ACOUSTIC_CAL,
 };
+inline constexpr NETDSD_meaning NET_PAX_MODES[] = {
+    {NET_PAX_MODE_MEASURE, "Measure", NETDSD_STATE},
+    {NET_PAX_MODE_ZERO, "Zero", NETDSD_NOTE},
+    {NET_PAX_MODE_FLUSH, "Flush", NETDSD_NOTE},
+    {NET_PAX_MODE_ACOUSTIC_CAL, "Acoustic Cal", NETDSD_NOTE},
+};
 
 #pragma pack(push, 4)
 struct NET_CAPS_Reading {
     FTIME start_time;
-    double ext;   // extinction coefficient
-    double loss;  // of the empty cavity
+    double ext;
+    double loss;
     double temp;
     double press;
-    double signal;  // mV
+    double signal;
     WORD flags;
 };
 
 struct NET_CAPS_Instant {
     FTIME start_time;
-    NET_CAPS_Reading in;  // instantaneous
-    NET_CAPS_Reading ra;  // running average
+    NET_CAPS_Reading in;
+    NET_CAPS_Reading ra;
 };
 
 struct NET_CAPS_Zero {
     FTIME start_time;
     double baseline;
-    double shift;  // against the zero before
+    double shift;
 };
 
 struct NET_CAPS_ZeroSchedule {
@@ -45,30 +50,30 @@ struct NET_CAPS_Status {
 
 struct NET_PAX_Reading {
     FTIME start_time;
-    double ba;  // absorption coefficient
+    double ba;
     double baNoise;
-    double baPhase;  // degrees
-    double bs;       // scattering coefficient
+    double baPhase;
+    double bs;
     double p, pInlet, pVacuum;
     double tSample, tLaser;
-    double v33, v5, v12, vM5, vP5;  // supply voltages
-    double aLaser, aPhotoDiode;     // A
-    double pLaser;                  // W
-    double laserPhase;              // degrees
+    double v33, v5, v12, vM5, vP5;
+    double aLaser, aPhotoDiode;
+    double pLaser;
+    double laserPhase;
     double micPressure;
-    double qFactor;      // of the resonator
-    double rh;           // percent
-    double frequency;    // of the resonance, Hz
-    double iMic, iScat;  // raw signals
+    double qFactor;
+    double rh;
+    double frequency;
+    double iMic, iScat;
     DWORD flags;
 };
 
 struct NET_PAX_Instant {
     FTIME start_time;
-    NET_PAX_Reading in;  // instantaneous
-    NET_PAX_Reading ra;  // running average
-    std::int32_t mode;   // NET_PAX_Mode; any number may come from the wire
-    FTIME next_mode;     // when it changes
+    NET_PAX_Reading in;
+    NET_PAX_Reading ra;
+    std::int32_t mode;  // NET_PAX_Mode; any number may come from the wire
+    FTIME next_mode;
 };
 
 struct NET_PAX_Zero {
@@ -76,7 +81,7 @@ struct NET_PAX_Zero {
     double ba;
     double bs;
     double baPhase;
-    double baShift;  // against the zero before
+    double baShift;
     double bsShift;
 };
 
@@ -85,28 +90,68 @@ struct NET_PAX_Status {
 };
 #pragma pack(pop)
 
-NETDSD_RECORD(NET_CAPS_Reading, 52, NETDSD_TIME(start_time), NETDSD_MEMBER(ext), NETDSD_MEMBER(loss),
-              NETDSD_MEMBER(temp), NETDSD_MEMBER(press), NETDSD_MEMBER(signal), NETDSD_MEMBER(flags));
-NETDSD_RECORD(NET_CAPS_Instant, 112, NETDSD_TIME(start_time), NETDSD_MEMBER(in), NETDSD_MEMBER(ra));
+NETDSD_RECORD(NET_CAPS_Reading, 52,
+    NETDSD_TIME(start_time, "begin of the interval, or time of the reading"),
+    NETDSD_MEMBER(ext, UNIT_per_Mm, "extinction coefficient"),
+    NETDSD_MEMBER(loss, UNIT_per_Mm, "loss of the cavity"),
+    NETDSD_MEMBER(temp, UNIT_degC, "sample temperature"),
+    NETDSD_MEMBER(press, UNIT_hPa, "sample pressure"),
+    NETDSD_MEMBER(signal, UNIT_mV, "signal of the detector"),
+    NETDSD_MEMBER(flags, UNIT_bits, "the instrument's own flags"));
+NETDSD_RECORD(NET_CAPS_Instant, 112,
+    NETDSD_TIME(start_time, "time of the reading"),
+    NETDSD_MEMBER(in, "latest values"),
+    NETDSD_MEMBER(ra, "running averages"));
 NETDSD_OFFSET(NET_CAPS_Instant, ra, 60);
-NETDSD_RECORD(NET_CAPS_Zero, 24, NETDSD_TIME(start_time), NETDSD_MEMBER(baseline), NETDSD_MEMBER(shift));
-NETDSD_RECORD(NET_CAPS_ZeroSchedule, 8, NETDSD_TIME(time_next));
-NETDSD_RECORD(NET_CAPS_Status, 1, NETDSD_MEMBER(have_comms));
-NETDSD_RECORD(NET_PAX_Reading, 204, NETDSD_TIME(start_time), NETDSD_MEMBER(ba), NETDSD_MEMBER(baNoise),
-              NETDSD_MEMBER(baPhase), NETDSD_MEMBER(bs), NETDSD_MEMBER(p), NETDSD_MEMBER(pInlet),
-              NETDSD_MEMBER(pVacuum), NETDSD_MEMBER(tSample), NETDSD_MEMBER(tLaser), NETDSD_MEMBER(v33),
-              NETDSD_MEMBER(v5), NETDSD_MEMBER(v12), NETDSD_MEMBER(vM5), NETDSD_MEMBER(vP5),
-              NETDSD_MEMBER(aLaser), NETDSD_MEMBER(aPhotoDiode), NETDSD_MEMBER(pLaser),
-              NETDSD_MEMBER(laserPhase), NETDSD_MEMBER(micPressure), NETDSD_MEMBER(qFactor),
-              NETDSD_MEMBER(rh), NETDSD_MEMBER(frequency), NETDSD_MEMBER(iMic), NETDSD_MEMBER(iScat),
-              NETDSD_MEMBER(flags));
+NETDSD_RECORD(NET_CAPS_Zero, 24,
+    NETDSD_TIME(start_time, "when the zero began"),
+    NETDSD_MEMBER(baseline, UNIT_per_Mm, "baseline"),
+    NETDSD_MEMBER(shift, UNIT_per_Mm, "its shift against the zero before"));
+NETDSD_RECORD(NET_CAPS_ZeroSchedule, 8, NETDSD_TIME(time_next, "when the next zero begins, -1 for none"));
+NET_COMMS_RECORD(NET_CAPS_Status);
+NETDSD_RECORD(NET_PAX_Reading, 204,
+    NETDSD_TIME(start_time, "begin of the interval, or time of the reading"),
+    NETDSD_MEMBER(ba, UNIT_per_Mm, "absorption coefficient"),
+    NETDSD_MEMBER(baNoise, UNIT_per_Mm, "its noise"),
+    NETDSD_MEMBER(baPhase, UNIT_deg, "phase of the microphone's signal"),
+    NETDSD_MEMBER(bs, UNIT_per_Mm, "scattering coefficient"),
+    NETDSD_MEMBER(p, UNIT_hPa, "sample pressure"),
+    NETDSD_MEMBER(pInlet, UNIT_hPa, "inlet pressure"),
+    NETDSD_MEMBER(pVacuum, UNIT_hPa, "vacuum pressure"),
+    NETDSD_MEMBER(tSample, UNIT_degC, "sample temperature"),
+    NETDSD_MEMBER(tLaser, UNIT_degC, "laser temperature"),
+    NETDSD_MEMBER(v33, UNIT_V, "supply of 3.3 V"),
+    NETDSD_MEMBER(v5, UNIT_V, "supply of 5 V"),
+    NETDSD_MEMBER(v12, UNIT_V, "supply of 12 V"),
+    NETDSD_MEMBER(vM5, UNIT_V, "analog supply of -5 V"),
+    NETDSD_MEMBER(vP5, UNIT_V, "analog supply of +5 V"),
+    NETDSD_MEMBER(aLaser, UNIT_A, "laser current"),
+    NETDSD_MEMBER(aPhotoDiode, UNIT_A, "photodiode current"),
+    NETDSD_MEMBER(pLaser, UNIT_W, "laser power"),
+    NETDSD_MEMBER(laserPhase, UNIT_deg, "laser phase"),
+    NETDSD_MEMBER(micPressure, UNIT_none, "microphone pressure"),
+    NETDSD_MEMBER(qFactor, UNIT_none, "quality factor of the resonator"),
+    NETDSD_MEMBER(rh, UNIT_percent, "relative humidity of the sample").range(0, 100),
+    NETDSD_MEMBER(frequency, UNIT_Hz, "frequency of the resonance"),
+    NETDSD_MEMBER(iMic, UNIT_none, "raw signal of the microphone"),
+    NETDSD_MEMBER(iScat, UNIT_none, "raw signal of the scattering detector"),
+    NETDSD_MEMBER(flags, UNIT_bits, "the instrument's own flags"));
 NETDSD_OFFSET(NET_PAX_Reading, v33, 80);
 NETDSD_OFFSET(NET_PAX_Reading, rh, 168);
 NETDSD_OFFSET(NET_PAX_Reading, flags, 200);
-NETDSD_RECORD(NET_PAX_Instant, 428, NETDSD_TIME(start_time), NETDSD_MEMBER(in), NETDSD_MEMBER(ra),
-              NETDSD_MEMBER(mode), NETDSD_TIME(next_mode));
+NETDSD_RECORD(NET_PAX_Instant, 428,
+    NETDSD_TIME(start_time, "time of the reading"),
+    NETDSD_MEMBER(in, "latest values"),
+    NETDSD_MEMBER(ra, "running averages"),
+    NETDSD_MEMBER(mode, UNIT_none, "what the instrument is doing").values(NET_PAX_MODES),
+    NETDSD_TIME(next_mode, "when that changes"));
 NETDSD_OFFSET(NET_PAX_Instant, ra, 212);
 NETDSD_OFFSET(NET_PAX_Instant, next_mode, 420);
-NETDSD_RECORD(NET_PAX_Zero, 48, NETDSD_TIME(start_time), NETDSD_MEMBER(ba), NETDSD_MEMBER(bs),
-              NETDSD_MEMBER(baPhase), NETDSD_MEMBER(baShift), NETDSD_MEMBER(bsShift));
-NETDSD_RECORD(NET_PAX_Status, 1, NETDSD_MEMBER(have_comms));
+NETDSD_RECORD(NET_PAX_Zero, 48,
+    NETDSD_TIME(start_time, "when the zero began"),
+    NETDSD_MEMBER(ba, UNIT_per_Mm, "background of absorption"),
+    NETDSD_MEMBER(bs, UNIT_per_Mm, "background of scattering"),
+    NETDSD_MEMBER(baPhase, UNIT_deg, "phase of the background of absorption"),
+    NETDSD_MEMBER(baShift, UNIT_per_Mm, "shift of absorption against the zero before"),
+    NETDSD_MEMBER(bsShift, UNIT_per_Mm, "shift of scattering against the zero before"));
+NET_COMMS_RECORD(NET_PAX_Status);

@@ -3,6 +3,8 @@
 // both missing leave their term unlimited.
 #pragma once
 
+#include <iterator>
+
 #include "libvesk/messages/netdsd.h"
 
 // What a tuning sequence is doing.
@@ -15,6 +17,16 @@ enum NET_GENERICPID_TuningState : std::uint32_t {
     GENERICPID_DOWNWARD,
     GENERICPID_UPWARD,
 };
+inline constexpr NETDSD_meaning g_genericpidstatuscodes[] = {
+    {GENERICPID_NOTTUNING, "Not Tuning", NETDSD_STATE},
+    {GENERICPID_WAIT_BASE_STABLITY, "Waiting baseline stablity", NETDSD_NOTE},
+    {GENERICPID_WAIT_HIGH_STABLITY, "Waiting high value stablity", NETDSD_NOTE},
+    {GENERICPID_DOWNWARD_PRIME, "Priming downward sweep", NETDSD_NOTE},
+    {GENERICPID_UPWARD_PRIME, "Priming upward sweep", NETDSD_NOTE},
+    {GENERICPID_DOWNWARD, "Downward sweep", NETDSD_NOTE},
+    {GENERICPID_UPWARD, "Upward sweep", NETDSD_NOTE},
+};
+static_assert(std::size(g_genericpidstatuscodes) == GENERICPID_UPWARD + 1);
 
 // The rule that makes parameters from the measured oscillation.
 enum NET_GENERICPID_TuningParamGenType : std::uint32_t {
@@ -25,6 +37,14 @@ enum NET_GENERICPID_TuningParamGenType : std::uint32_t {
     GENERICPID_TUNE_ZN_P,
     GENERICPID_TUNE_COUNT,
 };
+inline constexpr NETDSD_meaning g_genericpidtuningtypes[] = {
+    {GENERICPID_TUNE_TLC_PID, "Tyreus-Luyben PID", NETDSD_STATE},
+    {GENERICPID_TUNE_TLC_PI, "Tyreus-Luyben PI", NETDSD_STATE},
+    {GENERICPID_TUNE_ZN_PID, "Ziegler-Nichols PID", NETDSD_STATE},
+    {GENERICPID_TUNE_ZN_PI, "Ziegler-Nichols PI", NETDSD_STATE},
+    {GENERICPID_TUNE_ZN_P, "Ziegler-Nichols P", NETDSD_STATE},
+};
+static_assert(std::size(g_genericpidtuningtypes) == GENERICPID_TUNE_COUNT);
 
 #pragma pack(push, 4)
 struct NET_GENERICPID_Setpoint {
@@ -39,10 +59,10 @@ struct NET_GENERICPID_Params {
 
 struct NET_GENERICPID_Instant {
     FTIME start_time;
-    double pv;     // process value
-    double out;    // controller output
-    double i_val;  // integral term
-    double d_val;  // derivative term
+    double pv;
+    double out;
+    double i_val;
+    double d_val;
 };
 
 struct NET_GENERICPID_ControllerParams {
@@ -52,8 +72,8 @@ struct NET_GENERICPID_ControllerParams {
 };
 
 struct NET_GENERICPID_Info {
-    STRING<32> chan_pv;   // name of the process value's channel
-    STRING<32> chan_out;  // name of the output's channel
+    STRING<32> chan_pv;
+    STRING<32> chan_out;
     NET_GENERICPID_ControllerParams params;
 };
 
@@ -64,13 +84,13 @@ struct NET_GENERICPID_TuningResults {
 
 struct NET_GENERICPID_TuningInstant {
     double pv_stddev;
-    NET_GENERICPID_TuningResults current;  // of the runs so far
-    NET_GENERICPID_Params last;            // of the last run alone
+    NET_GENERICPID_TuningResults current;
+    NET_GENERICPID_Params last;
 };
 
 struct NET_GENERICPID_TuningSatus {
     std::uint32_t state;  // NET_GENERICPID_TuningState; any number may come from the wire
-    std::uint32_t run;    // from 0
+    std::uint32_t run;
     std::uint32_t run_max;
 };
 
@@ -85,19 +105,41 @@ struct NET_GENERICPID_TuningRequest {
 };
 #pragma pack(pop)
 
-NETDSD_RECORD(NET_GENERICPID_Setpoint, 8, NETDSD_MEMBER(sp));
-NETDSD_RECORD(NET_GENERICPID_Params, 24, NETDSD_MEMBER(p), NETDSD_MEMBER(i), NETDSD_MEMBER(d));
-NETDSD_RECORD(NET_GENERICPID_Instant, 40, NETDSD_TIME(start_time), NETDSD_MEMBER(pv), NETDSD_MEMBER(out),
-              NETDSD_MEMBER(i_val), NETDSD_MEMBER(d_val));
-NETDSD_RECORD(NET_GENERICPID_ControllerParams, 72, NETDSD_MEMBER(params), NETDSD_MEMBER(min),
-              NETDSD_MEMBER(max));
-NETDSD_RECORD(NET_GENERICPID_Info, 136, NETDSD_MEMBER(chan_pv), NETDSD_MEMBER(chan_out),
-              NETDSD_MEMBER(params));
-NETDSD_RECORD(NET_GENERICPID_TuningResults, 48, NETDSD_MEMBER(params), NETDSD_MEMBER(stddev));
-NETDSD_RECORD(NET_GENERICPID_TuningInstant, 80, NETDSD_MEMBER(pv_stddev), NETDSD_MEMBER(current),
-              NETDSD_MEMBER(last));
-NETDSD_RECORD(NET_GENERICPID_TuningSatus, 12, NETDSD_MEMBER(state), NETDSD_MEMBER(run),
-              NETDSD_MEMBER(run_max));
-NETDSD_RECORD(NET_GENERICPID_TuningRequest, 40, NETDSD_MEMBER(stablity_samples),
-              NETDSD_MEMBER(stablity_stddev), NETDSD_MEMBER(num_runs), NETDSD_MEMBER(num_prime),
-              NETDSD_MEMBER(start_out), NETDSD_MEMBER(output_amp), NETDSD_MEMBER(param_gen));
+NETDSD_RECORD(NET_GENERICPID_Setpoint, 8, NETDSD_MEMBER(sp, UNIT_varies, "set point"));
+NETDSD_RECORD(NET_GENERICPID_Params, 24,
+    NETDSD_MEMBER(p, UNIT_varies, "proportional term"),
+    NETDSD_MEMBER(i, UNIT_varies, "integral term"),
+    NETDSD_MEMBER(d, UNIT_varies, "derivative term"));
+NETDSD_RECORD(NET_GENERICPID_Instant, 40,
+    NETDSD_TIME(start_time, "time of the reading"),
+    NETDSD_MEMBER(pv, UNIT_varies, "process value"),
+    NETDSD_MEMBER(out, UNIT_varies, "controller output"),
+    NETDSD_MEMBER(i_val, UNIT_varies, "value of the integral term"),
+    NETDSD_MEMBER(d_val, UNIT_varies, "value of the derivative term"));
+NETDSD_RECORD(NET_GENERICPID_ControllerParams, 72,
+    NETDSD_MEMBER(params, "parameters"),
+    NETDSD_MEMBER(min, "lower limits of the terms, missing for none"),
+    NETDSD_MEMBER(max, "upper limits of the terms, missing for none"));
+NETDSD_RECORD(NET_GENERICPID_Info, 136,
+    NETDSD_MEMBER(chan_pv, "name of the process value's channel"),
+    NETDSD_MEMBER(chan_out, "name of the output's channel"),
+    NETDSD_MEMBER(params, "parameters and their limits"));
+NETDSD_RECORD(NET_GENERICPID_TuningResults, 48,
+    NETDSD_MEMBER(params, "parameters found"),
+    NETDSD_MEMBER(stddev, "their standard deviations"));
+NETDSD_RECORD(NET_GENERICPID_TuningInstant, 80,
+    NETDSD_MEMBER(pv_stddev, UNIT_varies, "standard deviation of the process value"),
+    NETDSD_MEMBER(current, "results of the runs so far"),
+    NETDSD_MEMBER(last, "parameters of the last run alone"));
+NETDSD_RECORD(NET_GENERICPID_TuningSatus, 12,
+    NETDSD_MEMBER(state, UNIT_none, "what the tuning sequence is doing").values(g_genericpidstatuscodes),
+    NETDSD_MEMBER(run, UNIT_none, "run, from 0"),
+    NETDSD_MEMBER(run_max, UNIT_none, "number of runs"));
+NETDSD_RECORD(NET_GENERICPID_TuningRequest, 40,
+    NETDSD_MEMBER(stablity_samples, UNIT_none, "samples of the process value for stability").range(1, 999999),
+    NETDSD_MEMBER(stablity_stddev, UNIT_varies, "standard deviation below which it is stable"),
+    NETDSD_MEMBER(num_runs, UNIT_none, "number of runs").range(1, 9999),
+    NETDSD_MEMBER(num_prime, UNIT_none, "number of priming cycles").range(1, 9999),
+    NETDSD_MEMBER(start_out, UNIT_varies, "output to begin from"),
+    NETDSD_MEMBER(output_amp, UNIT_varies, "amplitude of the output's oscillation"),
+    NETDSD_MEMBER(param_gen, UNIT_none, "rule that makes parameters of it").values(g_genericpidtuningtypes));

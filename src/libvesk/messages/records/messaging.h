@@ -10,4 +10,6 @@ struct NETDS_MESSAGE_OneMessage {
 };
 #pragma pack(pop)
 
-NETDSD_RECORD(NETDS_MESSAGE_OneMessage, 2056, NETDSD_TIME(time_sent), NETDSD_MEMBER(contents));
+NETDSD_RECORD(NETDS_MESSAGE_OneMessage, 2056,
+    NETDSD_TIME(time_sent, "when it was sent"),
+    NETDSD_MEMBER(contents, "the message"));

@@ -11,13 +11,16 @@ struct NET_SERVER_InstrumentTag {
 };
 
 struct NET_SERVER_InstrumentInfo {
-    STRING<32> type;          // the kind, matched exactly against the table of displays
-    STRING<32> display_name;  // for people
-    char id_ch;               // hot key and logging indicator, 0 for none
-    NET_SERVER_InstrumentTag tags[NET_SERVER_TAGS];  // entries after the last are empty
+    STRING<32> type;
+    STRING<32> display_name;
+    char id_ch;
+    NET_SERVER_InstrumentTag tags[NET_SERVER_TAGS];
 };
 #pragma pack(pop)
 
-NETDSD_RECORD(NET_SERVER_InstrumentTag, 32, NETDSD_MEMBER(tag));
-NETDSD_RECORD(NET_SERVER_InstrumentInfo, 321, NETDSD_MEMBER(type), NETDSD_MEMBER(display_name),
-              NETDSD_MEMBER(id_ch), NETDSD_MEMBER(tags));
+NETDSD_RECORD(NET_SERVER_InstrumentTag, 32, NETDSD_MEMBER(tag, "by which displays choose among instruments"));
+NETDSD_RECORD(NET_SERVER_InstrumentInfo, 321,
+    NETDSD_MEMBER(type, "kind of display, exactly as in the table of kinds"),
+    NETDSD_MEMBER(display_name, "title of the window"),
+    NETDSD_MEMBER(id_ch, "hot key and logging indicator, none for no key"),
+    NETDSD_MEMBER(tags, "entries after the last are empty"));
