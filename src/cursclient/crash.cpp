@@ -11,10 +11,13 @@
 #include <cstddef>
 #include <iterator>
 
+#include "cursclient/ttyline.h"
+
 namespace {
 
 constexpr int SIGNALS[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
 constexpr std::size_t COUNT = std::size(SIGNALS);
+constexpr int PATIENCE_MS = 200;
 constexpr std::size_t STACK_SIZE = 64 * 1024;  // of its own: the fault may be that the usual one is full
 
 bool g_armed = false;
@@ -52,14 +55,13 @@ void prepare_sequences() {
     add_sequence(cursor_normal);
 }
 
-// Writes all of it, as far as it goes: there is nobody to tell of a failure.
-void put(int fd, const char* bytes, std::size_t n) {
-    while (n > 0) {
-        const ssize_t written = write(fd, bytes, n);
-        if (written <= 0) return;
-        bytes += written;
-        n -= static_cast<std::size_t>(written);
-    }
+// A terminal that is held is let go, since it has to be given back. FALSE when not all of it was taken even
+// so.
+bool put(int fd, const char* bytes, std::size_t n) {
+    const std::size_t taken = TTYLINE_write(fd, bytes, n, PATIENCE_MS);
+    if (taken == n) return true;
+    TTYLINE_release(fd);
+    return TTYLINE_write(fd, bytes + taken, n - taken, 0) == n - taken;
 }
 
 void release_stderr() {
@@ -67,7 +69,7 @@ void release_stderr() {
     dup2(g_stderr_real, STDERR_FILENO);
     char bytes[512];
     for (ssize_t n; (n = read(g_stderr_captured, bytes, sizeof bytes)) > 0;)
-        put(STDERR_FILENO, bytes, static_cast<std::size_t>(n));
+        if (!put(STDERR_FILENO, bytes, static_cast<std::size_t>(n))) return;
 }
 
 void restore_terminal() {

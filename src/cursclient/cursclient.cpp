@@ -17,6 +17,7 @@
 #include "cursclient/passwd.h"
 #include "cursclient/status.h"
 #include "cursclient/wins.h"
+#include "cursclient/winscreen.h"
 #include "libvesk/link/io.h"
 #include "libvesk/support/util.h"
 #include "libveskcurs/cursdialog.h"
@@ -98,15 +99,16 @@ int start_link() {
     return INST_wait_connected(&g_lnk) ? 0 : connection_failed();
 }
 
-// Sleeps until a key waits (TRUE), or for that long. What comes over the link meanwhile is taken from the
-// socket now and then, which holds no more than a fraction of what thousands of messages a second are in that
-// time.
+// Sleeps until a key waits (TRUE), the terminal takes more of a picture that it left standing, or for that
+// long. What comes over the link meanwhile is taken from the socket now and then, which holds no more than a
+// fraction of what thousands of messages a second are in that time.
 BOOL sleep_a_pass(double seconds, BOOL watch_keyboard) {
     static constexpr int LOOKS = 4;
     VESKMSG_link* const links[] = {&g_lnk.msg_lnk};
-    pollfd keyboard{watch_keyboard ? CURSKEYS_input_fd() : -1, POLLIN, 0};
+    pollfd fds[] = {{watch_keyboard ? CURSKEYS_input_fd() : -1, POLLIN, 0},
+                    {WINSCREEN_waiting_fd(), POLLOUT, 0}};
     for (int i = 0; i < LOOKS; ++i) {
-        if (UTIL_wait_fds({&keyboard, 1}, seconds / LOOKS)) return TRUE;
+        if (UTIL_wait_fds(fds, seconds / LOOKS)) return fds[0].revents != 0;
         VESKMSG_wait(links, 0);
     }
     return FALSE;
@@ -124,8 +126,9 @@ double seconds_to_tick(FTIME ticktime) {
         VESKMSG_process_messages(&g_lnk.msg_lnk, message_proc, nullptr);
         if (!INST_test_connected(&g_lnk)) std::exit(0);
         if (UTIL_exit_poll() || CURSKEYS_terminal_lost()) std::exit(0);
+        WINSCREEN_stop_if_asked();
         const BOOL short_sleep = CURSKEYS_handle_keys(DEBUG_rawkeypress, distribute_key);
-        redraw();
+        if (WINSCREEN_ready()) redraw();
         if (short_sleep) {
             woken = FALSE;
             UTIL_sched_yield();
@@ -182,6 +185,10 @@ void distribute_key(int key) {
         WINS_screen_resized();
         return;
     }
+    if (key == CURSKEYS_CTRL_L) {  // nor one for any window: the terminal's picture is wrong
+        WINSCREEN_repaint();
+        return;
+    }
     if (CURSDIALOG_keypress(key)) return;
     if (WINS_keypress(key)) return;
     if (DEBUG_keypress(key)) return;
@@ -198,7 +205,7 @@ void redraw() {
     DISPLAY_update();
     DEBUG_update();
     update_panels();
-    doupdate();
+    WINSCREEN_update();
 }
 
 int CURSCLIENT_main(int argc, char** argv) {

@@ -189,8 +189,8 @@ void DEBUG_release_stderr() {
     if (g_stderr_fh == -1) return;
     char line[256];
     while (VESKFILE_readuntil_int(g_stderr_fh, line, sizeof line, "\n", 1) > 0)
-        std::fprintf(stderr, "%s\n", line);
-    if (VESKFILE_readrest(g_stderr_fh, line, sizeof line) > 0) std::fprintf(stderr, "%s\n", line);
+        UTIL_say(line);
+    if (VESKFILE_readrest(g_stderr_fh, line, sizeof line) > 0) UTIL_say(line);
     VESKFILE_close(g_stderr_fh);
     g_stderr_fh = -1;
 }

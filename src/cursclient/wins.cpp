@@ -368,7 +368,7 @@ LL_NODE* WINS_node_by_window(const WINS_window* win) {
 }
 
 void WINS_update() {
-    if (WINSCREEN_size_signalled()) clearok(curscr, TRUE);
+    if (WINSCREEN_size_signalled()) WINSCREEN_repaint();
     for (const WINS_window& win : LL_each<WINS_window>(g_window_list)) {
         if (!has_curses_parts(&win)) continue;
         if (!win.visible)

@@ -9,6 +9,7 @@ inline constexpr int CURSKEYS_BTAB = 0x20001;  // reverse Tab
 inline constexpr int CURSKEYS_TAB = 9;
 inline constexpr int CURSKEYS_CTRL_D = 4;
 inline constexpr int CURSKEYS_CTRL_E = 5;
+inline constexpr int CURSKEYS_CTRL_L = 12;
 inline constexpr int CURSKEYS_CTRL_W = 23;
 inline constexpr int CURSKEYS_ESCAPE = 27;
 

@@ -149,6 +149,13 @@ TEST(PeerFault, AFloodStopsNeitherTheConsoleNorOthers) {
 
 // ---- the terminal
 
+// The sanitizers leave the signals of a crash to the programs that are started from here on.
+void use_plain_signals() {
+    const char* options = std::getenv("ASAN_OPTIONS");
+    setenv("ASAN_OPTIONS",
+           (std::string(options != nullptr ? options : "") + ":handle_segv=0:handle_sigbus=0").c_str(), 1);
+}
+
 // A console that no signal tells of its terminal's end: it runs in a session of its own, below a shell that
 // stays and reports how it ended.
 std::unique_ptr<Terminal> console_behind_a_shell(const Station& station, const std::string& before,
@@ -175,15 +182,66 @@ TEST(TerminalFault, TheEndOfItsInputEndsTheConsole) {
     EXPECT_EQ(read_file(station.folder() / "status"), "0\n");
 }
 
+TEST(TerminalFault, AnotherProgramsLettersGoWithCtrlL) {
+    Station station;
+    auto console = station.console();
+    ASSERT_TRUE(is_up(*console));
+    console->scribble("\033[3;3Hfrom root: the station will be down");
+    ASSERT_TRUE(console->shows("from root"));
+    console->type("\x0c");
+    EXPECT_TRUE(console->hides("from root"));
+    EXPECT_TRUE(is_up(*console));
+}
+
+// In a session of its own nobody could let it go on: it gives the terminal back and takes it again at once.
+TEST(TerminalFault, AStopGivesTheTerminalBackUntilItGoesOn) {
+    Station station;
+    auto counter = start_counter(station);
+    auto console = station.console();
+    ASSERT_TRUE(open_counter(*console));
+    console->type("\x1a");
+    const auto left_and_entered = [&] {
+        const std::size_t left = console->output().find("\033[?1049l");
+        return left != std::string::npos && console->output().find("\033[?1049h", left) != std::string::npos;
+    };
+    EXPECT_TRUE(console->wait_for(left_and_entered, "the stop"));
+    EXPECT_TRUE(shows_all(*console, counter_rows()));
+    console->type("\x03");
+    EXPECT_TRUE(left_restored(*console));
+}
+
+class HeldTerminal : public testing::TestWithParam<int> {};
+
+TEST_P(HeldTerminal, HoldsUpItsPictureOnly) {
+    use_plain_signals();
+    Station station;
+    auto peer = station.peer();
+    auto console = station.console();
+    ASSERT_TRUE(is_up(*console));
+    for (const char* entry : {"one", "two"}) {
+        console->hold(true);
+        console->type(std::string("\033[24~") + entry + "\r");
+        EXPECT_TRUE(peer->wait_line({"MSG_LOG_MONITOR", entry})) << "keys and messages go on";
+        if (entry == std::string_view("two")) break;
+        console->hold(false);
+        console->press(Key::enter);
+        EXPECT_TRUE(console->shows("Quit"));
+        console->press(Key::escape);
+        EXPECT_TRUE(console->hides("Quit"));
+    }
+    console->signal(GetParam());
+    EXPECT_TRUE(left_restored(*console, GetParam() == SIGTERM ? 0 : 128 + GetParam()));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, HeldTerminal, testing::Values(SIGTERM, SIGSEGV),
+                         [](const auto& param) { return std::string(sigabbrev_np(param.param)); });
+
 // ---- the console's own
 
 class Crashes : public testing::TestWithParam<int> {};
 
 TEST_P(Crashes, RestoreTheTerminalAndEndOfTheirSignal) {
-    // Here the sanitizers leave these signals to the program.
-    const char* options = std::getenv("ASAN_OPTIONS");
-    setenv("ASAN_OPTIONS",
-           (std::string(options != nullptr ? options : "") + ":handle_segv=0:handle_sigbus=0").c_str(), 1);
+    use_plain_signals();
     Station station;
     auto counter = start_counter(station);
     auto console = station.console();

@@ -293,6 +293,15 @@ void Terminal::resize(TerminalSize size) {
     ioctl(impl_->master, TIOCSWINSZ, &w);
 }
 
+void Terminal::hold(bool on) const {
+    tcflow(impl_->line, on ? TCOOFF : TCOON);
+}
+
+void Terminal::scribble(std::string_view bytes) const {
+    if (::write(impl_->line, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size()))
+        throw std::runtime_error("the terminal takes nothing");
+}
+
 void Terminal::hang_up() {
     for (int* fd : {&impl_->line, &impl_->master}) {
         if (*fd >= 0) close(*fd);

@@ -34,6 +34,10 @@ class Terminal {
     void alt(char character);
     // A new size, as a terminal window that is pulled at its corner makes it.
     void resize(TerminalSize size);
+    // The line is held, as by Ctrl-S, or goes on.
+    void hold(bool on) const;
+    // What another program writes to the same terminal.
+    void scribble(std::string_view bytes) const;
     // The terminal goes away, as a closed window or a lost remote line does.
     void hang_up();
 
