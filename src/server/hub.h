@@ -8,23 +8,26 @@
 #include <vector>
 
 #include "libvesk/link/linktime.h"
-#include "libvesk/link/stream.h"
+#include "server/connection.h"
+#include "server/fanout.h"
 #include "server/keep.h"
-#include "server/peer.h"
+#include "server/log.h"
+#include "server/memory.h"
 
 struct HUB_params {
-    std::size_t queue_bytes = 8 * 1024 * 1024;  // bound of a peer's output queue
-    std::size_t keep_bytes = 32 * 1024 * 1024;  // bound of all that is kept
-    std::size_t most_peers = 1000;
-    double stall_seconds = 1.0;  // over the bound and taking nothing for so long: dropped
+    CONNECTION_limits connection;
+    std::size_t memory_bytes = 32 * 1024 * 1024;  // bound of all that waits for all of them
+    std::size_t keep_bytes = 32 * 1024 * 1024;    // bound of all that is kept
+    std::size_t most_connections = 1000;
     double heartbeat_seconds = LINKTIME_HEARTBEAT;
     double silence_seconds = LINKTIME_SILENCE;
-    double greeting_seconds = 10.0;  // a connection that has not said hello by then is closed
-    std::function<void(const std::string&)> log = [](const std::string&) {};
-    std::function<void(const std::string&)> chat = [](const std::string&) {};  // what only --verbose shows
+    double greeting_seconds = 10.0;    // a connection that has not said hello by then is closed
+    double log_window_seconds = 60.0;  // lines of one cause are counted for so long, not written
+    LOG::sink log = [](const std::string&) {};
+    LOG::sink chat = [](const std::string&) {};  // what only --verbose shows
 };
 
-class HUB {
+class HUB final : private CONNECTION::owner {
   public:
     static constexpr double TICK_SECONDS = 0.25;
 
@@ -33,42 +36,53 @@ class HUB {
     HUB(const HUB&) = delete;
     HUB& operator=(const HUB&) = delete;
 
-    // Takes over an accepted connection; `where` says in the log where it comes from.
-    void adopt(STREAM::socket_type socket, std::string where);
+    // Takes over an accepted connection.
+    void adopt(STREAM::socket_type socket, CONNECTION_origin origin);
     // Heartbeats and everything that happens because nothing else did; every TICK_SECONDS.
     void tick();
     void close();
-    [[nodiscard]] std::size_t count() const { return peers_.size(); }
-
-    // What peers report.
-    void on_frame(PEER& peer, const FRAME& frame);
-    void on_gone(PEER& peer, const std::string& why);
-    void on_violation(PEER& peer, const std::string& what);
-    void flush();  // starts all that was sent since the last time
-    [[nodiscard]] const HUB_params& params() const { return params_; }
-    [[nodiscard]] double now() const { return time_.now(); }
+    [[nodiscard]] std::size_t count() const { return connections_.size(); }
+    // Bytes of memory for what waits.
+    [[nodiscard]] std::size_t memory() const { return memory_->bytes(); }
+    [[nodiscard]] LOG& log() { return log_; }
 
   private:
-    void greet(PEER& peer, const FRAME& frame);
-    void claim_name(PEER& peer);
-    void refuse(PEER& peer, FRAME_refusal_reason reason, const std::string& detail);
-    void welcome(PEER& peer);
-    void replay(PEER& to);
-    void route(PEER& from, const FRAME& frame);
-    void keep(PEER& from, const FRAME_message& message, FRAME_span bytes);
-    void deliver(const FRAME_message& message, FRAME_span bytes, PEER* from);
-    void watch(PEER& peer);
-    void remove(PEER& peer);
-    void announce_departure(const PEER& peer);
+    void on_frame(CONNECTION& connection, const FRAME& frame) override;
+    void on_taken() override { flush(); }
+    void on_sent(CONNECTION& connection) override { push(connection); }
+    void on_gone(CONNECTION& connection, const std::string& why) override;
+    void on_violation(CONNECTION& connection, const std::string& what) override;
+    [[nodiscard]] double now() const override { return time_.now(); }
+
+    void greet(CONNECTION& connection, const FRAME& frame);
+    void claim_name(CONNECTION& connection);
+    void refuse(CONNECTION& connection, FRAME_refusal_reason reason, const std::string& detail);
+    void welcome(CONNECTION& connection);
+    void route(CONNECTION& from, const FRAME& frame);
+    void keep(CONNECTION& from, const FRAME_message& message, FRAME_span bytes);
+    void announce(CONNECTION& from, KEEP::entry announcement);
+    void tell_more(CONNECTION& to);
+    void push(CONNECTION& to);
+    void flush();
+    void make_room();
+    void hand_memory_back();
+    void watch(CONNECTION& connection);
+    void remove(CONNECTION& connection);
+    void announce_departure(const CONNECTION& connection);
     void retry_waiting();
-    void complain_once(PEER& peer, MSGCHECK_fault fault, const FRAME_message& message);
-    [[nodiscard]] PEER* holder_of(const std::string& name);
+    void complain_once(CONNECTION& connection, MSGCHECK_fault fault, const FRAME_message& message);
+    [[nodiscard]] CONNECTION* holder_of(const std::string& name);
 
     HUB_params params_;
+    std::shared_ptr<MEMORY> memory_ = std::make_shared<MEMORY>();
+    LOG log_;
+    LOG chat_;
     LINKTIME time_{2 * TICK_SECONDS};
-    std::vector<std::shared_ptr<PEER>> peers_;  // in order of arrival
+    CONNECTION_list connections_;  // in order of arrival
+    FANOUT fanout_;
     KEEP keep_;
     FRAME_bytes scratch_;
     FRAME_bytes heartbeat_;
     double next_heartbeat_;
+    bool making_room_ = false;
 };

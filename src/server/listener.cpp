@@ -13,25 +13,28 @@ namespace {
 using asio::generic::stream_protocol;
 using asio::ip::tcp;
 
-std::string local_peer(int fd) {
+CONNECTION_origin local_origin(int fd) {
     ucred credentials{};
     socklen_t size = sizeof credentials;
-    if (getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &credentials, &size) != 0) return "local";
-    return "pid " + std::to_string(credentials.pid) + ", uid " + std::to_string(credentials.uid);
+    if (getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &credentials, &size) != 0) return {"local", "local"};
+    const std::string who =
+        "pid " + std::to_string(credentials.pid) + ", uid " + std::to_string(credentials.uid);
+    return {who, who};
 }
 
-std::string tcp_text(const stream_protocol::endpoint& endpoint) {
+CONNECTION_origin tcp_origin(const stream_protocol::endpoint& endpoint) {
     tcp::endpoint tcp_endpoint;
-    if (endpoint.size() > tcp_endpoint.capacity()) return "unknown";
+    if (endpoint.size() > tcp_endpoint.capacity()) return {"unknown", "unknown"};
     std::memcpy(tcp_endpoint.data(), endpoint.data(), endpoint.size());
-    return ADDRESS_text({{}, tcp_endpoint.address().to_string(), tcp_endpoint.port()});
+    const std::string host = tcp_endpoint.address().to_string();
+    return {ADDRESS_text({{}, host, tcp_endpoint.port()}), host};
 }
 
-std::string where_of(STREAM::socket_type& socket) {
+CONNECTION_origin origin_of(STREAM::socket_type& socket) {
     asio::error_code error;
     const auto remote = socket.remote_endpoint(error);
-    if (error) return "unknown";
-    return remote.protocol().family() == AF_UNIX ? local_peer(socket.native_handle()) : tcp_text(remote);
+    if (error) return {"unknown", "unknown"};
+    return remote.protocol().family() == AF_UNIX ? local_origin(socket.native_handle()) : tcp_origin(remote);
 }
 
 }  // namespace
@@ -69,7 +72,7 @@ BOOL LISTENER::listen_tcp(const ADDRESS& address, std::string* why) {
         *why = error.message();
         return FALSE;
     }
-    text_ = tcp_text(acceptor_.local_endpoint());
+    text_ = tcp_origin(acceptor_.local_endpoint()).text;
     return TRUE;
 }
 
@@ -97,8 +100,8 @@ void LISTENER::handle(const asio::error_code& error, STREAM::socket_type socket)
         return;
     }
     failing_ = false;
-    std::string where = where_of(socket);
-    on_accept_(std::move(socket), std::move(where));
+    CONNECTION_origin origin = origin_of(socket);
+    on_accept_(std::move(socket), std::move(origin));
     accept();
 }
 

@@ -11,6 +11,7 @@
 
 #include "libvesk/link/address.h"
 #include "libvesk/link/stream.h"
+#include "server/connection.h"
 
 // The local socket on the file system, from before it is bound until it is gone again.
 class LISTENER_path {
@@ -44,7 +45,7 @@ class LISTENER_path {
 // Accepts connections until it is destroyed.
 class LISTENER {
   public:
-    using accept_cb = std::function<void(STREAM::socket_type, std::string where)>;
+    using accept_cb = std::function<void(STREAM::socket_type, CONNECTION_origin)>;
     using log_cb = std::function<void(const std::string&)>;
 
     LISTENER(asio::io_context& context, accept_cb on_accept, log_cb log);

@@ -35,11 +35,13 @@ void declare_addresses(CLI::App& app, SERVER_options* o) {
 }
 
 void declare_limits(CLI::App& app, HUB_params* hub) {
-    CMDLINE_number(app, "--queue-bytes", &hub->queue_bytes, {FRAME_MAX, MOST_BYTES},
+    CMDLINE_number(app, "--queue-bytes", &hub->connection.queue_bytes, {FRAME_MAX, MOST_BYTES},
                    "bytes that may wait for a peer that does not read");
+    CMDLINE_number(app, "--memory-bytes", &hub->memory_bytes, {FRAME_MAX, MOST_BYTES},
+                   "bytes that may wait for all peers together");
     CMDLINE_number(app, "--keep-bytes", &hub->keep_bytes, {0, MOST_BYTES},
                    "bytes of messages kept for those who come later");
-    CMDLINE_number(app, "--stall-seconds", &hub->stall_seconds, {0.25, 3600},
+    CMDLINE_number(app, "--stall-seconds", &hub->connection.stall_seconds, {0.25, 3600},
                    "a peer over that bound that takes nothing for so long is disconnected");
     CMDLINE_number(app, "--heartbeat", &hub->heartbeat_seconds, {0.25, 30},
                    "seconds between two heartbeats to every peer");

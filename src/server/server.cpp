@@ -30,9 +30,9 @@ void write_log(const std::string& text) {
 }
 
 // As many peers as there may be descriptors, of which the program takes what it is allowed to.
-std::size_t most_peers() {
+std::size_t most_connections() {
     rlimit limit{};
-    if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return HUB_params{}.most_peers;
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return HUB_params{}.most_connections;
     limit.rlim_cur = std::max(limit.rlim_cur, std::min(limit.rlim_max, MOST_DESCRIPTORS));
     if (setrlimit(RLIMIT_NOFILE, &limit) != 0) getrlimit(RLIMIT_NOFILE, &limit);
     const rlim_t usable = std::min(limit.rlim_cur, MOST_DESCRIPTORS);
@@ -60,7 +60,7 @@ class server {
   private:
     HUB_params hub_params() {
         HUB_params params = options_.hub;
-        params.most_peers = most_peers();
+        params.most_connections = most_connections();
         params.log = write_log;
         if (options_.verbose) params.chat = write_log;
         return params;
@@ -70,10 +70,11 @@ class server {
         std::vector<ADDRESS> addresses{options_.socket};
         addresses.insert(addresses.end(), options_.listen.begin(), options_.listen.end());
         for (const ADDRESS& address : addresses) {
-            const auto adopt = [this](STREAM::socket_type socket, std::string where) {
-                hub_.adopt(std::move(socket), std::move(where));
+            const auto adopt = [this](STREAM::socket_type socket, CONNECTION_origin origin) {
+                hub_.adopt(std::move(socket), std::move(origin));
             };
-            LISTENER& listener = listeners_.emplace_back(context_, adopt, write_log);
+            const auto log = [this](const std::string& line) { hub_.log().say("listener", "", line); };
+            LISTENER& listener = listeners_.emplace_back(context_, adopt, log);
             std::string why;
             if (!listener.listen(address, &why)) {
                 write_log(why);

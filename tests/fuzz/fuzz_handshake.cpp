@@ -52,7 +52,7 @@ class server_side {
         peer_ = std::make_unique<wire::End>(ends[0]);
         STREAM::socket_type socket(context_);
         socket.assign(asio::generic::stream_protocol(AF_UNIX, 0), ends[1]);
-        hub_.adopt(std::move(socket), "a fuzzer");
+        hub_.adopt(std::move(socket), {"a fuzzer", "a fuzzer"});
     }
     void run(std::string_view bytes, std::size_t piece) {
         feed(

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <bit>
 #include <cstring>
 
@@ -11,8 +12,11 @@ namespace {
 
 static_assert(std::endian::native == std::endian::little, "the wire is little-endian");
 
-constexpr std::size_t BUFFER_SIZE = 2 * FRAME_MAX;  // a read of at least FRAME_MAX beside a frame half come
+constexpr std::size_t BUFFER_SIZE = 4 * FRAME_MAX;  // a read of at least FRAME_MAX beside a frame half come
 constexpr std::size_t LENGTH_SIZE = 4;              // the length field does not count itself
+// The work buffer of the reader that will be next; most programs need one in all.
+std::atomic<std::byte*> g_spare;
+
 constexpr std::array MAGIC{std::byte{'V'}, std::byte{'E'}, std::byte{'S'}, std::byte{'K'}};
 
 template <class T>
@@ -170,16 +174,42 @@ const char* FRAME_refusal_text(BYTE reason) {
     }
 }
 
-FRAME_reader::FRAME_reader() : buffer_(std::make_unique_for_overwrite<std::byte[]>(BUFFER_SIZE)) {}
+void FRAME_reader::give_back::operator()(std::byte* buffer) const {
+    delete[] g_spare.exchange(buffer);
+}
+
+void FRAME_reader::unpark() {
+    if (buffer_) return;
+    buffer_.reset(g_spare.exchange(nullptr));
+    if (!buffer_) buffer_.reset(new std::byte[BUFFER_SIZE]);
+    std::copy(parked_.begin(), parked_.end(), buffer_.get());
+    begin_ = 0;
+    end_ = parked_.size();
+    parked_.clear();
+    parked_.shrink_to_fit();
+}
+
+void FRAME_reader::park() {
+    if (!buffer_) return;
+    parked_.assign(buffer_.get() + begin_, buffer_.get() + end_);
+    buffer_.reset();
+}
+
+void FRAME_reader::discard() {
+    begin_ = end_;
+    park();
+}
 
 std::span<std::byte> FRAME_reader::space() {
+    unpark();
     if (begin_ == end_) begin_ = end_ = 0;
     if (BUFFER_SIZE - end_ < FRAME_MAX && begin_ > 0) {
         std::memmove(buffer_.get(), buffer_.get() + begin_, end_ - begin_);
         end_ -= begin_;
         begin_ = 0;
     }
-    return {buffer_.get() + end_, BUFFER_SIZE - end_};
+    const std::size_t room = BUFFER_SIZE - end_;
+    return {buffer_.get() + end_, most_ < FRAME_MAX ? std::min(room, most_) : room};
 }
 
 void FRAME_reader::commit(std::size_t n) {
@@ -188,12 +218,12 @@ void FRAME_reader::commit(std::size_t n) {
 
 FRAME_status FRAME_reader::next(FRAME* frame) {
     if (!error_.empty()) return FRAME_BROKEN;
+    unpark();
     const FRAME_span have(buffer_.get() + begin_, end_ - begin_);
     if (have.size() < LENGTH_SIZE) return FRAME_MORE;
     // In 64 bits, so that the largest length does not wrap to a small total.
     const auto total = std::uint64_t{get<std::uint32_t>(have, 0)} + LENGTH_SIZE;
-    if (total < FRAME_HEAD || total > FRAME_MAX)
-        return broken("a frame of " + std::to_string(total) + " bytes");
+    if (total < FRAME_HEAD || total > most_) return broken("a frame of " + std::to_string(total) + " bytes");
     if (have.size() < total) return FRAME_MORE;
 
     *frame = {get<BYTE>(have, 4), get<BYTE>(have, 5), get<std::uint16_t>(have, 6), have.first(total)};

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <memory_resource>
 #include <optional>
 #include <span>
 #include <string>
@@ -25,6 +26,7 @@ inline constexpr std::size_t FRAME_HEAD = 8;           // length, kind, detail, 
 inline constexpr std::size_t FRAME_MESSAGE_HEAD = 16;  // the same, then flags and the lengths of three texts
 inline constexpr std::size_t FRAME_MAX = 64 * 1024;    // bytes of a whole frame, its length field included
 inline constexpr std::size_t FRAME_TEXT_MAX = 255;     // bytes of a text that has a length byte
+inline constexpr std::size_t FRAME_HELLO_MAX = FRAME_HEAD + 4 + 1 + FRAME_TEXT_MAX;
 
 enum FRAME_kind : BYTE {
     FRAME_HELLO = 1,
@@ -46,7 +48,7 @@ enum FRAME_refusal_reason : BYTE {
     FRAME_SERVER_FULL = 4,
 };
 
-// One whole frame; the views end with the next call of the reader that gave it.
+// One whole frame; its bytes lie in the reader that gave it, which says how long.
 struct FRAME {
     BYTE kind = 0;
     BYTE detail = 0;          // hello: peer kind; refusal: reason; else 0
@@ -98,23 +100,38 @@ enum FRAME_status {
 };
 
 // Cuts a byte stream into frames. Use: put bytes into space(), tell commit() how many, take frames with
-// next() until it says FRAME_MORE. It allocates its one buffer at construction and never more.
+// next() until it says FRAME_MORE, and park() before waiting for more. The buffer that it works in is lent
+// from one reader to the next: a parked one holds no more than the bytes of an unfinished frame.
 class FRAME_reader {
   public:
-    FRAME_reader();
+    // Takes the memory for parked bytes from there.
+    explicit FRAME_reader(std::pmr::memory_resource* memory = std::pmr::get_default_resource())
+        : parked_(memory) {}
+    // A longer frame breaks the stream, and little more than so many bytes are taken at a time.
+    void limit(std::size_t most) { most_ = most; }
     // Where the next bytes go; never empty once next() has said FRAME_MORE. Ends all views.
     [[nodiscard]] std::span<std::byte> space();
     void commit(std::size_t n);
+    // Views of frames last until space(), park() or discard().
     [[nodiscard]] FRAME_status next(FRAME* frame);
-    // Forgets the bytes that no frame was made of yet.
-    void discard() { begin_ = end_; }
+    // Puts aside what no frame was made of yet.
+    void park();
+    // Forgets it.
+    void discard();
+    [[nodiscard]] std::size_t parked() const { return parked_.size(); }
     [[nodiscard]] const std::string& error() const { return error_; }
 
   private:
+    struct give_back {
+        void operator()(std::byte* buffer) const;
+    };
     FRAME_status broken(std::string why);
+    void unpark();
 
-    std::unique_ptr<std::byte[]> buffer_;
+    std::size_t most_ = FRAME_MAX;
+    std::unique_ptr<std::byte[], give_back> buffer_;
     std::size_t begin_ = 0;
     std::size_t end_ = 0;
+    std::pmr::vector<std::byte> parked_;
     std::string error_;
 };

@@ -1,51 +1,54 @@
-// The chunks behind an output queue. An empty queue keeps one of them, so that the usual case, where every
-// write takes everything, allocates nothing.
+// Pieces that lie one behind the other in their block become one.
 #include "libvesk/link/outqueue.h"
 
 #include <algorithm>
-#include <cstring>
-
-OUTQUEUE::chunk& OUTQUEUE::tail_with_space() {
-    if (chunks_.empty() || chunks_.back().end == CHUNK_SIZE)
-        chunks_.push_back({std::make_unique_for_overwrite<std::byte[]>(CHUNK_SIZE), 0, 0});
-    return chunks_.back();
-}
+#include <utility>
 
 void OUTQUEUE::append(FRAME_span bytes) {
-    size_ += bytes.size();
-    while (!bytes.empty()) {
-        chunk& c = tail_with_space();
-        const std::size_t n = std::min(bytes.size(), CHUNK_SIZE - c.end);
-        std::memcpy(c.bytes.get() + c.end, bytes.data(), n);
-        c.end += n;
-        bytes = bytes.subspan(n);
-    }
+    while (!bytes.empty())
+        append(own_.take(&bytes));
 }
 
-OUTQUEUE::pieces OUTQUEUE::front() const {
-    pieces out;
-    for (std::size_t i = 0; i < std::min(PIECES, chunks_.size()); ++i)
-        out[i] = {chunks_[i].bytes.get() + chunks_[i].begin, chunks_[i].end - chunks_[i].begin};
-    return out;
+void OUTQUEUE::append(const BLOCKS_piece& piece) {
+    size_ += piece.bytes.size();
+    if (!pieces_.empty()) {
+        BLOCKS_piece& last = pieces_.back();
+        const std::byte* const end = last.bytes.data() + last.bytes.size();
+        if (last.block == piece.block && end == piece.bytes.data()) {
+            last.bytes = {last.bytes.data(), last.bytes.size() + piece.bytes.size()};
+            return;
+        }
+    }
+    pieces_.push_back(piece);
+}
+
+void OUTQUEUE::append(OUTQUEUE* behind) {
+    for (const BLOCKS_piece& piece : behind->pieces_)
+        append(piece);
+    behind->clear();
+}
+
+std::size_t OUTQUEUE::front(std::span<FRAME_span, PIECES> spans) const {
+    const std::size_t n = std::min(PIECES, pieces_.size());
+    for (std::size_t i = 0; i < n; ++i)
+        spans[i] = pieces_[i].bytes;
+    return n;
 }
 
 void OUTQUEUE::consume(std::size_t n) {
     size_ -= std::min(n, size_);
-    while (n > 0 && !chunks_.empty()) {
-        chunk& c = chunks_.front();
-        const std::size_t here = std::min(n, c.end - c.begin);
-        c.begin += here;
+    while (n > 0 && !pieces_.empty()) {
+        FRAME_span& bytes = pieces_.front().bytes;
+        const std::size_t here = std::min(n, bytes.size());
+        bytes = bytes.subspan(here);
         n -= here;
-        if (c.begin < c.end) break;
-        if (chunks_.size() > 1) {
-            chunks_.pop_front();
-        } else {
-            c.begin = c.end = 0;
-        }
+        if (bytes.empty()) pieces_.pop_front();
     }
+    if (pieces_.empty()) own_.release();
 }
 
 void OUTQUEUE::clear() {
-    chunks_.clear();
+    pieces_.clear();
     size_ = 0;
+    own_.release();
 }

@@ -1,14 +1,9 @@
 // The calls on a message link: they check what they are given and hand it to the link's state.
 #include "libvesk/link/veskmsg.h"
 
-#include <linux/sockios.h>
 #include <poll.h>
-#include <sys/ioctl.h>
-#include <sys/socket.h>
 
-#include <array>
 #include <chrono>
-#include <cstring>
 
 #include "libvesk/link/veskmsg_state.h"
 
@@ -61,27 +56,6 @@ BOOL wait_for_events(std::span<VESKMSG_link* const> links, int extra_fd, int ms)
         if (fd >= 0) fds.push_back({fd, link->state->events(), 0});
     }
     return poll(fds.data(), fds.size(), ms) > 0 && fds[0].revents != 0;
-}
-
-BOOL is_local(int fd) {
-    int family = AF_UNIX;
-    socklen_t size = sizeof family;
-    return getsockopt(fd, SOL_SOCKET, SO_DOMAIN, &family, &size) != 0 || family == AF_UNIX;
-}
-
-// What the socket has taken is to arrive though we go. Closed with something unread, a TCP connection is
-// reset and forgets what is on its way: so the other side is told that nothing more comes, and what it says
-// is read until it has closed too.
-void let_all_arrive(int fd) {
-    int on_the_way = 0;
-    if (fd < 0 || is_local(fd) || ioctl(fd, SIOCOUTQ, &on_the_way) != 0 || on_the_way == 0) return;
-    shutdown(fd, SHUT_WR);
-    const auto deadline = deadline_after(PARTING_SECONDS);
-    std::array<char, 16384> unread;
-    for (int ms = 1; ms > 0; ms = milliseconds_until(deadline)) {
-        pollfd p{fd, POLLIN, 0};
-        if (poll(&p, 1, ms) > 0 && recv(fd, unread.data(), unread.size(), MSG_DONTWAIT) <= 0) return;
-    }
 }
 
 // Something to do: messages, or a link that is down.
@@ -140,9 +114,7 @@ BOOL VESKMSG_connect(VESKMSG_link* link, const VESKMSG_connect_params* params) {
 }
 
 void VESKMSG_disconnect(VESKMSG_link* link) {
-    if (!link->state) return;
-    if (link->stat == VESKMSG_S_OPEN) let_all_arrive(link->state->fd());
-    link->state->close("disconnected");
+    if (link->state) link->state->part(PARTING_SECONDS);
 }
 
 std::string VESKMSG_error(const VESKMSG_link* link) {

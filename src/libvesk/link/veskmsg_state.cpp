@@ -98,7 +98,7 @@ BOOL VESKMSG_state::connect_host(const ADDRESS& address) {
 void VESKMSG_state::connected() {
     stream_ = std::make_shared<STREAM>(std::move(connecting_), static_cast<STREAM::owner*>(this));
     connecting_ = STREAM::socket_type(context_);
-    stream_->append(hello_);
+    stream_->queue().append(hello_);
     stream_->flush();
     stream_->read();
 }
@@ -109,6 +109,11 @@ void VESKMSG_state::close(const std::string& why) {
     connecting_.close(ignored);
     if (error.empty()) error = why;
     if (link_->stat != VESKMSG_S_UNINITIALIZED) link_->stat = VESKMSG_S_UNLINKED;
+}
+
+void VESKMSG_state::part(double seconds) {
+    if (stream_ && link_->stat == VESKMSG_S_OPEN) stream_->part(seconds);
+    close("disconnected");
 }
 
 void VESKMSG_state::fail(const std::string& why) {
@@ -137,7 +142,7 @@ void VESKMSG_state::watch_time() {
     next_heartbeat_ = now + LINKTIME_HEARTBEAT;
     scratch_.clear();
     FRAME_encode_heartbeat(&scratch_);
-    stream_->append(scratch_);
+    stream_->queue().append(scratch_);
     stream_->flush();
     context_.poll();
 }
@@ -206,7 +211,7 @@ void VESKMSG_state::complain_once(MSGCHECK_fault fault, const FRAME_message& m) 
 }
 
 BOOL VESKMSG_state::send(const FRAME_message& m, const NETDSD_entry* dsd) {
-    if (stream_->queued() > OUTPUT_LIMIT) {
+    if (stream_->queue().size() > OUTPUT_LIMIT) {
         if (!queue_full_)
             UTIL_complain("the server does not take messages: %s is lost", MSGCHECK_describe(m).c_str());
         queue_full_ = true;
@@ -216,7 +221,7 @@ BOOL VESKMSG_state::send(const FRAME_message& m, const NETDSD_entry* dsd) {
     scratch_.clear();
     if (!FRAME_encode_message(&scratch_, m)) return FALSE;
     if (dsd != nullptr) NETDSD_clear_padding(dsd, scratch_.data() + scratch_.size() - m.payload.size());
-    stream_->append(scratch_);
+    stream_->queue().append(scratch_);
     return TRUE;
 }
 
@@ -251,5 +256,5 @@ int VESKMSG_state::fd() {
 short VESKMSG_state::events() const {
     if (!stream_) return POLLOUT;  // connecting
     const int in = inbox_full() ? 0 : POLLIN;
-    return static_cast<short>(in | (stream_->queued() > 0 ? POLLOUT : 0));
+    return static_cast<short>(in | (stream_->queue().size() > 0 ? POLLOUT : 0));
 }

@@ -33,11 +33,13 @@ class VESKMSG_state final : private STREAM::owner {
 
     BOOL connect(const ADDRESS& address, std::string name, FRAME_peer_kind kind);
     void close(const std::string& why);
+    // The same, but what was sent arrives first, though that may take `seconds`.
+    void part(double seconds);
     // Moves bytes both ways as far as that goes without blocking; heartbeats, time-outs.
     void pump();
     // `dsd` describes the payload, null without one; its padding does not leave.
     BOOL send(const FRAME_message& message, const NETDSD_entry* dsd);
-    [[nodiscard]] BOOL all_sent() const { return stream_ == nullptr || stream_->queued() == 0; }
+    [[nodiscard]] BOOL all_sent() const { return stream_ == nullptr || stream_->queue().empty(); }
 
     [[nodiscard]] std::size_t waiting() const { return inbox_.size(); }
     // So much waits that nothing more is read.

@@ -11,7 +11,7 @@ class HubLoad : public HubRig {
   protected:
     void start_with_queues_of(std::size_t kilobytes) {
         HUB_params params;
-        params.queue_bytes = kilobytes * 1024;
+        params.connection.queue_bytes = kilobytes * 1024;
         start(params);
     }
     // `count` messages of about 8 KiB to everybody who is called CLIENT.
@@ -44,6 +44,71 @@ TEST_F(HubLoad, SenderWaitsForASlowReaderAndLosesNothing) {
         },
         [&] { return slow.frames().size() == COUNT; }));
     EXPECT_FALSE(slow.ended());
+}
+
+TEST_F(HubLoad, MessageToManyWhoDoNotReadIsStoredOnceAndItsMemoryComesBack) {
+    start_with_queues_of(1024);
+    for (int i = 0; i < 20; ++i)
+        make_deaf(client());
+    wire::End& a = instrument("A1");
+    flood(a, 300);
+    for (int i = 0; i < 300; ++i)
+        round();
+    EXPECT_GT(hub_->memory(), 1024U * 1024);
+    EXPECT_LT(hub_->memory(), 2 * 1024U * 1024);
+    pass(2);
+    EXPECT_EQ(logged("it does not read"), 20U);
+    settle(a);
+    pass(HUB::TICK_SECONDS);
+    EXPECT_LT(hub_->memory(), 64U * 1024);
+}
+
+TEST_F(HubLoad, MemoryOfAllIsBoundedAndWhoHoldsMostOfItGoesFirst) {
+    HUB_params params;
+    params.memory_bytes = 1024 * 1024;
+    start(params);
+    wire::End& little = instrument("L1");
+    wire::End& most = instrument("M1");
+    make_deaf(little);
+    make_deaf(most);
+    wire::End& a = instrument("A1");
+    for (int i = 0; i < 200; ++i) {
+        a.send(message(MSG_LOG_MONITOR, 0, "M1"));
+        if (i % 4 == 0) a.send(message(MSG_LOG_MONITOR, 0, "L1"));
+    }
+    settle(a);
+    EXPECT_EQ(logged("M1"), 2U);
+    EXPECT_EQ(logged("no memory is left"), 1U);
+    EXPECT_LE(hub_->memory(), params.memory_bytes);
+    EXPECT_TRUE(wire::until([&] { round(), little.look(); }, [&] { return little.frames().size() == 52; }));
+}
+
+TEST_F(HubLoad, NewcomerIsToldMoreThanItsQueueHoldsAndHoldsUpNobody) {
+    start_with_queues_of(64);
+    wire::End& a = instrument("A1");
+    constexpr int KEPT = 60;  // of 8 KiB, of types that are tied to no record
+    FRAME_bytes m = message(MSG_LOG_MONITOR, FRAME_TO_ALL | FRAME_KEEP);
+    for (int type = 0, kept = 0; kept < KEPT; ++type) {
+        if (NETMSG_by_type(type)->dsd != nullptr) continue;
+        m[6] = std::byte(type % 256);
+        m[7] = std::byte(type / 256);
+        a.send(m);
+        ++kept;
+    }
+    settle(a);
+    wire::End& late = raw();
+    make_deaf(late);
+    late.send(wire::hello(FRAME_PEER_CLIENT, "CLIENT"));
+    late.write();
+    pass(1);
+    for (int i = 0; i < 5; ++i) {
+        settle(a);
+        pass(1);
+    }
+    EXPECT_LT(hub_->memory(), 256U * 1024);
+    ASSERT_TRUE(
+        wire::until([&] { round(), late.look(); }, [&] { return late.frames().size() == 1 + KEPT + 5; }));
+    EXPECT_EQ(late.frames()[KEPT + 1].value, MSG_TEST_ONE) << "what happened meanwhile comes behind";
 }
 
 TEST_F(HubLoad, PeerThatNeverReadsIsDroppedAndTheOthersGoOn) {

@@ -23,8 +23,9 @@ constexpr DWORD ALL = FRAME_TO_ALL;
 
 class HubRig : public testing::Test {
   protected:
-    // Before the first peer; a test that wants other limits calls it with them.
+    // Before the first peer; a test that wants other limits calls it with them. Every line is logged.
     void start(HUB_params params = {}) {
+        params.log_window_seconds = 0;
         params.log = [this](const std::string& line) { log_.push_back(line); };
         UTIL_set_clock([] { return clock_; });
         hub_ = std::make_unique<HUB>(params);
@@ -34,7 +35,7 @@ class HubRig : public testing::Test {
     std::unique_ptr<LISTENER> listen(const ADDRESS& address) {
         auto listener = std::make_unique<LISTENER>(
             context_,
-            [this](STREAM::socket_type s, std::string where) { hub_->adopt(std::move(s), std::move(where)); },
+            [this](STREAM::socket_type s, CONNECTION_origin o) { hub_->adopt(std::move(s), std::move(o)); },
             [this](const std::string& line) { listener_log_.push_back(line); });
         std::string why;
         EXPECT_TRUE(listener->listen(address, &why)) << why;

@@ -38,6 +38,21 @@ TEST_F(Hub, LateJoinerGetsAnnouncementsThenKeptMessagesInTheOrderOfFirstSending)
                                          "MSG_COMMON_NEPH_SPANCHECK_ABORT", "MSG_CPC_3010_STATUS"));
 }
 
+TEST_F(Hub, WhatWasKeptBeforeTheAnnouncementIsRepeatedBehindItOnce) {
+    wire::End& console = client();
+    wire::End& a = instrument("A1");
+    a.send(message(MSG_CPC_3010_STATUS, SHARED, "", 1));
+    a.send(message(MSG_NEPH_CONFIG, FRAME_KEEP, "B1"));
+    settle(a);
+    console.frames().clear();
+    a.send(message(MSG_SERVER_INSTRUMENTINFO, ALL));
+    a.send(message(MSG_CPC_3010_INSTANT, ALL));
+    a.send(message(MSG_SERVER_INSTRUMENTINFO, ALL));
+    settle(a);
+    EXPECT_THAT(names(console), ElementsAre("MSG_SERVER_INSTRUMENTINFO", "MSG_CPC_3010_STATUS",
+                                            "MSG_CPC_3010_INSTANT", "MSG_SERVER_INSTRUMENTINFO"));
+}
+
 TEST_F(Hub, DepartureComesAfterTheLastWordsAndTakesWhatWasKeptOfInstrumentsAlong) {
     wire::End& witness = client();
     wire::End& console = client();
@@ -106,7 +121,7 @@ TEST_F(Hub, FramesInOrderAreForwardedByteForByteAndOthersGetTheirTrueSource) {
 
 TEST_F(Hub, RefusesWithAReasonAndClosesThen) {
     HUB_params params;
-    params.most_peers = 2;
+    params.most_connections = 2;
     start(params);
     wire::End& a = instrument("A1");
     a.send(message(MSG_CPC_3010_STATUS, SHARED));
@@ -201,6 +216,7 @@ TEST_F(Hub, BrokenFramingCostsTheLinkAndDisturbsNobodyElse) {
         {false, FRAME_bytes(64, std::byte{'G'}), "a frame of 1195853643 bytes"},
         {false, message(MSG_LOG_FLUSH, ALL), "its first frame is no hello"},
         {false, raw_frame(4, FRAME_HELLO, 0), "its first frame is no hello"},
+        {false, raw_frame(2000, FRAME_HELLO, 0), "a frame of 2004 bytes"},
         {true, raw_frame(0xFFFFFFFF, FRAME_MESSAGE, 0), "a frame of 4294967299 bytes"},
         {true, raw_frame(FRAME_MAX - 3, FRAME_MESSAGE, 0), "a frame of 65537 bytes"},
         {true, raw_frame(3, FRAME_HEARTBEAT, 0), "a frame of 7 bytes"},

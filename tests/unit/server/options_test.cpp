@@ -32,7 +32,7 @@ TEST(Options, TakesWhatItIsGiven) {
     ASSERT_EQ(all.listen.size(), 2U);
     EXPECT_EQ(ADDRESS_text(all.listen[0]), "[::1]:9");
     EXPECT_EQ(ADDRESS_text(all.listen[1]), "station:8375");
-    EXPECT_EQ(all.hub.queue_bytes, 100000U);
+    EXPECT_EQ(all.hub.connection.queue_bytes, 100000U);
     EXPECT_EQ(all.hub.silence_seconds, 6.0);
 }
 
