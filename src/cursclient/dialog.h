@@ -1,5 +1,7 @@
-// The dialog that every layer of the console opens.
+// The dialogs that every layer of the console opens.
 #pragma once
+
+#include <initializer_list>
 
 #include "cursclient/wins.h"
 #include "libveskcurs/cursdialog.h"
@@ -9,3 +11,6 @@
                                              std::size_t user_data_size = 0,
                                              CURSDIALOG_closed_cb closed = nullptr,
                                              CURSDIALOG_cleanup_cb cleanup = nullptr);
+
+// A dialog that only tells: lines of text, and below them one focused button that closes it.
+void DIALOG_tell(const char* title, std::initializer_list<const char*> lines, const char* button);

@@ -8,12 +8,6 @@
 #include "cursclient/globals.h"
 #include "libvesk/support/util.h"
 
-namespace {
-
-BOOL g_color_pairs_on = FALSE;  // the pairs differ in colour
-
-}  // namespace
-
 BOOL WINS_color_setting() {
     const char* value = CONF_lookup(g_conf, "Settings;EnableColor");
     return value == nullptr || UTIL_text_is_true(value);
@@ -29,10 +23,10 @@ void WINS_setcolors(BOOL enable_color) {
         {CP_YELLOW_BLACK, COLOR_YELLOW, COLOR_BLACK}, {CP_WHITE_RED, COLOR_WHITE, COLOR_RED},
     };
     static_assert(std::size(PAIRS) == CP_LAST - 1);
-    g_color_pairs_on = has_colors() && COLOR_PAIRS >= CP_LAST + 1 && enable_color;
+    const BOOL colored = has_colors() && COLOR_PAIRS >= CP_LAST + 1 && enable_color;
     for (const pair& p : PAIRS)
-        init_pair(p.number, g_color_pairs_on ? p.foreground : static_cast<short>(COLOR_WHITE),
-                  g_color_pairs_on ? p.background : static_cast<short>(COLOR_BLACK));
+        init_pair(p.number, colored ? p.foreground : static_cast<short>(COLOR_WHITE),
+                  colored ? p.background : static_cast<short>(COLOR_BLACK));
 }
 
 int WINS_attr_normal() {
@@ -43,9 +37,8 @@ int WINS_attr_highlight() {
     return static_cast<int>(A_BOLD | COLOR_PAIR(CP_YELLOW_BLUE));
 }
 
-// Without colours a fault would look like any other text.
 int WINS_attr_fault() {
-    return static_cast<int>(COLOR_PAIR(CP_RED_BLUE) | (g_color_pairs_on ? A_NORMAL : A_BOLD));
+    return static_cast<int>(COLOR_PAIR(CP_RED_BLUE));
 }
 
 int WINS_attr_alarm() {

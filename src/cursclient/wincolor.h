@@ -1,5 +1,5 @@
 // The colour pairs of the console and the attributes made of them. With colours off, or on a terminal without
-// them, all pairs are white on black and only bold tells texts apart.
+// them, all pairs are white on black: highlights are bold and alarms blink, but a fault looks like any text.
 #pragma once
 
 #include "libvesk/support/types.h"

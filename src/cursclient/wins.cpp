@@ -51,13 +51,15 @@ void move_to_wish(WINS_window* win, int x, int y) {
     place(win, at.x, at.y);
 }
 
-// Gives the panel another curses window; its height in the stack and its visibility stay.
-void rebuild_in_place(WINS_window* win, const frame& b) {
+// Gives the panel another curses window; its height in the stack and its visibility stay. FALSE, and nothing
+// happens, when there is no memory for it.
+BOOL rebuild_in_place(WINS_window* win, const frame& b) {
     WINDOW* fresh = new_curses_window(b);
-    if (fresh == nullptr) return;
+    if (fresh == nullptr) return FALSE;
     replace_panel(win->pan, fresh);
     delwin(win->win);
     win->win = fresh;
+    return TRUE;
 }
 
 void free_curses_parts(WINS_window* win) {
@@ -125,13 +127,13 @@ void move_focus(LL_NODE* node) {
 
 // ---- creation
 
-// Fills in the identity: the caller's, or the next number that no living window has.
+// Fills in the identity: the caller's, or the next number that no living window has. Names of instruments are
+// free, so that two windows may ask for the same identity: "neph:X.sc" is that of the nephelometer X.sc and
+// that of the span check of X. The later one is a window all the same.
 void set_identity(WINS_window* win, const char* ident) {
-    win->saveable = ident != nullptr && *ident != '\0';
-    if (win->saveable) {
-        UTIL_strcpynt(win->ident, ident);
-        return;
-    }
+    UTIL_strcpynt(win->ident, ident);
+    win->saveable = win->ident[0] != '\0' && node_by_identity(win->ident) == nullptr;
+    if (win->saveable) return;
     do
         std::snprintf(win->ident, sizeof win->ident, "%lu", static_cast<unsigned long>(g_next_uid++));
     while (node_by_identity(win->ident) != nullptr);
@@ -213,7 +215,6 @@ WINS_window* WINS_create(const char* ident, int sx, int sy) {
     if (sx < 1 || sy < 1) return nullptr;
     WINS_window record{};
     set_identity(&record, ident);
-    if (node_by_identity(record.ident) != nullptr) return nullptr;
     LL_NODE* node = nullptr;
     if (make_curses_parts(&record, sx, sy)) node = LL_insert_tail(&g_window_list, &record, sizeof record);
     if (node == nullptr) {
@@ -317,9 +318,7 @@ void WINS_set_size(WINS_window* win, int sx, int sy) {
     // pushed aside goes on wishing for the old one.
     if (old.x == win->wish_x) win->wish_x = now.x;
     if (old.y == win->wish_y) win->wish_y = now.y;
-    free_curses_parts(win);
-    win->win = new_curses_window(now);
-    if (win->win != nullptr) win->pan = new_panel(win->win);
+    if (!rebuild_in_place(win, now)) free_curses_parts(win);
 }
 
 void WINS_autoposition(WINS_window* win) {
@@ -365,6 +364,10 @@ WINS_window* WINS_window_by_uid(const WINS_UID* uid) {
 
 LL_NODE* WINS_node_by_window(const WINS_window* win) {
     return win == nullptr ? nullptr : node_by_identity(win->ident);
+}
+
+BOOL WINS_focus_edits_text() {
+    return g_window_focus != nullptr && (LL_data<WINS_window>(g_window_focus)->flags & WINS_EDITS_TEXT) != 0;
 }
 
 void WINS_update() {

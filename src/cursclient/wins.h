@@ -15,6 +15,7 @@ using WINS_UID = char[65];  // a window's identity: at most 64 characters, termi
 inline constexpr DWORD WINS_ON_TOP = 1;         // raised on every update
 inline constexpr DWORD WINS_AT_BOTTOM = 2;      // lowered on every update while not focused
 inline constexpr DWORD WINS_SKIP_IN_CYCLE = 4;  // Tab passes it by
+inline constexpr DWORD WINS_EDITS_TEXT = 8;     // while it has the focus, Backspace is the text's
 
 struct WINS_window {
     BOOL visible;
@@ -23,7 +24,7 @@ struct WINS_window {
     PANEL* pan;
     DWORD flags;
     WINS_UID ident;  // also the key of its section in the settings
-    BOOL saveable;   // the identity came from the caller
+    BOOL saveable;   // the identity came from the caller and was free
     // What the owner and the operator asked for; the curses window is this, cut and moved only as far as the
     // present screen demands.
     int wish_x, wish_y, wish_sx, wish_sy;
@@ -41,9 +42,9 @@ void WINS_cleanup();
 // not start curses, so that tests bring a screen of their own.
 void WINS_setup_screen();
 
-// A hidden window of sx columns and sy rows, or null. `ident` null or empty: a generated identity, never
-// saved. Null too when a living window has that identity already. A saved place is applied (see the settings
-// document), otherwise the window is centred.
+// A hidden window of sx columns and sy rows, or null. `ident` null, empty or that of a living window: a
+// generated identity, never saved. A saved place is applied (see the settings document), otherwise the window
+// is centred.
 [[nodiscard]] WINS_window* WINS_create(const char* ident, int sx, int sy);
 void WINS_delete(WINS_window* win);
 
@@ -57,6 +58,7 @@ void WINS_focus_hide();
 void WINS_relative_move(WINS_window* win, int dx, int dy);
 void WINS_absolute_move(WINS_window* win, int px, int py);
 void WINS_center(WINS_window* win);
+// The window keeps its height in the stack and its visibility; what it showed is lost.
 void WINS_set_size(WINS_window* win, int sx, int sy);
 void WINS_autoposition(WINS_window* win);
 // The screen has a new size: every window goes back to what was wished for as far as it fits.
@@ -67,6 +69,8 @@ const WINS_UID* WINS_uid_of_window(const WINS_window* win, WINS_UID* dst);
 [[nodiscard]] WINS_window* WINS_window_by_uid(const WINS_UID* uid);
 [[nodiscard]] LL_NODE* WINS_node_by_window(const WINS_window* win);
 
+// The focused window edits text.
+[[nodiscard]] BOOL WINS_focus_edits_text();
 // Once per pass, before the panels are drawn: stacks them.
 void WINS_update();
 [[nodiscard]] BOOL WINS_keypress(int key);

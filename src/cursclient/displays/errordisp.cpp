@@ -2,11 +2,9 @@
 // It rises by itself for a while, and Ctrl-E pins or hides it. Once pinned, no deadline ever hides it again.
 #include <algorithm>
 #include <cstring>
-#include <type_traits>
 
-#include "cursclient/displays_generated.h"
 #include "cursclient/globals.h"
-#include "cursclient/wins.h"
+#include "cursclient/kit/persistent.h"
 #include "cursclient/wintext.h"
 #include "libvesk/messages/records/log.h"
 #include "libvesk/support/util.h"
@@ -26,11 +24,6 @@ struct ERRORDISP_prv_data {
     BOOL hidden;
     FTIME hide_time;  // when the strip hides itself, or PINNED
 };
-static_assert(std::is_trivially_copyable_v<ERRORDISP_prv_data>);
-
-ERRORDISP_prv_data* record(void* prv_data) {
-    return static_cast<ERRORDISP_prv_data*>(prv_data);
-}
 
 // Shown without taking the focus: the operator goes on with what the keys were for.
 void set_hidden(ERRORDISP_prv_data* pd, BOOL hidden) {
@@ -43,29 +36,21 @@ void set_hidden(ERRORDISP_prv_data* pd, BOOL hidden) {
         show_panel(pd->win->pan);
 }
 
-BOOL ERRORDISP_init(void* prv_data, DISPLAY_common_params*, DISPLAY_match_params*, void*) {
-    ERRORDISP_prv_data* pd = record(prv_data);
-    pd->win = WINS_create(nullptr, COLS, HEIGHT);
-    if (pd->win == nullptr) return FALSE;
+BOOL start(ERRORDISP_prv_data* pd) {
     pd->win->flags = WINS_ON_TOP | WINS_SKIP_IN_CYCLE;
     pd->hide_time = 0.0;
     set_hidden(pd, TRUE);
     return TRUE;
 }
 
-void ERRORDISP_cleanup(void* prv_data) {
-    WINS_delete(record(prv_data)->win);
-}
-
-void ERRORDISP_msg_proc(void* prv_data, DISPLAY_common_params* cps, DISPLAY_msg_params* mp, void*) {
-    if (mp->pm->msg->msg != MSG_LOG_MONITOR) return;
-    const auto* line = VESKMSG_payload<NET_LOG_MonitorMessage>(mp->pm);
+void take_error(ERRORDISP_prv_data* pd, const VESKMSG_proc_msg* pm, FTIME curtime) {
+    if (pm->msg->msg != MSG_LOG_MONITOR) return;
+    const auto* line = VESKMSG_payload<NET_LOG_MonitorMessage>(pm);
     if (line == nullptr || (line->flags & NET_LOG_MONITOR_ERROR) == 0) return;
-    ERRORDISP_prv_data* pd = record(prv_data);
     UTIL_strcpynt(pd->buffer[pd->buffer_next], line->msg);
     pd->buffer_next = (pd->buffer_next + 1) % LINES_KEPT;
     if (!(g_errordisp_show_time > 0)) return;
-    if (pd->hide_time != PINNED) pd->hide_time = cps->curtime + g_errordisp_show_time;
+    if (pd->hide_time != PINNED) pd->hide_time = curtime + g_errordisp_show_time;
     set_hidden(pd, FALSE);
 }
 
@@ -77,7 +62,7 @@ BOOL is_over(ERRORDISP_prv_data* pd, FTIME curtime) {
     return curtime >= pd->hide_time;
 }
 
-void draw(ERRORDISP_prv_data* pd) {
+void draw_strip(ERRORDISP_prv_data* pd) {
     WINS_set_size(pd->win, COLS, HEIGHT);
     WINS_absolute_move(pd->win, 0, LINES - HEIGHT);
     if (pd->win->win == nullptr) return;
@@ -94,31 +79,28 @@ void draw(ERRORDISP_prv_data* pd) {
     }
 }
 
-void ERRORDISP_update(void* prv_data, DISPLAY_common_params* cps, void*) {
-    ERRORDISP_prv_data* pd = record(prv_data);
-    if (pd->win == nullptr || pd->win->win == nullptr || pd->win->pan == nullptr || pd->hidden) return;
-    if (is_over(pd, cps->curtime))
+void draw(ERRORDISP_prv_data* pd, FTIME curtime) {
+    if (is_over(pd, curtime))
         set_hidden(pd, TRUE);
     else
-        draw(pd);
+        draw_strip(pd);
 }
 
-BOOL ERRORDISP_keypress(void* prv_data, DISPLAY_common_params*, DISPLAY_keypress* kp, void*) {
-    ERRORDISP_prv_data* pd = record(prv_data);
-    if (kp->key != CURSKEYS_CTRL_E || pd->win == nullptr) return FALSE;
+BOOL toggle(ERRORDISP_prv_data* pd, int key) {
+    if (key != CURSKEYS_CTRL_E) return FALSE;
     if (pd->hidden) pd->hide_time = PINNED;
     set_hidden(pd, !pd->hidden);
     return TRUE;
 }
 
+constexpr PERSISTENT_kind<ERRORDISP_prv_data> KIND{.cols = 0,
+                                                   .rows = HEIGHT,
+                                                   .title = nullptr,
+                                                   .draw = draw,
+                                                   .start = start,
+                                                   .message = take_error,
+                                                   .any_key = toggle};
+
 }  // namespace
 
-const DISPLAY_DECL DDCL_PERSISTENT_ERRORDISP = {
-    .sz_private = sizeof(ERRORDISP_prv_data),
-    .cb_init = ERRORDISP_init,
-    .cb_cleanup = ERRORDISP_cleanup,
-    .cb_update = ERRORDISP_update,
-    .cb_msg_proc = ERRORDISP_msg_proc,
-    .cb_keypress = ERRORDISP_keypress,
-    .cb_match = nullptr,
-};
+PERSISTENT_BINDINGS(ERRORDISP, KIND)

@@ -1,17 +1,13 @@
 // The help window: a scrolling page of the keys that work everywhere.
 #include <algorithm>
 #include <string_view>
-#include <type_traits>
 
-#include "cursclient/displays_generated.h"
-#include "cursclient/wins.h"
+#include "cursclient/kit/persistent.h"
 #include "cursclient/wintext.h"
 #include "libveskcurs/curskeys.h"
 
 namespace {
 
-constexpr int WIDTH = 60;
-constexpr int HEIGHT = 12;
 constexpr int VIEW_LINES = 10;  // text lines shown at a time
 constexpr int LAST_COLUMN = 58;
 constexpr int SCROLL_STEP = 3;
@@ -45,11 +41,6 @@ struct HELP_prv_data {
     int line_count;
     const char* use_msg;
 };
-static_assert(std::is_trivially_copyable_v<HELP_prv_data>);
-
-HELP_prv_data* record(void* prv_data) {
-    return static_cast<HELP_prv_data*>(prv_data);
-}
 
 // Walks the whole text and draws what lies in the view, so that the count of lines does not depend on it.
 class page {
@@ -103,60 +94,46 @@ class page {
     BOOL bold_ = FALSE;
 };
 
-BOOL HELP_init(void* prv_data, DISPLAY_common_params*, DISPLAY_match_params*, void*) {
-    HELP_prv_data* pd = record(prv_data);
+BOOL start(HELP_prv_data* pd) {
     pd->use_msg = g_help_message;
     const std::string_view text = pd->use_msg;
     pd->line_count = 1 + static_cast<int>(std::count(text.begin(), text.end(), '\n'));
-    pd->win = WINS_create(nullptr, WIDTH, HEIGHT);
-    return pd->win != nullptr;
+    return TRUE;
 }
 
-void HELP_cleanup(void* prv_data) {
-    WINS_delete(record(prv_data)->win);
-}
-
-void HELP_update(void* prv_data, DISPLAY_common_params*, void*) {
-    HELP_prv_data* pd = record(prv_data);
-    if (pd->win == nullptr || !pd->win->visible) return;
-    WINS_draw_frame(pd->win, "Help");
+void draw(HELP_prv_data* pd, FTIME /*curtime*/) {
     pd->line_count = page(pd).draw(pd->use_msg);
 }
 
-void toggle(WINS_window* win) {
-    if (win->visible) {
-        WINS_hide_window(win);
-        return;
-    }
-    WINS_focus_window(win);
-    WINS_center(win);
+// Ctrl-H is also what some terminals send for Backspace: a window that edits text keeps it.
+BOOL calls_help(int key) {
+    return key == KEY_F(1) || (key == CTRL_H && !WINS_focus_edits_text());
 }
 
-BOOL HELP_keypress(void* prv_data, DISPLAY_common_params*, DISPLAY_keypress* kp, void*) {
-    HELP_prv_data* pd = record(prv_data);
-    if (pd->win == nullptr) return FALSE;
-    if (kp->key == CTRL_H || kp->key == KEY_F(1)) toggle(pd->win);
-    if (WINS_default_keyhandler(pd->win, kp->key)) return TRUE;
-    if (!pd->win->focused) return FALSE;
-    if (kp->key == KEY_NPAGE) {
-        pd->start_line = std::min(pd->start_line + SCROLL_STEP, pd->line_count - SCROLL_MARGIN);
-        return TRUE;
+BOOL toggle(HELP_prv_data* pd, int key) {
+    if (!calls_help(key)) return FALSE;
+    if (pd->win->visible) {
+        WINS_hide_window(pd->win);
+    } else {
+        WINS_focus_window(pd->win);
+        WINS_center(pd->win);
     }
-    if (kp->key == KEY_PPAGE) {
-        pd->start_line = std::max(pd->start_line - SCROLL_STEP, 0);
-        return TRUE;
-    }
-    return FALSE;
+    return FALSE;  // the key goes on
 }
+
+BOOL page_by(HELP_prv_data* pd, int key) {
+    if (key == KEY_NPAGE)
+        pd->start_line = std::min(pd->start_line + SCROLL_STEP, pd->line_count - SCROLL_MARGIN);
+    else if (key == KEY_PPAGE)
+        pd->start_line = std::max(pd->start_line - SCROLL_STEP, 0);
+    else
+        return FALSE;
+    return TRUE;
+}
+
+constexpr PERSISTENT_kind<HELP_prv_data> KIND{
+    .cols = 60, .rows = 12, .title = "Help", .draw = draw, .start = start, .any_key = toggle, .key = page_by};
 
 }  // namespace
 
-const DISPLAY_DECL DDCL_PERSISTENT_HELP = {
-    .sz_private = sizeof(HELP_prv_data),
-    .cb_init = HELP_init,
-    .cb_cleanup = HELP_cleanup,
-    .cb_update = HELP_update,
-    .cb_msg_proc = nullptr,
-    .cb_keypress = HELP_keypress,
-    .cb_match = nullptr,
-};
+PERSISTENT_BINDINGS(HELP, KIND)

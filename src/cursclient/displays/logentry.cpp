@@ -6,13 +6,11 @@
 #include <cstring>
 #include <string>
 #include <string_view>
-#include <type_traits>
 
-#include "cursclient/displays_generated.h"
 #include "cursclient/kit/command.h"
+#include "cursclient/kit/persistent.h"
 #include "cursclient/kit/textentry.h"
 #include "cursclient/mainmenu.h"
-#include "cursclient/wins.h"
 #include "cursclient/wintext.h"
 #include "libvesk/messages/records/log.h"
 #include "libvesk/support/util.h"
@@ -20,12 +18,14 @@
 
 namespace {
 
-constexpr int WIDTH = 60;
 constexpr int HEIGHT = 7;
 constexpr int COLUMNS = 58;
 constexpr int TEXT_ROWS = 4;
 constexpr int PROMPT_ROW = 5;
 constexpr std::size_t FIRST_SIZE = 32;
+constexpr char TITLE[] = "USER: ";
+// Characters that the log's record takes behind the title.
+constexpr std::size_t MAX_TEXT = sizeof(NET_LOG_MonitorMessage::msg) - sizeof TITLE;
 
 struct LOGENTRY_prv_data {
     WINS_window* win;
@@ -33,11 +33,6 @@ struct LOGENTRY_prv_data {
     char* buffer;  // owned, null until the first character
     std::size_t sz_buffer;
 };
-static_assert(std::is_trivially_copyable_v<LOGENTRY_prv_data>);
-
-LOGENTRY_prv_data* record(void* prv_data) {
-    return static_cast<LOGENTRY_prv_data*>(prv_data);
-}
 
 const char* text_of(const LOGENTRY_prv_data* pd) {
     return pd->buffer != nullptr ? pd->buffer : "";
@@ -72,11 +67,17 @@ BOOL reserve(LOGENTRY_prv_data* pd, std::size_t length) {
     return TRUE;
 }
 
+// A text that fills the record takes no more: what stands in the window is what will be in the log.
 BOOL LOGENTRY_append(LOGENTRY_prv_data* pd, int key) {
-    const BOOL erase = TEXTENTRY_is_erase(key);
-    if (!erase && TEXTENTRY_character(key) == '\0') return FALSE;
-    if (!erase && !reserve(pd, std::strlen(text_of(pd)) + 1)) return FALSE;
-    if (pd->buffer != nullptr) TEXTENTRY_key(pd->buffer, pd->sz_buffer, key);
+    if (TEXTENTRY_is_erase(key)) {
+        if (pd->buffer != nullptr) TEXTENTRY_key(pd->buffer, pd->sz_buffer, key);
+        return TRUE;
+    }
+    if (TEXTENTRY_character(key) == '\0') return FALSE;
+    const std::size_t length = std::strlen(text_of(pd));
+    if (length >= MAX_TEXT) return TRUE;
+    if (!reserve(pd, length + 1)) return FALSE;
+    TEXTENTRY_key(pd->buffer, pd->sz_buffer, key);
     return TRUE;
 }
 
@@ -86,7 +87,7 @@ void LOGENTRY_make_entry(LOGENTRY_prv_data* pd) {
         NET_LOG_MonitorMessage note{};
         note.flags = NET_LOG_MONITOR_NOTE;
         note.msgtime = std::floor(UTIL_ftime());
-        UTIL_strcpynt(note.msg, ("USER: " + std::string(text)).c_str());
+        UTIL_strcpynt(note.msg, (TITLE + std::string(text)).c_str());
         COMMAND_broadcast(MSG_LOG_MONITOR, FRAME_TO_ALL, note);
     }
     empty(pd);
@@ -94,8 +95,7 @@ void LOGENTRY_make_entry(LOGENTRY_prv_data* pd) {
 
 // A window that was away comes up empty; one in view keeps its text.
 void LOGENTRY_mainmenu_callback(void* prv_data) {
-    LOGENTRY_prv_data* pd = record(prv_data);
-    if (pd->win == nullptr) return;
+    auto* pd = static_cast<LOGENTRY_prv_data*>(prv_data);
     if (!pd->win->visible) {
         empty(pd);
         WINS_center(pd->win);
@@ -103,29 +103,23 @@ void LOGENTRY_mainmenu_callback(void* prv_data) {
     WINS_focus_window(pd->win);
 }
 
-BOOL LOGENTRY_init(void* prv_data, DISPLAY_common_params*, DISPLAY_match_params*, void*) {
-    LOGENTRY_prv_data* pd = record(prv_data);
-    pd->win = WINS_create(nullptr, WIDTH, HEIGHT);
-    if (pd->win == nullptr) return FALSE;
+BOOL start(LOGENTRY_prv_data* pd) {
+    pd->win->flags = WINS_EDITS_TEXT;
     pd->mme = MAINMENU_addentry(MAINMENU_AT_HEAD, "Online log entry", LOGENTRY_mainmenu_callback, pd);
     return pd->mme != nullptr;
 }
 
-void LOGENTRY_cleanup(void* prv_data) {
-    LOGENTRY_prv_data* pd = record(prv_data);
-    if (pd->mme != nullptr) MAINMENU_deleteentry(pd->mme);
-    WINS_delete(pd->win);
+void stop(LOGENTRY_prv_data* pd) {
+    MAINMENU_deleteentry(pd->mme);
     std::free(pd->buffer);
 }
 
 // A short text starts at the top; of a long one the last rows show, its end in the last column.
-void LOGENTRY_update(void* prv_data, DISPLAY_common_params*, void*) {
-    LOGENTRY_prv_data* pd = record(prv_data);
-    if (pd->win == nullptr || !pd->win->visible) return;
-    WINS_draw_frame(pd->win, "Online Log Entry");
+void draw(LOGENTRY_prv_data* pd, FTIME /*curtime*/) {
     WINTEXT_put_centered(pd->win, PROMPT_ROW, A_REVERSE | WINS_attr_normal(),
                          "Press ENTER to make entry, ESC/CTRL-W to abort");
     std::string_view text = text_of(pd);
+    if (text.size() >= MAX_TEXT) WINS_center_string(pd->win, " the entry is full ", HEIGHT - 1);
     constexpr std::size_t SHOWN = TEXT_ROWS * COLUMNS;
     if (text.size() > SHOWN) text.remove_prefix(text.size() - SHOWN);
     for (int row = 1; !text.empty(); ++row) {
@@ -135,28 +129,27 @@ void LOGENTRY_update(void* prv_data, DISPLAY_common_params*, void*) {
     }
 }
 
-BOOL LOGENTRY_keypress(void* prv_data, DISPLAY_common_params*, DISPLAY_keypress* kp, void*) {
-    LOGENTRY_prv_data* pd = record(prv_data);
-    if (pd->win == nullptr) return FALSE;
-    if (kp->key == KEY_F(12)) LOGENTRY_mainmenu_callback(pd);
-    if (WINS_default_keyhandler(pd->win, kp->key)) return TRUE;
-    if (!pd->win->focused) return FALSE;
-    if (CURSKEYS_is_enter(kp->key)) {
-        LOGENTRY_make_entry(pd);
-        WINS_hide_window(pd->win);
-        return TRUE;
-    }
-    return LOGENTRY_append(pd, kp->key);
+BOOL call(LOGENTRY_prv_data* pd, int key) {
+    if (key == KEY_F(12)) LOGENTRY_mainmenu_callback(pd);
+    return FALSE;  // the key goes on
 }
+
+BOOL type(LOGENTRY_prv_data* pd, int key) {
+    if (!CURSKEYS_is_enter(key)) return LOGENTRY_append(pd, key);
+    LOGENTRY_make_entry(pd);
+    WINS_hide_window(pd->win);
+    return TRUE;
+}
+
+constexpr PERSISTENT_kind<LOGENTRY_prv_data> KIND{.cols = 60,
+                                                  .rows = HEIGHT,
+                                                  .title = "Online Log Entry",
+                                                  .draw = draw,
+                                                  .start = start,
+                                                  .stop = stop,
+                                                  .any_key = call,
+                                                  .key = type};
 
 }  // namespace
 
-const DISPLAY_DECL DDCL_PERSISTENT_LOGENTRY = {
-    .sz_private = sizeof(LOGENTRY_prv_data),
-    .cb_init = LOGENTRY_init,
-    .cb_cleanup = LOGENTRY_cleanup,
-    .cb_update = LOGENTRY_update,
-    .cb_msg_proc = nullptr,
-    .cb_keypress = LOGENTRY_keypress,
-    .cb_match = nullptr,
-};
+PERSISTENT_BINDINGS(LOGENTRY, KIND)

@@ -3,13 +3,11 @@
 #include <cstdio>
 #include <cstring>
 #include <string_view>
-#include <type_traits>
 
-#include "cursclient/displays_generated.h"
 #include "cursclient/kit/instdisp.h"
+#include "cursclient/kit/persistent.h"
 #include "cursclient/kit/textentry.h"
 #include "cursclient/mainmenu.h"
-#include "cursclient/wins.h"
 #include "cursclient/wintext.h"
 #include "libvesk/messages/records/messaging.h"
 #include "libvesk/support/sfmt.h"
@@ -18,8 +16,6 @@
 
 namespace {
 
-constexpr int WIDTH = 60;
-constexpr int HEIGHT = 15;
 constexpr int ROWS = 12;
 constexpr int COLUMNS = 58;     // of a buffer line
 constexpr int TEXT_COLUMN = 9;  // where the text starts, behind the time or its indent
@@ -33,11 +29,6 @@ struct MESSAGE_prv_data {
     char display_buffer[ROWS * COLUMNS];  // lines are not terminated; a line whose first byte is 0 is free
     char entry_buffer[sizeof(NETDS_MESSAGE_OneMessage::contents)];
 };
-static_assert(std::is_trivially_copyable_v<MESSAGE_prv_data>);
-
-MESSAGE_prv_data* record(void* prv_data) {
-    return static_cast<MESSAGE_prv_data*>(prv_data);
-}
 
 // The first free line, after scrolling the oldest one away when there is none.
 char* free_line(MESSAGE_prv_data* pd) {
@@ -73,34 +64,27 @@ void send_message(MESSAGE_prv_data* pd) {
     pd->entry_buffer[0] = '\0';
 }
 
-BOOL MESSAGE_init(void* prv_data, DISPLAY_common_params*, DISPLAY_match_params*, void*) {
-    MESSAGE_prv_data* pd = record(prv_data);
+BOOL start(MESSAGE_prv_data* pd) {
     SFMT_init_buffer(&pd->sbfr);
-    pd->win = WINS_create("MESSAGING", WIDTH, HEIGHT);
-    if (pd->win == nullptr) return FALSE;
+    pd->win->flags = WINS_EDITS_TEXT;
     pd->mme = MAINMENU_addentry(MENU_CHARACTER, "Messaging", MAINMENU_default_focus_window, pd->win);
     return pd->mme != nullptr;
 }
 
-void MESSAGE_cleanup(void* prv_data) {
-    MESSAGE_prv_data* pd = record(prv_data);
+void stop(MESSAGE_prv_data* pd) {
     SFMT_destroy_buffer(&pd->sbfr);
-    if (pd->mme != nullptr) MAINMENU_deleteentry(pd->mme);
-    WINS_delete(pd->win);
+    MAINMENU_deleteentry(pd->mme);
 }
 
-void MESSAGE_msg_proc(void* prv_data, DISPLAY_common_params*, DISPLAY_msg_params* mp, void*) {
-    if (mp->pm->msg->msg != MSG_MESSAGING_MESSAGE) return;
-    const auto* message = VESKMSG_payload<NETDS_MESSAGE_OneMessage>(mp->pm);
+void take_message(MESSAGE_prv_data* pd, const VESKMSG_proc_msg* pm, FTIME /*curtime*/) {
+    if (pm->msg->msg != MSG_MESSAGING_MESSAGE) return;
+    const auto* message = VESKMSG_payload<NETDS_MESSAGE_OneMessage>(pm);
     if (message == nullptr) return;
-    add_message(record(prv_data), message->time_sent, message->contents);
-    WINS_focus_window(record(prv_data)->win);
+    add_message(pd, message->time_sent, message->contents);
+    WINS_focus_window(pd->win);
 }
 
-void MESSAGE_update(void* prv_data, DISPLAY_common_params*, void*) {
-    MESSAGE_prv_data* pd = record(prv_data);
-    if (pd->win == nullptr || !pd->win->visible) return;
-    WINS_draw_frame(pd->win, "Messaging");
+void draw(MESSAGE_prv_data* pd, FTIME /*curtime*/) {
     for (int i = 0; i < ROWS; ++i)
         WINTEXT_put(pd->win, 1 + i, 1, std::string_view(pd->display_buffer + i * COLUMNS, COLUMNS));
     std::string_view entry = pd->entry_buffer;
@@ -108,25 +92,22 @@ void MESSAGE_update(void* prv_data, DISPLAY_common_params*, void*) {
     WINTEXT_put_attr(pd->win, ENTRY_ROW, 1, A_BOLD | WINS_attr_normal(), entry);
 }
 
-BOOL MESSAGE_keypress(void* prv_data, DISPLAY_common_params*, DISPLAY_keypress* kp, void*) {
-    MESSAGE_prv_data* pd = record(prv_data);
-    if (pd->win == nullptr || !pd->win->focused) return FALSE;
-    if (WINS_default_keyhandler(pd->win, kp->key)) return TRUE;
-    if (CURSKEYS_is_enter(kp->key)) {
-        send_message(pd);
-        return TRUE;
-    }
-    return TEXTENTRY_key(pd->entry_buffer, sizeof pd->entry_buffer, kp->key);
+BOOL type(MESSAGE_prv_data* pd, int key) {
+    if (!CURSKEYS_is_enter(key)) return TEXTENTRY_key(pd->entry_buffer, sizeof pd->entry_buffer, key);
+    send_message(pd);
+    return TRUE;
 }
+
+constexpr PERSISTENT_kind<MESSAGE_prv_data> KIND{.cols = 60,
+                                                 .rows = 15,
+                                                 .title = "Messaging",
+                                                 .draw = draw,
+                                                 .ident = "MESSAGING",
+                                                 .start = start,
+                                                 .stop = stop,
+                                                 .message = take_message,
+                                                 .key = type};
 
 }  // namespace
 
-const DISPLAY_DECL DDCL_PERSISTENT_MESSAGE = {
-    .sz_private = sizeof(MESSAGE_prv_data),
-    .cb_init = MESSAGE_init,
-    .cb_cleanup = MESSAGE_cleanup,
-    .cb_update = MESSAGE_update,
-    .cb_msg_proc = MESSAGE_msg_proc,
-    .cb_keypress = MESSAGE_keypress,
-    .cb_match = nullptr,
-};
+PERSISTENT_BINDINGS(MESSAGE, KIND)

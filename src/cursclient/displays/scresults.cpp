@@ -2,18 +2,15 @@
 // that arrives, until the operator closes it. It has no entry anywhere and sends nothing.
 #include <cmath>
 #include <cstring>
-#include <type_traits>
 
-#include "cursclient/displays_generated.h"
 #include "cursclient/globals.h"
+#include "cursclient/kit/persistent.h"
 #include "cursclient/kit/spancheck.h"
 #include "libvesk/support/util.h"
 #include "libveskcurs/curskeys.h"
 
 namespace {
 
-constexpr int WIDTH = 77;
-constexpr int HEIGHT = 16;
 constexpr double SAME_CHECK = 30.0;  // seconds within which all results of one span check arrive
 
 struct SCRESULTS_prv_data {
@@ -21,17 +18,12 @@ struct SCRESULTS_prv_data {
     SFMT_buffer sbfr;
     LL_TYPE results;  // of SCRESULTS_entry, by ascending name
 };
-static_assert(std::is_trivially_copyable_v<SCRESULTS_prv_data>);
 
 struct SCRESULTS_entry {
     char name[32];  // source
     NET_COMMON_Neph_SpancheckResults results;
     FTIME time;  // of arrival
 };
-
-SCRESULTS_prv_data* record(void* prv_data) {
-    return static_cast<SCRESULTS_prv_data*>(prv_data);
-}
 
 // `name` stands for the source's whole name: sources have no longer ones.
 BOOL remove_dup(void* data, void* name) {
@@ -55,31 +47,27 @@ void handle_results(SCRESULTS_prv_data* pd, FTIME tnow, const char* name,
     static_cast<void>(LL_insert_before(&pd->results, next, &entry, sizeof entry));
 }
 
-BOOL SCRESULTS_init(void* prv_data, DISPLAY_common_params*, DISPLAY_match_params*, void*) {
-    SCRESULTS_prv_data* pd = record(prv_data);
+BOOL start(SCRESULTS_prv_data* pd) {
     SFMT_init_buffer(&pd->sbfr);
     LL_init(&pd->results);
-    pd->win = WINS_create("SCRESULTS", WIDTH, HEIGHT);
-    if (pd->win == nullptr) return FALSE;
     WINS_hide_window(pd->win);  // wherever it was when the layout was saved
     return TRUE;
 }
 
-void SCRESULTS_cleanup(void* prv_data) {
-    SCRESULTS_prv_data* pd = record(prv_data);
+void stop(SCRESULTS_prv_data* pd) {
     SFMT_destroy_buffer(&pd->sbfr);
-    if (pd->win != nullptr) WINS_delete(pd->win);
-    pd->win = nullptr;
     LL_clear(&pd->results);
 }
 
-void SCRESULTS_msg_proc(void* prv_data, DISPLAY_common_params* cps, DISPLAY_msg_params* mp, void*) {
-    const VESKMSG_proc_msg* pm = mp->pm;
+void take_results(SCRESULTS_prv_data* pd, const VESKMSG_proc_msg* pm, FTIME curtime) {
+    if (pm->src_name == nullptr || pm->src_name[0] == '\0') return;
+    if (pm->msg->msg == MSG_NOTIFY_CLIENT_TERMINATE)
+        LL_selective_delete(&pd->results, remove_dup, const_cast<char*>(pm->src_name));
     if (pm->msg->msg != MSG_COMMON_NEPH_SPANCHECK_RESULTS) return;
     const auto* results = VESKMSG_payload<NET_COMMON_Neph_SpancheckResults>(pm);
-    if (results == nullptr || pm->src_name == nullptr || pm->src_name[0] == '\0') return;
-    handle_results(record(prv_data), cps->curtime, pm->src_name, *results);
-    WINS_focus_window(record(prv_data)->win);
+    if (results == nullptr) return;
+    handle_results(pd, curtime, pm->src_name, *results);
+    WINS_focus_window(pd->win);
 }
 
 // What one redraw has come to.
@@ -99,10 +87,7 @@ void display_results(const CANVAS& d, const SCRESULTS_entry& entry, SCRESULTS_di
     at->err_cnt += 1;
 }
 
-void SCRESULTS_update(void* prv_data, DISPLAY_common_params*, void*) {
-    SCRESULTS_prv_data* pd = record(prv_data);
-    if (pd->win == nullptr || !pd->win->visible) return;
-    WINS_draw_frame(pd->win, "Spancheck Results");
+void draw(SCRESULTS_prv_data* pd, FTIME /*curtime*/) {
     if (pd->results.count == 0) return;
     const CANVAS d(pd->win, &pd->sbfr);
     SPANCHECK_draw_results_head(d, 1);
@@ -114,23 +99,22 @@ void SCRESULTS_update(void* prv_data, DISPLAY_common_params*, void*) {
     d.text(at.cy + 3, 1, "Press enter to close this window.");
 }
 
-BOOL SCRESULTS_keypress(void* prv_data, DISPLAY_common_params*, DISPLAY_keypress* kp, void*) {
-    WINS_window* win = record(prv_data)->win;
-    if (win == nullptr || !win->focused) return FALSE;
-    if (WINS_default_keyhandler(win, kp->key)) return TRUE;
-    if (!CURSKEYS_is_enter(kp->key)) return FALSE;
-    WINS_hide_window(win);
+BOOL close(SCRESULTS_prv_data* pd, int key) {
+    if (!CURSKEYS_is_enter(key)) return FALSE;
+    WINS_hide_window(pd->win);
     return TRUE;
 }
 
+constexpr PERSISTENT_kind<SCRESULTS_prv_data> KIND{.cols = 77,
+                                                   .rows = 16,
+                                                   .title = "Spancheck Results",
+                                                   .draw = draw,
+                                                   .ident = "SCRESULTS",
+                                                   .start = start,
+                                                   .stop = stop,
+                                                   .message = take_results,
+                                                   .key = close};
+
 }  // namespace
 
-const DISPLAY_DECL DDCL_PERSISTENT_SCRESULTS = {
-    .sz_private = sizeof(SCRESULTS_prv_data),
-    .cb_init = SCRESULTS_init,
-    .cb_cleanup = SCRESULTS_cleanup,
-    .cb_update = SCRESULTS_update,
-    .cb_msg_proc = SCRESULTS_msg_proc,
-    .cb_keypress = SCRESULTS_keypress,
-    .cb_match = nullptr,
-};
+PERSISTENT_BINDINGS(SCRESULTS, KIND)

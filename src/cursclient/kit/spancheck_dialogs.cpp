@@ -93,22 +93,12 @@ void sc_button_setnephs(CURSDIALOG_type* /*dlg*/, void* dlg_user_data, CURSDIALO
 
 // ---- the start
 
+// As the entries stand: what nobody typed is what the station last shared, whatever that was.
 [[nodiscard]] NET_COMMON_Neph_SpancheckDuration entered(const spancheck_begin_dlg_param& begin) {
     return {.air_flush = COMMAND_entry_value(begin.wd_air_flush_time),
             .air_sample = COMMAND_entry_value(begin.wd_air_measure_time),
             .co2_flush = COMMAND_entry_value(begin.wd_co2_flush_time),
             .co2_sample = COMMAND_entry_value(begin.wd_co2_measure_time)};
-}
-
-// The entry that holds no time to wait for, or null: the entries start with what the station last shared, and
-// nobody verified that.
-[[nodiscard]] CURSDIALOG_widget* unusable_entry(const spancheck_begin_dlg_param& begin) {
-    for (CURSDIALOG_widget* entry : {begin.wd_air_flush_time, begin.wd_air_measure_time,
-                                     begin.wd_co2_flush_time, begin.wd_co2_measure_time}) {
-        const double seconds = COMMAND_entry_value(entry);
-        if (!(seconds >= SECONDS.min && seconds <= SECONDS.max)) return entry;
-    }
-    return nullptr;
 }
 
 // Air, CO2, air again: the air is flushed for the same time on both sides of the CO2.
@@ -130,11 +120,10 @@ void issue_to(const LL_TYPE& chosen, const NET_COMMON_Neph_SpancheckIssue& issue
             COMMAND_send(neph, MSG_COMMON_NEPH_SPANCHECK_ISSUE, issue);
 }
 
-void sc_button_begin_startnow_close(CURSDIALOG_type* dlg, void* dlg_user_data, CURSDIALOG_widget* /*wd*/,
+void sc_button_begin_startnow_close(CURSDIALOG_type* /*dlg*/, void* dlg_user_data, CURSDIALOG_widget* /*wd*/,
                                     void* /*wd_user_data*/, CURSDIALOG_button_action* act) {
     static constexpr DWORD SHARED = FRAME_TO_ALL | FRAME_RESERVED | FRAME_KEEP;
     const auto& begin = *COMMAND_param<spancheck_begin_dlg_param>(dlg_user_data);
-    if (CURSDIALOG_widget* entry = unusable_entry(begin)) return CURSDIALOG_force_widget_focus(dlg, entry);
     act->close_dialog = TRUE;
     const auto* pd = COMMAND_display<SPANCHECK_head>(begin.uid);
     if (pd == nullptr) return;
@@ -155,11 +144,7 @@ CURSDIALOG_widget* add_seconds(CURSDIALOG_type* dlg, int y, const char* label, d
 }
 
 void refuse() {
-    CURSDIALOG_type* dlg = DIALOG_create("Spancheck Error", 0);
-    CURSDIALOG_add_label(dlg, 1, 1, 0, 0, "Can't initiate a spancheck while bypassed/contaminated.");
-    CURSDIALOG_widget* cancel = CURSDIALOG_add_button(dlg, 1, 2, 0, CURSDIALOG_STYLE_CLOSE, 0, "Cancel",
-                                                      CURSDIALOG_DEFAULT_button_close, nullptr, 0);
-    CURSDIALOG_force_widget_focus(dlg, cancel);
+    DIALOG_tell("Spancheck Error", {"Can't initiate a spancheck while bypassed/contaminated."}, "Cancel");
 }
 
 }  // namespace

@@ -75,4 +75,15 @@ TEST_F(Displays, OfMessagesTheLastRowsShowAndAnEntryHoldsAFullOneAndNoMore) {
                                                HasSubstr(":\"" + std::string(2047, 'x') + "\""))));
 }
 
+TEST_F(Displays, ANoteTakesNoMoreThanTheLogDoes) {
+    press(KEY_F(12));
+    type(std::string(8184, 'x'));
+    EXPECT_THAT(screen_text(), Not(HasSubstr("the entry is full")));
+    type("yz");
+    EXPECT_EQ(row("2", 4), std::string(57, 'x') + "y");
+    EXPECT_THAT(screen_text(), HasSubstr("the entry is full"));
+    press(ENTER);
+    EXPECT_THAT(take_sent(), ElementsAre(HasSubstr("\"USER: " + std::string(8184, 'x') + "y\"")));
+}
+
 }  // namespace
