@@ -45,7 +45,7 @@ CURSDIALOG_widget* add_error_time(CURSDIALOG_type* dlg) {
     constexpr int MAX_CHARACTERS = 20;
     const CURSDIALOG_DEFAULT_entry_numeric_param numeric{
         .min = 0,
-        .max = CLIENTDIALOGS_MAX_ERROR_TIME,
+        .max = 1e16,
         .fmt = "%.1f",
         .pass_through = MAINMENU_client_options_entry_errordisp_cb,
     };

@@ -1,8 +1,6 @@
 // The dialogs of the console's own entries in the main menu: client options and disk operations.
 #pragma once
 
-inline constexpr double CLIENTDIALOGS_MAX_ERROR_TIME = 1e16;  // seconds that the options accept
-
 // Entry callbacks; the argument is ignored.
 void CLIENTDIALOGS_client_options(void* user_ptr);
 void CLIENTDIALOGS_disk_operations(void* user_ptr);

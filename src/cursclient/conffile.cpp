@@ -1,16 +1,23 @@
 // Reading and saving the settings file.
 #include "cursclient/conffile.h"
 
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <string>
 
 #include "cursclient/globals.h"
 #include "libvesk/support/savefile.h"
 #include "libvesk/support/util.h"
 
 namespace {
+
+constexpr char NOT_A_FILE[] = "it is not a regular file";
+constexpr char NOT_WHOLE[] = "it was not read whole when the console started";
+
+BOOL g_not_whole = FALSE;  // the tree lacks settings that the file has
+CONFFILE_failure g_failure;
 
 // The settings file's name; empty (errno says why) when it cannot be built.
 std::string conf_file_name() {
@@ -23,12 +30,27 @@ std::string conf_file_name() {
     return "";
 }
 
-BOOL save_failed(int error) {
-    UTIL_complain("cannot save the configuration to %s: %s", conf_file_name().c_str(), std::strerror(error));
+// The type of what has that name (S_IFREG and so on), 0 for nothing.
+mode_t type_of(const std::string& name) {
+    struct stat st {};
+    return stat(name.c_str(), &st) == 0 ? st.st_mode & S_IFMT : 0;
+}
+
+BOOL save_failed(const char* reason) {
+    g_failure = {reason, UTIL_printable(conf_file_name())};
+    UTIL_complain("cannot save the configuration to %s: %s", g_failure.file.c_str(), reason);
     return FALSE;
 }
 
 }  // namespace
+
+BOOL CONFFILE_is_usable() {
+    const std::string name = conf_file_name();
+    const mode_t type = type_of(name);
+    if (type == 0 || type == S_IFREG || type == S_IFDIR) return TRUE;
+    UTIL_complain("cannot use the configuration file %s: %s", name.c_str(), NOT_A_FILE);
+    return FALSE;
+}
 
 std::FILE* open_conf_file(const char* mode) {
     const std::string name = conf_file_name();
@@ -36,22 +58,30 @@ std::FILE* open_conf_file(const char* mode) {
 }
 
 BOOL load_conf_file() {
+    if (const std::string name = conf_file_name(); !name.empty()) SAVEFILE::clean_up(name);
     std::FILE* file = open_conf_file("r");
+    g_not_whole = file == nullptr && errno != ENOENT;
     if (file == nullptr) return FALSE;
     CONF_free(g_conf);
     g_conf = CONF_alloc();
-    CONF_load(g_conf, file);
+    g_not_whole = !CONF_load(g_conf, file);
     std::fclose(file);
     return TRUE;
 }
 
 BOOL save_conf_file() {
     const std::string name = conf_file_name();
-    if (name.empty()) return save_failed(errno);
+    if (name.empty()) return save_failed(std::strerror(errno));
+    if (const mode_t type = type_of(name); type != 0 && type != S_IFREG) return save_failed(NOT_A_FILE);
+    if (g_not_whole) return save_failed(NOT_WHOLE);
     SAVEFILE save(name);  // the file may hold the password: what is created is for its owner alone
-    if (save.file() == nullptr) return save_failed(errno);
+    if (save.file() == nullptr) return save_failed(std::strerror(errno));
     if (g_conf == nullptr) g_conf = CONF_alloc();
     for (const CONFFILE_owner owner : g_conf_owners)
         owner();
-    return CONF_write(g_conf, save.file()) && save.keep() ? TRUE : save_failed(errno);
+    return CONF_write(g_conf, save.file()) && save.keep() ? TRUE : save_failed(std::strerror(errno));
+}
+
+const CONFFILE_failure& CONFFILE_error() {
+    return g_failure;
 }

@@ -46,6 +46,7 @@ BOOL init_io() {
 }
 
 BOOL init_windows() {
+    if (!CONFFILE_is_usable()) return FALSE;
     load_conf_file();  // no file is no error: every setting has a default
     return WINS_init();
 }

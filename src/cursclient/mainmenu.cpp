@@ -55,6 +55,16 @@ void format_name(MAINMENU_entry* mme, const char* name) {
     UTIL_strncpynt(mme->name + 2, name, sizeof mme->name - 2);
 }
 
+// A key that chooses several entries brings up all of them: whoever set the instruments up has to know.
+void complain_if_taken(const MAINMENU_entry& entry) {
+    if (!is_graphic(entry.sc_char)) return;
+    for (const MAINMENU_entry& other : LL_each<MAINMENU_entry>(g_mainmenu_entrys)) {
+        if (other.sc_char != entry.sc_char) continue;
+        UTIL_complain("the hot key %c of %s is taken by %s", entry.sc_char, entry.name + 2, other.name + 2);
+        return;
+    }
+}
+
 // The node before which an entry with that character goes; null for the tail. A newer entry stands before
 // older ones with the same character.
 LL_NODE* insertion_point(char sc_char) {
@@ -122,7 +132,9 @@ char alt_character(int key) {
 // ---- built-in entries
 
 void MAINMENU_save_conf_cb(void* /*user_ptr*/) {
-    save_conf_file();  // says itself what went wrong
+    if (save_conf_file()) return;
+    const CONFFILE_failure& failure = CONFFILE_error();
+    DIALOG_tell("Save configuration", {"Not saved:", failure.reason.c_str(), failure.file.c_str()}, "Close");
 }
 
 // The main loop's exit poll takes it from here.
@@ -133,7 +145,7 @@ void MAINMENU_quit_cb(void* /*user_ptr*/) {
 double saved_error_time() {
     const char* value = CONF_lookup(g_conf, KEY_ERROR_TIME);
     const double seconds = value != nullptr ? UTIL_atofv(value) : DEFAULT_ERROR_TIME;
-    return seconds >= 0 && seconds <= CLIENTDIALOGS_MAX_ERROR_TIME ? seconds : DEFAULT_ERROR_TIME;
+    return std::isfinite(seconds) ? seconds : DEFAULT_ERROR_TIME;
 }
 
 }  // namespace
@@ -171,6 +183,7 @@ MAINMENU_entry* MAINMENU_addentry(char sc_char, const char* name, MAINMENU_selec
     entry.cb = cb;
     entry.uid = g_mainmenu_uid_last++;
     format_name(&entry, name);
+    complain_if_taken(entry);
     return LL_data<MAINMENU_entry>(
         LL_insert_before(&g_mainmenu_entrys, insertion_point(sc_char), &entry, sizeof entry));
 }

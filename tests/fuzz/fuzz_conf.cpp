@@ -13,7 +13,7 @@ CONF_node* load(std::string text) {
     std::FILE* file = fmemopen(text.data(), text.size(), "r");
     if (file == nullptr) std::abort();
     CONF_node* root = CONF_alloc();
-    CONF_load(root, file);
+    static_cast<void>(CONF_load(root, file));
     std::fclose(file);
     return root;
 }

@@ -74,17 +74,20 @@ void set(CONF_node* node, const CONF_path& path, std::string_view value) {
 
 // ---------------------------------------------------------------- reading the file
 
-std::string read_all(std::FILE* file) {
-    std::string text;
+// FALSE: `text` is only the beginning.
+BOOL read_all(std::FILE* file, std::string& text) {
     char chunk[8192];
     std::size_t n;
     while (text.size() <= CONF_MAX_FILE && (n = std::fread(chunk, 1, sizeof chunk, file)) > 0)
         text.append(chunk, n);
-    if (std::ferror(file)) UTIL_complain("the configuration file cannot be read: %s", std::strerror(errno));
-    if (text.size() <= CONF_MAX_FILE) return text;
+    if (std::ferror(file)) {
+        UTIL_complain("the configuration file cannot be read: %s", std::strerror(errno));
+        return FALSE;
+    }
+    if (text.size() <= CONF_MAX_FILE) return TRUE;
     UTIL_complain("the configuration file is larger than %zu bytes, the rest is ignored", CONF_MAX_FILE);
     text.resize(text.rfind('\n', CONF_MAX_FILE - 1) + 1);
-    return text;
+    return FALSE;
 }
 
 class loader {
@@ -241,9 +244,12 @@ void CONF_free(CONF_node* root) {
     delete root;
 }
 
-void CONF_load(CONF_node* root, std::FILE* file) {
-    if (root == nullptr || file == nullptr) return;
-    loader(*root).read(read_all(file));
+BOOL CONF_load(CONF_node* root, std::FILE* file) {
+    if (root == nullptr || file == nullptr) return FALSE;
+    std::string text;
+    const BOOL whole = read_all(file, text);
+    loader(*root).read(text);
+    return whole;
 }
 
 BOOL CONF_write(const CONF_node* root, std::FILE* file) {

@@ -37,8 +37,10 @@ void CONF_free(CONF_node* root);
 
 // Reads the whole file into the tree, an empty one. A line that cannot be read is kept as it is and reported
 // on standard error with its number (the first few; then their count); the later of two equal paths wins,
-// which is reported too. A file larger than CONF_MAX_FILE is read up to there. The file stays open.
-void CONF_load(CONF_node* root, std::FILE* file);
+// which is reported too. FALSE, which is reported, when the tree holds only the beginning of the file: it is
+// larger than CONF_MAX_FILE or cannot be read to its end. Such a tree must not be written back. The file
+// stays open.
+[[nodiscard]] BOOL CONF_load(CONF_node* root, std::FILE* file);
 // Writes the whole tree and flushes. FALSE (errno says why) when any byte could not be written.
 [[nodiscard]] BOOL CONF_write(const CONF_node* root, std::FILE* file);
 

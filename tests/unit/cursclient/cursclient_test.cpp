@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "cursclient/conffile.h"
+#include "libvesk/support/savefile.h"
 #include "support/display_rig.h"
 
 namespace {
@@ -109,6 +110,42 @@ TEST_F(Settings, AFullDiskCostsNothing) {
     EXPECT_EQ(files(), 1) << "nothing is left beside it";
     EXPECT_TRUE(save_conf_file());
     EXPECT_EQ(files(), 1);
+}
+
+TEST_F(Settings, ASaveWouldLoseWhatWasNotRead) {
+    const std::string before = "A = 1\n#" + std::string(CONF_MAX_FILE, 'x') + "\nB = 2\n";
+    std::ofstream(file_) << before;
+    complaints_of([] { EXPECT_TRUE(load_conf_file()); });
+    EXPECT_THAT(complaints_of([] { EXPECT_FALSE(save_conf_file()); }), HasSubstr("not read whole"));
+    EXPECT_EQ(content(), before);
+    std::ofstream(file_) << "A = 1\n";
+    EXPECT_TRUE(load_conf_file());
+    EXPECT_TRUE(save_conf_file()) << "read anew";
+}
+
+TEST_F(Settings, WhatAKilledSaveLeftIsCleanedUpButNotWhatAnotherIsWriting) {
+    const std::string left = file_ + ".saving";
+    std::ofstream(left) << "half of a fi";
+    EXPECT_FALSE(load_conf_file());
+    EXPECT_EQ(files(), 0);
+    std::ofstream(left) << std::string(100'000, 'x');
+    EXPECT_TRUE(save_conf_file());
+    EXPECT_EQ(files(), 1);
+    EXPECT_LT(content().size(), 1000u);
+
+    const SAVEFILE another(file_);
+    EXPECT_THAT(complaints_of([] { EXPECT_FALSE(save_conf_file()); }), HasSubstr("unavailable"));
+    load_conf_file();
+    EXPECT_EQ(files(), 2);
+}
+
+TEST_F(Settings, OnlyARegularFileWillDo) {
+    EXPECT_TRUE(CONFFILE_is_usable()) << "there is none yet";
+    ASSERT_EQ(mkfifo(file_.c_str(), 0600), 0);
+    EXPECT_THAT(complaints_of([] { EXPECT_FALSE(CONFFILE_is_usable()); }), HasSubstr("not a regular file"));
+    complaints_of([] { EXPECT_FALSE(save_conf_file()); });
+    g_conffile = "/dev/null";
+    complaints_of([] { EXPECT_FALSE(CONFFILE_is_usable()); });
 }
 
 TEST_F(Settings, ASaveKeepsModesAndLinks) {

@@ -84,6 +84,18 @@ TEST_F(MainMenu, OrderAndNames) {
     EXPECT_EQ(std::string(add('x', std::string(80, 'n').c_str())->name), "x " + std::string(61, 'n'));
 }
 
+TEST_F(MainMenu, ATakenHotKeyIsReported) {
+    add('n', "first");
+    EXPECT_EQ(complaints_of([] { add('n', "second"); }), "the hot key n of second is taken by first\n");
+    EXPECT_EQ(complaints_of([] {
+                  add('N', "");
+                  add(MAINMENU_AT_HEAD, "");
+                  add(1, "");
+                  add(1, "");
+              }),
+              "");
+}
+
 TEST_F(MainMenu, AltChoosesByCharacter) {
     add('A', "", "A");
     add('b', "", "b");
@@ -182,8 +194,8 @@ TEST_F(MainMenu, SettingsAtStart) {
     for (const Row& row : {
              Row{"3.5", "TRUE", 3.5, TRUE},
              Row{"0", "no", 0.0, FALSE},
-             Row{"1e300", "0", 2.0, FALSE},  // beyond what the options accept
-             Row{"-1", "1", 2.0, TRUE},
+             Row{"1e300", "0", 1e300, FALSE},  // beyond what the options accept
+             Row{"-1", "1", -1.0, TRUE},
              Row{"nan", "t", 2.0, TRUE},
          }) {
         CONF_set(g_conf, "Settings;ErrorDisplayTime", row.seconds);
@@ -191,7 +203,19 @@ TEST_F(MainMenu, SettingsAtStart) {
         start(24, 80);
         EXPECT_EQ(g_errordisp_show_time, row.show_time) << row.seconds;
         EXPECT_EQ(g_conf_enable_color, row.enable) << row.color;
+        MAINMENU_save_config();
+        EXPECT_EQ(UTIL_atofv(CONF_lookup(g_conf, "Settings;ErrorDisplayTime")), row.show_time);
     }
+}
+
+TEST_F(MainMenu, AFailedSaveIsToldOnTheScreen) {
+    g_conffile = "/no/such/folder/conf";
+    complaints_of([] { choose("Save configuration"); });
+    EXPECT_THAT(look(), AllOf(HasSubstr("Not saved:"), HasSubstr("No such file or directory"),
+                              HasSubstr("/no/such/folder/conf")));
+    press('\r');
+    EXPECT_FALSE(CURSDIALOG_active());
+    g_conffile = nullptr;
 }
 
 TEST_F(MainMenu, ClientOptions) {

@@ -15,13 +15,14 @@ namespace {
 struct tree {
     CONF_node* root = CONF_alloc();
     std::string complaints;  // on standard error while the text was loaded
+    BOOL whole = FALSE;
     tree() = default;
     explicit tree(std::string_view text) {
         std::FILE* file = std::tmpfile();
         std::fwrite(text.data(), 1, text.size(), file);
         std::rewind(file);
         testing::internal::CaptureStderr();
-        CONF_load(root, file);
+        whole = CONF_load(root, file);
         complaints = testing::internal::GetCapturedStderr();
         std::fclose(file);
     }
@@ -186,6 +187,7 @@ TEST(ConfFile, LargeAndBinaryFilesAreReadWithoutAFlood) {
         text += "key" + std::to_string(i) + "=1\n";
     const tree wide(text);
     EXPECT_EQ(wide.get("key199999"), "1");
+    EXPECT_TRUE(wide.whole);
     EXPECT_EQ(wide.text(), text);
 
     std::string garbage;
@@ -196,6 +198,7 @@ TEST(ConfFile, LargeAndBinaryFilesAreReadWithoutAFlood) {
     const tree endless("B = 1\nA = " + std::string(CONF_MAX_FILE, 'x'));
     EXPECT_EQ(endless.text(), "B = 1\n");
     EXPECT_THAT(endless.complaints, testing::HasSubstr("larger than"));
+    EXPECT_FALSE(endless.whole);
 }
 
 TEST(ConfFile, FailuresOfTheFileAreTold) {
@@ -209,7 +212,7 @@ TEST(ConfFile, FailuresOfTheFileAreTold) {
     std::FILE* folder = std::fopen("/", "r");
     ASSERT_NE(folder, nullptr);
     testing::internal::CaptureStderr();
-    CONF_load(t.root, folder);
+    EXPECT_FALSE(CONF_load(t.root, folder));
     EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr("Is a directory"));
     std::fclose(folder);
 }
