@@ -6,7 +6,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <set>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "cursclient/globals.h"
@@ -20,6 +22,7 @@ namespace {
 constexpr std::string_view PERSISTENT = "PERSISTENT_";
 
 std::span<const DISPLAY_DEFN> g_injected;
+std::set<std::string> g_without_display;  // sources whose kind nothing shows, and that were reported
 
 std::span<const DISPLAY_DEFN> kinds() {
     return g_injected.data() != nullptr ? g_injected : std::span(g_display_decls, g_n_display_decls);
@@ -105,6 +108,12 @@ BOOL remove_unwanted(void* data, void* param) {
     return TRUE;
 }
 
+// Says once for each time that an instrument joins that there is nothing to see of it.
+void complain_unknown(const char* src_name, const char* type) {
+    if (g_without_display.insert(src_name).second)
+        UTIL_complain("no display for %s: its kind \"%s\" is unknown here", src_name, type);
+}
+
 // Announcements and departures: what a message means for the registry itself.
 void handle_own(const VESKMSG_proc_msg* pm) {
     if (pm->src_name == nullptr || pm->src_name[0] == '\0') return;
@@ -138,6 +147,7 @@ void DISPLAY_cleanup() {
         release(*LL_data<DISPLAY_type>(g_displays.head));
         LL_delete_specfic(&g_displays, g_displays.head);
     }
+    g_without_display.clear();
 }
 
 BOOL DISPLAY_handle_message(VESKMSG_proc_msg* pm) {
@@ -173,11 +183,17 @@ void DISPLAY_instrument_register(const char* src_name, const NET_SERVER_Instrume
     if (DISPLAY_by_name(src_name) != nullptr) return;
     DISPLAY_common_params cps = common_params();
     DISPLAY_match_params mps{src_name, ii->type, ii->display_name, ii->id_ch};
-    for (const DISPLAY_DEFN& row : kinds())
-        if (std::strcmp(row.match_type, ii->type) == 0) create(row.dcl, &cps, &mps, src_name);
+    BOOL shown = FALSE;
+    for (const DISPLAY_DEFN& row : kinds()) {
+        if (std::strcmp(row.match_type, ii->type) != 0) continue;
+        create(row.dcl, &cps, &mps, src_name);
+        shown = shown || row.dcl->cb_init != nullptr;
+    }
+    if (!shown) complain_unknown(src_name, ii->type);
 }
 
 void DISPLAY_handle_disconnect(const char* name) {
+    g_without_display.erase(name);
     LL_selective_delete(&g_displays, remove_of_source, const_cast<char*>(name));
 }
 

@@ -104,6 +104,9 @@ constexpr form SETPOINT{.title = "Change setpoint",
                         .read = read_setpoint,
                         .send = send_setpoint,
                         .ok_width = 10,
+                        .no_memory =
+                            "(dlgparam=(LOVEPID_setpoint_dlg_prv *)malloc(sizeof("
+                            "LOVEPID_setpoint_dlg_prv))) != NULL",
                         .trusts_start_values = true};
 
 using store = INSTDISP_store<LOVEPID_prv_data>;

@@ -34,15 +34,9 @@ void password_given(BOOL passok, void* param) {
     if (passok) run_now(p.uid, p.action);
 }
 
-void complain_no_memory(DWORD uid, int line, int error) {
-    const auto* pd = COMMAND_display<INSTDISP_head>(uid);
-    const std::string source = std::string("displays/") + (pd != nullptr ? pd->type : "");
-    UTIL_assertion_failed_errno(source.c_str(), line, "(pd = malloc(sizeof(DWORD))) != NULL", error);
-}
-
 void run_guarded(DWORD uid, const COMMAND_action& action) {
     auto* p = new (std::nothrow) pending{uid, action, COMMAND_FREE};
-    if (p == nullptr) return complain_no_memory(uid, __LINE__, ENOMEM);
+    if (p == nullptr) return COMMAND_no_memory(uid, "(pd = malloc(sizeof(DWORD))) != NULL");
     PASSWD_checkpass(password_given, p);
 }
 
@@ -54,6 +48,12 @@ void pressed(CURSDIALOG_type* /*dlg*/, void* /*dlg_user_data*/, CURSDIALOG_widge
 }
 
 }  // namespace
+
+void COMMAND_no_memory(DWORD uid, const char* allocation, int line) {
+    const auto* pd = COMMAND_display<INSTDISP_head>(uid);
+    const std::string source = std::string("displays/") + (pd != nullptr ? pd->type : "");
+    UTIL_assertion_failed_errno(source.c_str(), line, allocation, ENOMEM);
+}
 
 void COMMAND_run(DWORD uid, COMMAND_action action, COMMAND_guard guard) {
     if (guard == COMMAND_PASSWORD)

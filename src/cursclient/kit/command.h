@@ -91,6 +91,10 @@ CURSDIALOG_widget* COMMAND_number_entry(
 // "[*] text" or "[ ] text".
 [[nodiscard]] std::string COMMAND_check_label(bool on, const char* text);
 
+// Says in the name of the display's unit that the allocation of which `allocation` is the assertion has
+// failed.
+void COMMAND_no_memory(DWORD uid, const char* allocation, int line = __builtin_LINE());
+
 // A dialog with a record of its own, zero-filled or as P initialises it, that lives and dies with it. The
 // dialog's user data is a pointer to it: COMMAND_param<P> reads that in callbacks.
 template <class P>

@@ -291,7 +291,10 @@ CURSDIALOG_widget* add_ending(CURSDIALOG_type* dlg, const FORM_body& body, int y
 
 void FORM_show(const FORM_body& body, DWORD uid, const void* values, std::size_t size) {
     const auto [dlg, f] = COMMAND_create_form<form_state>(body.title, form_closed);
-    if (dlg == nullptr) return;
+    if (dlg == nullptr) {
+        if (body.no_memory != nullptr) COMMAND_no_memory(uid, body.no_memory);
+        return;
+    }
     f->body = &body;
     f->uid = uid;
     f->values = std::make_unique<std::byte[]>(size);

@@ -154,6 +154,7 @@ struct FORM {
     int cancel_width = 0;  // 0: the same
     int gap = 0;           // empty lines above the pair
     bool focuses_first_row = false;
+    const char* no_memory = nullptr;  // the assertion to state when the dialog gets no memory
     // Normally a start value that is missing is left empty, and `send` and the buttons refuse, with the focus
     // on it, while a number is not within its limits. This is for instruments that report such values and
     // take them back.
@@ -289,6 +290,7 @@ struct FORM_body {
     const char* ok;
     int ok_width, cancel_width, gap;
     bool focuses_first_row;
+    const char* no_memory;
     bool trusts_start_values;
 };
 // Opens the dialog with a copy of the values. `body` is static.
@@ -322,6 +324,7 @@ inline constexpr FORM_body FORM_body_of{
     .cancel_width = form.cancel_width != 0 ? form.cancel_width : form.ok_width,
     .gap = form.gap,
     .focuses_first_row = form.focuses_first_row,
+    .no_memory = form.no_memory,
     .trusts_start_values = form.trusts_start_values};
 
 template <const auto& form, class R, class V>

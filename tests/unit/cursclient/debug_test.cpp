@@ -61,10 +61,10 @@ TEST_F(Debug, TracesMessagesWithTheirRecords) {
 TEST(DebugCapture, WhatWasCapturedIsSaidOnTheRealStandardErrorInTheEnd) {
     ::testing::internal::CaptureStderr();
     ASSERT_TRUE(DEBUG_preinit());
-    std::fprintf(stderr, "why it failed\nlast words");
+    std::fprintf(stderr, "why it failed\nlast\033words");
     DEBUG_release_stderr();
     std::fprintf(stderr, "real again\n");
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "why it failed\nlast words\nreal again\n");
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "why it failed\nlast?words\nreal again\n");
 }
 
 }  // namespace

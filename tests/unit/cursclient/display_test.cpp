@@ -169,6 +169,20 @@ TEST_F(Registry, AnnouncementMakesOneDisplayPerMatchingRowOnce) {
     EXPECT_EQ(g_display_uid_next, 3U);
 }
 
+TEST_F(Registry, AKindThatNothingShowsIsReportedOnceForEachTimeItJoins) {
+    start({{"alpha", &FULL}, {"later", &NOTHING}});
+    const auto complaints = [](const char* source, const char* type) {
+        ::testing::internal::CaptureStderr();
+        announce(source, type);
+        return ::testing::internal::GetCapturedStderr();
+    };
+    EXPECT_EQ(complaints("S1", "beta"), "no display for S1: its kind \"beta\" is unknown here\n");
+    EXPECT_EQ(complaints("S1", "beta"), "");
+    receive("S1", MSG_NOTIFY_CLIENT_TERMINATE);
+    EXPECT_NE(complaints("S1", "later"), "");
+    EXPECT_EQ(complaints("S2", "alpha"), "");
+}
+
 TEST_F(Registry, AnInstrumentThatLeavesTakesItsOwnDisplaysAlong) {
     start({{"PERSISTENT_S1", &QUIET}, {"alpha", &FULL}});
     announce("S1", "alpha");
