@@ -271,7 +271,8 @@ CURSDIALOG_widget* add_row(CURSDIALOG_type* dlg, const form_state& f, std::size_
         case FORM_PICK:
             return button(choice_label(f, i), pick_pressed, CURSDIALOG_STYLE_LIST);
         case FORM_BUTTON:
-            return button(row.label, send_pressed, CURSDIALOG_STYLE_ROW);
+            return button(row.label, row.only_closes ? CURSDIALOG_DEFAULT_button_close : send_pressed,
+                          CURSDIALOG_STYLE_ROW);
         case FORM_NOTE:
             return CURSDIALOG_add_label(dlg, row.x, y, 0, 0,
                                         f.body->note_of(i, COMMAND_display<INSTDISP_head>(f.uid)).c_str());

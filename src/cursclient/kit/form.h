@@ -64,6 +64,7 @@ struct FORM_choice {
     double value;
     const char* label;
 };
+// The same, with words made of the display's present state.
 struct FORM_listed {
     double value;
     std::string label;
@@ -100,6 +101,7 @@ struct FORM_row {
     const char* second_label = nullptr;  // FORM_check::pressed_label; the title of the list of FORM_PICK
     std::span<const FORM_choice> choices = {};
     std::string (*button_of)(double value) = nullptr;
+    bool only_closes = false;  // FORM_BUTTON
 };
 
 // ---- the way to a member, by addresses alone: doubles of wire records are not aligned
@@ -242,6 +244,7 @@ struct FORM {
         r.x = x;
         r.width = width;
         r.send = send;
+        r.only_closes = send == nullptr;
         return r;
     }
 
