@@ -1,5 +1,5 @@
-// Faults around the console: a server that stops, peers that do not read or say too much, a terminal that
-// goes away, and the console's own crash.
+// Faults around the console: a server that stops, a peer that says too much, a terminal that goes away, and
+// the console's own crash.
 
 #include <csignal>
 #include <cstdlib>
@@ -64,29 +64,6 @@ TEST(ServerFault, ALogThatNobodyReadsStopsNothing) {
     EXPECT_TRUE(console->shows("Last reading:    77.7"));
 }
 
-TEST(ServerFault, ASecondOneTakesADeadOnesSocketOnly) {
-    Station station;
-    auto counter = start_counter(station);
-    auto console = station.console();
-    ASSERT_TRUE(open_counter(*console));
-    for (const int state : {SIGCONT, SIGSTOP}) {  // one that does not answer is alive too
-        station.server().signal(state);
-        auto second = station.start("vesk.server", {});
-        EXPECT_EQ(second->wait_exit(), 1);
-        EXPECT_TRUE(says(*second, "another server is running there")) << second->err();
-    }
-    station.server().signal(SIGCONT);
-    report_reading(*counter, 77.7);
-    EXPECT_TRUE(console->shows("Last reading:    77.7"));
-
-    station.server().signal(SIGKILL);
-    EXPECT_TRUE(left_restored(*console));
-    auto heir = station.start("vesk.server", {});
-    ASSERT_TRUE(says(*heir, "listening on")) << heir->err();
-    auto again = station.console();
-    EXPECT_TRUE(is_up(*again));
-}
-
 // ---- peers
 
 // Everything that `from` has queued is on its way.
@@ -95,28 +72,6 @@ testing::AssertionResult all_sent(wire::End& from) {
         return testing::AssertionFailure() << from.unsent() << " bytes were not taken";
     if (from.ended()) return testing::AssertionFailure() << "the server hung up";
     return testing::AssertionSuccess();
-}
-
-TEST(PeerFault, OneThatNeverReadsIsDroppedAndTheRestGoOn) {
-    Station station({"--queue-bytes", "262144", "--stall-seconds", "0.5"});
-    auto counter = start_counter(station);
-    auto console = station.console();
-    ASSERT_TRUE(open_counter(*console));
-    auto deaf = station.peer({"--monitor"});
-    ASSERT_TRUE(deaf->wait_line({"MSG_CPC_3010_STATUS"}));
-    deaf->ignore_output(true);
-    wire::End talker(station.socket());
-    talker.send(wire::hello(FRAME_PEER_INSTRUMENT, "T11"));
-    for (int i = 0; i < 500; ++i)
-        talker.send(wire::message(MSG_LOG_MONITOR, 0, "CLIENT"));
-    EXPECT_TRUE(all_sent(talker));
-    EXPECT_TRUE(says(station.server(), "it does not read")) << station.server().err();
-    report_reading(*counter, 88.8);
-    EXPECT_TRUE(console->shows("Last reading:    88.8"));
-    const std::string& log = station.server().err();
-    EXPECT_EQ(log.find("disconnected"), log.rfind("disconnected")) << log;
-    deaf->ignore_output(false);
-    EXPECT_NE(deaf->wait_exit().value_or(0), 0) << "it learns of it when it looks";
 }
 
 TEST(PeerFault, AFloodStopsNeitherTheConsoleNorOthers) {

@@ -50,17 +50,4 @@ TEST(Replay, ShowsTheSameScreenAsTheStationDid) {
     EXPECT_TRUE(console->hides("Nephelometer"));
 }
 
-TEST(Replay, EndsWhenANameIsTaken) {
-    Station station;
-    auto counter = start_counter(station);
-    auto console = station.console();
-    ASSERT_TRUE(is_up(*console, "N"));
-    const std::string file = station.folder() / "recording";
-    write_file(file, R"({"time":1,"src":"N11","dest":"","flags":1,"msg":"MSG_TEST_ONE"})"
-                     "\n");
-    auto replay = station.peer({"--replay", file});
-    EXPECT_EQ(replay->wait_exit(), 2);
-    EXPECT_EQ(replay->err(), "PEER: N11: the server refused: name taken\n");
-}
-
 }  // namespace

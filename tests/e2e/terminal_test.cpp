@@ -117,17 +117,6 @@ TEST(TerminalLoss, EndsTheConsoleAndNobodyElse) {
     EXPECT_TRUE(open_counter(*other));
 }
 
-TEST(TerminalLoss, BothConsolesEndWhenTheServerDies) {
-    Station station;
-    auto first = station.console();
-    auto second = station.console();
-    ASSERT_TRUE(is_up(*first));
-    ASSERT_TRUE(is_up(*second));
-    station.server().signal(SIGKILL);
-    EXPECT_TRUE(left_restored(*first));
-    EXPECT_TRUE(left_restored(*second));
-}
-
 // The demo as it comes up, an hour of its time later. For the documents: writes the picture into the folder
 // that VESK_SCREENS names.
 TEST(Screens, DemoStationFillsTheScreen) {

@@ -1,17 +1,7 @@
-// What goes wrong for a new user, an old file or a broken peer: a clear error each time, nothing lost, and
-// nobody else disturbed.
-#include <sys/socket.h>
-#include <unistd.h>
-
-#include <cstring>
-#include <random>
+// What goes wrong for a new user or an old file: a clear error each time, and nothing lost.
 #include <sstream>
 
 #include "journey.h"
-#include "libvesk/link/frame.h"
-#include "libvesk/link/veskmsg.h"
-#include "libvesk/messages/records/cpc.h"
-#include "libvesk/messages/records/server.h"
 
 namespace {
 
@@ -119,87 +109,6 @@ TEST(WrongSettings, FileThatCannotBeReadOrWritten) {
             return console->find("is not a regular file") || console->find("No such file or directory");
         }));
     }
-}
-
-// ---------------------------------------------------------------- peers
-
-TEST(WrongPeer, GarbageOnTheSocketCostsOnlyItsSender) {
-    Station station;
-    auto counter = start_counter(station);
-    auto console = station.console();
-    ASSERT_TRUE(open_counter(*console));
-    std::mt19937 random(1);
-    for (int i = 0; i < 20; ++i) {
-        std::string garbage(1 + random() % 5000, '\0');
-        for (char& c : garbage)
-            c = static_cast<char>(random());
-        const int fd = connect_unix(station.socket());
-        ASSERT_GE(fd, 0);
-        EXPECT_GT(send(fd, garbage.data(), garbage.size(), MSG_NOSIGNAL), 0);
-        if (i % 2 == 0) shutdown(fd, SHUT_WR);
-        // The server hangs up by itself: the end of the stream, or a reset.
-        char byte = 0;
-        while (recv(fd, &byte, 1, 0) > 0) {
-        }
-        close(fd);
-    }
-    report_reading(*counter, 55.5);
-    EXPECT_TRUE(console->shows("Last reading:    55.5"));
-    EXPECT_TRUE(station.server().running());
-}
-
-template <class R>
-void add_message(FRAME_bytes* to, NETMSG_type type, const R& record, std::size_t size = sizeof(R)) {
-    const FRAME_span payload = std::as_bytes(std::span(&record, 1)).first(size);
-    FRAME_encode_message(to, {type, FRAME_TO_ALL, "", "", NETDSD_of<R>()->name, payload});
-}
-
-// What only a peer with a link of its own making can send.
-TEST(WrongPeer, WrongSizeIsDroppedAndTextWithoutTerminatorIsCut) {
-    Station station;
-    auto console = station.console();
-    ASSERT_TRUE(is_up(*console));
-    NET_SERVER_InstrumentInfo info{};
-    std::strcpy(info.type, "cpc_3010");
-    std::memset(info.display_name, 'X', sizeof info.display_name);
-    info.id_ch = 'N';
-    auto instant = NETDSD_default<NET_CPC_3010_Instant>();
-    FRAME_bytes bytes;
-    FRAME_encode_hello(&bytes, {FRAME_VERSION, FRAME_PEER_INSTRUMENT, "N11"});
-    add_message(&bytes, MSG_SERVER_INSTRUMENTINFO, info);
-    instant.concentration = 1;
-    add_message(&bytes, MSG_CPC_3010_INSTANT, instant);
-    instant.concentration = 2;
-    add_message(&bytes, MSG_CPC_3010_INSTANT, instant, sizeof instant - 1);
-
-    const int fd = connect_unix(station.socket());
-    ASSERT_GE(fd, 0);
-    ASSERT_EQ(send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
-    ASSERT_TRUE(is_up(*console, "N"));
-    console->alt('n');
-    EXPECT_TRUE(shows_all(*console, {std::string(29, 'X'), "Last reading:     1.0"}));
-    auto& server = station.server();
-    EXPECT_TRUE(server.wait_for([&] { return server.err().find("size") != std::string::npos; }))
-        << server.err();
-
-    // The sender keeps its link: what it sends next arrives.
-    bytes.clear();
-    instant.concentration = 3;
-    add_message(&bytes, MSG_CPC_3010_INSTANT, instant);
-    ASSERT_EQ(send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
-    EXPECT_TRUE(console->shows("Last reading:     3.0"));
-    close(fd);
-}
-
-TEST(WrongPeer, TextsCannotReachTheTerminalRaw) {
-    Station station;
-    auto instrument = station.peer({"--as", "N11"});
-    instrument->write_line(R"({"msg":"MSG_SERVER_INSTRUMENTINFO","payload":{"type":"cpc_3010",)"
-                           R"("display_name":"A\u001b[2JB\u0007C","id_ch":"N"}})");
-    auto console = station.console();
-    ASSERT_TRUE(is_up(*console, "N"));
-    console->alt('n');
-    EXPECT_TRUE(console->shows("A [2JB C"));
 }
 
 }  // namespace

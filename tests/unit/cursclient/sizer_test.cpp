@@ -77,21 +77,6 @@ class Sizers : public DisplayRig {
     }
 };
 
-TEST_F(Sizers, WithoutCommunicationsNothingElseShows) {
-    for (const char* type : {"grimm", "lasair", "sems", "ccn"}) {
-        announce("S11", type);
-        const std::string ident = type + std::string(":S11");
-        focus(ident.c_str());
-        for (const char mode : {'n', 't', 'h'}) {
-            press(mode);
-            std::string text = inside(ident.c_str());
-            EXPECT_EQ(text.find_first_not_of("\n "), text.find("NO COMMS\n")) << type << mode;
-            EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 12) << type << mode;
-        }
-        leave("S11");
-    }
-}
-
 // ---- the graph
 
 TEST_F(Sizers, BarsAreRoundedAndBinsThatAreNoNumbersLeftOut) {
@@ -281,23 +266,6 @@ TEST_F(Sizers, EachGraphKeyShowsTheUpwardThenTheDownwardSweep) {
         type(keys);
         EXPECT_EQ(caption_of(SEMS), caption) << keys;
     }
-}
-
-TEST_F(Sizers, TheSweepsGraphShowsSixtyBins) {
-    meet_sems();
-    get(MSG_SEMS_D, bins([](std::size_t i) { return 10 * static_cast<double>(i) + 10; }));
-    get(MSG_SEMS_DLOGD, all_bins(0.05));
-    get(MSG_SEMS_DN_UP, bins([](std::size_t i) { return i == 59 ? 1900.0 : 100.0; }));
-    get(MSG_SEMS_DN_DOWN, bins([](std::size_t i) { return i == 0 ? 1900.0 : 100.0; }));
-    EXPECT_EQ(bars(SEMS), std::string(7 + 59, '0') + 'i');
-    EXPECT_EQ(row(SEMS, 2), "3.8e+04" + std::string(59, ' ') + "#");
-    EXPECT_EQ(row(SEMS, 19), "2.0e+03" + std::string(59, ' ') + "#");
-    // Bins 0, 7, 14, 22, 29, 36, 44, 51, 59: the last label ends at the border.
-    EXPECT_EQ(row(SEMS, 20), "       10     80     150     230    300    370     450    520   600");
-    press('n');
-    EXPECT_EQ(bars(SEMS), std::string(7, '0') + 'i');
-    press('c');
-    EXPECT_EQ(row(SEMS, 2), "   7800" + std::string(59, ' ') + "#");
 }
 
 }  // namespace
