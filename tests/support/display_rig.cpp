@@ -1,41 +1,23 @@
-// What displays send goes no further than a list here; time stands still until a test moves it.
+// What displays send is read at the other end of the link; time stands still until a test moves it.
 #include "support/display_rig.h"
 
+#include <optional>
 #include <span>
 #include <utility>
 
 #include "cursclient/cursclient.h"
 #include "cursclient/display.h"
 #include "cursclient/displays_generated.h"
-#include "cursclient/kit/command.h"
 #include "libvesk/json/json_line.h"
-#include "libvesk/json/json_record.h"
 #include "libvesk/messages/records/server.h"
+#include "support/server_end.h"
 
 using ::testing::AnyOf;
 
 namespace {
 
 FTIME g_now = 0;
-std::vector<std::string> g_sent;
-
-// The monitor's way to write records shows every value of a message.
-BOOL note_sent(NETMSG_type msg, DWORD flags, const char* dest, const void* payload, std::size_t size,
-               const char* record) {
-    const NETMSG_entry* entry = NETMSG_by_type(msg);
-    std::string line = entry->name;
-    if (flags != 0) line += " flags " + std::to_string(flags);
-    if (dest != nullptr && *dest != '\0') line += std::string(" to ") + dest;
-    if (record != nullptr) {
-        EXPECT_EQ(entry->dsd, NETDSD_by_name(record)) << line << " travels with " << record;
-        EXPECT_EQ(entry->dsd->total_size, size) << line;
-        JSONREC_append_record(&(line += ' '), entry->dsd, payload);
-    } else {
-        EXPECT_EQ(size, 0u) << line;
-    }
-    g_sent.push_back(line);
-    return TRUE;
-}
+std::optional<ServerEnd> g_server;
 
 void cut_blanks(std::string* line) {
     line->erase(line->find_last_not_of(' ') + 1);
@@ -56,15 +38,14 @@ DisplayRig::DisplayRig(int lines, int cols) {
     start(lines, cols);
     set_time(START);
     UTIL_set_clock([] { return g_now; });
-    g_sent.clear();
-    COMMAND_set_sender(note_sent);
+    g_server.emplace();
     EXPECT_TRUE(DISPLAY_init());
 }
 
 DisplayRig::~DisplayRig() {
     DISPLAY_cleanup();
     DISPLAY_set_kinds(nullptr, 0);
-    COMMAND_set_sender(nullptr);
+    g_server.reset();
 }
 
 void DisplayRig::set_time(FTIME now) {
@@ -173,5 +154,5 @@ std::string DisplayRig::screen_text() {
 }
 
 std::vector<std::string> DisplayRig::take_sent() {
-    return std::exchange(g_sent, {});
+    return g_server->received();
 }

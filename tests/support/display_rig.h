@@ -61,7 +61,6 @@ class DisplayRig : public ConsoleTest {
     // The whole screen, dialogs included.
     static std::string screen_text();
 
-    // What displays sent since the last call, a line each: "MSG_LOG_FLUSH flags 1" for all, "MSG_MAAP_ADVANCE
-    // to A82" for one instrument; with a record, its values in order follow as JSON.
+    // What the console sent since the last call; ServerEnd::received says how it is written.
     static std::vector<std::string> take_sent();
 };

@@ -1,8 +1,6 @@
-// The server's end of the console's link, in the same process: what the console sends is read back as frames.
+// The server's end of the console's link, in the same process: what the console sends is read back.
 #pragma once
 
-#include <cstdint>
-#include <iosfwd>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,19 +15,9 @@ class ServerEnd {
     ServerEnd(const ServerEnd&) = delete;
     ServerEnd& operator=(const ServerEnd&) = delete;
 
-    struct Sent {
-        int type;
-        std::uint32_t flags;
-        std::string dest;
-        std::string record;
-        std::vector<std::uint8_t> payload;
-        bool operator==(const Sent&) const = default;
-        friend std::ostream& operator<<(std::ostream& out, const Sent& s);
-    };
-    // Frames for the console; no more at a time than the socket holds.
-    void send(FRAME_span frames);
-    // Everything that the console sent since the last call.
-    std::vector<Sent> received();
+    // Everything that the console sent since the last call, a line each: "MSG_LOG_FLUSH flags 1" for all,
+    // "MSG_MAAP_ADVANCE to A82" for one instrument; with a record, its values in order follow as JSON.
+    std::vector<std::string> received();
 
   private:
     TemporaryFolder folder_;

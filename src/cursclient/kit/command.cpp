@@ -21,8 +21,6 @@ struct pending {
 };
 static_assert(std::is_trivially_copyable_v<pending>);
 
-COMMAND_sender g_sender = nullptr;
-
 void run_now(DWORD uid, const COMMAND_action& action) {
     auto* pd = COMMAND_display<INSTDISP_head>(uid);
     if (pd != nullptr) action.call(pd, uid, action.context);
@@ -64,12 +62,7 @@ void COMMAND_run(DWORD uid, COMMAND_action action, COMMAND_guard guard) {
 
 bool COMMAND_queue(NETMSG_type msg, DWORD flags, const char* dest, const void* payload, std::size_t size,
                    const char* record) {
-    if (g_sender != nullptr) return g_sender(msg, flags, dest, payload, size, record);
     return VESKMSG_queue_message(&g_lnk.msg_lnk, msg, flags, dest, payload, size, record);
-}
-
-void COMMAND_set_sender(COMMAND_sender sender) {
-    g_sender = sender;
 }
 
 bool COMMAND_send(const INSTDISP_head* pd, NETMSG_type msg) {

@@ -39,12 +39,9 @@ void COMMAND_run(DWORD uid, COMMAND_action action, COMMAND_guard guard);
 
 // To the instrument alone, without a record or with one.
 bool COMMAND_send(const INSTDISP_head* pd, NETMSG_type msg);
-// As VESKMSG_queue_message on the console's link. Tests replace the way out; null restores it.
-using COMMAND_sender = BOOL (*)(NETMSG_type msg, DWORD flags, const char* dest, const void* payload,
-                                std::size_t size, const char* record);
+// As VESKMSG_queue_message on the console's link.
 bool COMMAND_queue(NETMSG_type msg, DWORD flags, const char* dest, const void* payload, std::size_t size,
                    const char* record);
-void COMMAND_set_sender(COMMAND_sender sender);
 
 // The action of a command without a value.
 template <NETMSG_type MSG, class R>

@@ -30,19 +30,17 @@ class Dialog : public ConsoleTest {
 
 TEST_F(Dialog, SetLoggingIsGuarded) {
     ServerEnd server;
-    const auto state_of = [](const char* dest, std::uint8_t logging) {
-        return ServerEnd::Sent{MSG_LOG_SET_STATE, 1, dest, "NET_LOG_SetState", {logging}};
-    };
     press_logging(TRUE, "N11");
     press_logging(FALSE, "");
-    EXPECT_THAT(server.received(), ElementsAre(state_of("N11", 1), state_of("", 0)));
+    EXPECT_THAT(server.received(), ElementsAre(R"(MSG_LOG_SET_STATE flags 1 to N11 {"enable":true})",
+                                               R"(MSG_LOG_SET_STATE flags 1 {"enable":false})"));
     UTIL_strcpynt(g_passwd, "abc");
     press_logging(TRUE, "N11");
     type("wrong\r");
     EXPECT_FALSE(CURSDIALOG_active());
     press_logging(FALSE, "N11");
     type("abc\r");
-    EXPECT_THAT(server.received(), ElementsAre(state_of("N11", 0)));
+    EXPECT_THAT(server.received(), ElementsAre(R"(MSG_LOG_SET_STATE flags 1 to N11 {"enable":false})"));
 }
 
 }  // namespace

@@ -16,12 +16,10 @@
 #include "libveskcurs/cursdialog.h"
 #include "libveskcurs/curskeys.h"
 #include "support/console.h"
-#include "support/server_end.h"
 
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::Not;
 
 namespace {
@@ -233,28 +231,6 @@ TEST_F(MainMenu, ClientOptions) {
     press('\r');
     type("abc\r");
     EXPECT_THAT(look(), HasSubstr("Set password"));
-}
-
-TEST_F(MainMenu, DiskOperations) {
-    ServerEnd server;
-    UTIL_set_clock([] { return 1700000000.75; });
-    const ServerEnd::Sent flush{MSG_LOG_FLUSH, 1, "", "", {}};
-    const ServerEnd::Sent switch_files{
-        MSG_LOG_SWITCHFILES, 1, "", "NET_LOG_SwitchFiles", {0x00, 0xF1, 0x53, 0x65}};  // 1700000000
-    const auto start_new_files = [] { press({CURSKEYS_CTRL_D, CURSKEYS_TAB, '\r'}); };
-    start_new_files();
-    EXPECT_THAT(server.received(), ElementsAre(switch_files)) << "no password, no question";
-    UTIL_strcpynt(g_passwd, "abc");
-    start_new_files();
-    type("ABC\r");
-    press({CURSKEYS_CTRL_D, CURSKEYS_TAB, CURSKEYS_TAB, '\r'});
-    EXPECT_FALSE(CURSDIALOG_active());
-    EXPECT_THAT(server.received(), IsEmpty()) << "a wrong password, and the button that only closes";
-    start_new_files();
-    type("abc\r");
-    choose("Disk operations");
-    press('\r');
-    EXPECT_THAT(server.received(), ElementsAre(switch_files, flush)) << "flushing is not guarded";
 }
 
 }  // namespace
