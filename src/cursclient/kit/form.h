@@ -113,7 +113,7 @@ template <class T>
 template <class T, class Step, class... Rest>
 [[nodiscard]] constexpr auto* FORM_member(T* t, Step step, Rest... rest) {
     if constexpr (std::is_integral_v<Step>)
-        return FORM_member(&(*t)[step], rest...);
+        return FORM_member(*t + step, rest...);
     else
         return FORM_member(&(t->*step), rest...);
 }
