@@ -14,6 +14,7 @@
 #include "cursclient/debug.h"
 #include "cursclient/display.h"
 #include "cursclient/mainmenu.h"
+#include "cursclient/overview.h"
 #include "cursclient/passwd.h"
 #include "cursclient/status.h"
 #include "cursclient/wins.h"
@@ -65,6 +66,7 @@ static_assert(STAGE_COUNT == 10);
 
 void atexit_cleanup() {
     UTIL_atexit_set_signal_mask();
+    OVERVIEW_cleanup();
     for (int s = STAGE_COUNT; s > STAGE_LINK; --s)
         if (g_sys_init >= s) STAGES[s - STAGE_LINK - 1].cleanup();
     // Only now that curses has given the terminal back can captured text be shown on it.
@@ -177,6 +179,7 @@ void proc_arguments(int argc, char** argv) {
 }
 
 void message_proc(VESKMSG_proc_msg* pm, void* /*param*/) {
+    OVERVIEW_message(pm);
     if (!DEBUG_handle_message(pm)) DISPLAY_handle_message(pm);
 }
 
@@ -192,6 +195,7 @@ void distribute_key(int key) {
     }
     if (CURSDIALOG_keypress(key)) return;
     if (WINS_keypress(key)) return;
+    if (OVERVIEW_keypress(key)) return;
     if (DEBUG_keypress(key)) return;
     if (DISPLAY_distribute_keypress(key)) return;
     MAINMENU_keypress(key);
@@ -204,6 +208,7 @@ void redraw() {
     MAINMENU_update();
     CURSDIALOG_update();
     DISPLAY_update();
+    OVERVIEW_update();
     DEBUG_update();
     update_panels();
     WINSCREEN_update();
