@@ -278,6 +278,7 @@ TEST_F(Documents, EveryKeyOfTheManualDoesSomething) {
         {"Ctrl-E", CURSKEYS_CTRL_E},
         {"Ctrl-W", CURSKEYS_CTRL_W},
         {"F1", KEY_F(1)},
+        {"F2", KEY_F(2)},
         {"Ctrl-H", 8},
         {"F12", KEY_F(12)},
         {"M", 'M'},
