@@ -271,7 +271,7 @@ CURSDIALOG_widget* add_row(CURSDIALOG_type* dlg, const form_state& f, std::size_
         case FORM_PICK:
             return button(choice_label(f, i), pick_pressed, CURSDIALOG_STYLE_LIST);
         case FORM_BUTTON:
-            return button(row.label, row.only_closes ? CURSDIALOG_DEFAULT_button_close : send_pressed,
+            return button(row.label, f.body->sends(i) ? send_pressed : CURSDIALOG_DEFAULT_button_close,
                           CURSDIALOG_STYLE_ROW);
         case FORM_NOTE:
             return CURSDIALOG_add_label(dlg, row.x, y, 0, 0,
@@ -305,6 +305,7 @@ void FORM_show(const FORM_body& body, DWORD uid, const void* values, std::size_t
         if (i == 0 || body.row(i).x <= body.row(i - 1).x) ++y;
         f->widgets.push_back(add_row(dlg, *f, i, y));
     }
-    CURSDIALOG_widget* last = body.has_ending ? add_ending(dlg, body, y + 1 + body.gap) : f->widgets.back();
+    CURSDIALOG_widget* last =
+        body.sends(body.n_rows) ? add_ending(dlg, body, y + 1 + body.gap) : f->widgets.back();
     CURSDIALOG_force_widget_focus(dlg, body.focuses_first_row ? f->widgets.front() : last);
 }

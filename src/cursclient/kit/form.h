@@ -101,7 +101,6 @@ struct FORM_row {
     const char* second_label = nullptr;  // FORM_check::pressed_label; the title of the list of FORM_PICK
     std::span<const FORM_choice> choices = {};
     std::string (*button_of)(double value) = nullptr;
-    bool only_closes = false;  // FORM_BUTTON
 };
 
 // ---- the way to a member, by addresses alone: doubles of wire records are not aligned
@@ -244,7 +243,6 @@ struct FORM {
         r.x = x;
         r.width = width;
         r.send = send;
-        r.only_closes = send == nullptr;
         return r;
     }
 
@@ -288,8 +286,9 @@ struct FORM_body {
     const FORM_row& (*row)(std::size_t i);
     std::vector<FORM_listed> (*choices_of)(std::size_t i, const void* pd);
     std::string (*note_of)(std::size_t i, const void* pd);
-    void (*send)(std::size_t i, void* pd, const void* values);  // of a button's row; n_rows: of the ending
-    bool has_ending;
+    // Of a button's row, or, for n_rows, of the ending; without `sends` that only closes, or is not there.
+    bool (*sends)(std::size_t i);
+    void (*send)(std::size_t i, void* pd, const void* values);
     const char* ok;
     int ok_width, cancel_width, gap;
     bool focuses_first_row;
@@ -300,41 +299,46 @@ struct FORM_body {
 void FORM_show(const FORM_body& body, DWORD uid, const void* values, std::size_t size);
 
 template <const auto& form, class R, class V>
-inline constexpr FORM_body FORM_body_of{
-    .title = form.title,
-    .n_rows = form.rows.size(),
-    .row = [](std::size_t i) -> const FORM_row& { return form.rows[i]; },
-    .choices_of = [](std::size_t i, const void* pd) -> std::vector<FORM_listed> {
-        const auto& row = form.rows[i];
-        if (row.choices_of != nullptr && pd != nullptr) return row.choices_of(static_cast<const R*>(pd));
-        std::vector<FORM_listed> all;
-        for (const FORM_choice& choice : row.choices)
-            all.push_back({choice.value, choice.label});
-        return all;
-    },
-    .note_of = [](std::size_t i, const void* pd) -> std::string {
-        const auto& row = form.rows[i];
-        return row.note_of != nullptr && pd != nullptr ? row.note_of(static_cast<const R*>(pd)) : row.label;
-    },
-    .send =
-        [](std::size_t i, void* pd, const void* values) {
-            const auto send = i < form.rows.size() ? form.rows[i].send : form.send;
-            if (send != nullptr) send(static_cast<R*>(pd), *static_cast<const V*>(values));
+[[nodiscard]] const FORM_body& FORM_body_of() {
+    static const FORM_body body{
+        .title = form.title,
+        .n_rows = form.rows.size(),
+        .row = [](std::size_t i) -> const FORM_row& { return form.rows[i]; },
+        .choices_of = [](std::size_t i, const void* pd) -> std::vector<FORM_listed> {
+            const auto& row = form.rows[i];
+            if (row.choices_of != nullptr && pd != nullptr) return row.choices_of(static_cast<const R*>(pd));
+            std::vector<FORM_listed> all;
+            for (const FORM_choice& choice : row.choices)
+                all.push_back({choice.value, choice.label});
+            return all;
         },
-    .has_ending = form.send != nullptr,
-    .ok = form.ok,
-    .ok_width = form.ok_width,
-    .cancel_width = form.cancel_width != 0 ? form.cancel_width : form.ok_width,
-    .gap = form.gap,
-    .focuses_first_row = form.focuses_first_row,
-    .no_memory = form.no_memory,
-    .trusts_start_values = form.trusts_start_values};
+        .note_of = [](std::size_t i, const void* pd) -> std::string {
+            const auto& row = form.rows[i];
+            return row.note_of != nullptr && pd != nullptr ? row.note_of(static_cast<const R*>(pd))
+                                                           : row.label;
+        },
+        .sends =
+            [](std::size_t i) { return (i < form.rows.size() ? form.rows[i].send : form.send) != nullptr; },
+        .send =
+            [](std::size_t i, void* pd, const void* values) {
+                const auto send = i < form.rows.size() ? form.rows[i].send : form.send;
+                send(static_cast<R*>(pd), *static_cast<const V*>(values));
+            },
+        .ok = form.ok,
+        .ok_width = form.ok_width,
+        .cancel_width = form.cancel_width != 0 ? form.cancel_width : form.ok_width,
+        .gap = form.gap,
+        .focuses_first_row = form.focuses_first_row,
+        .no_memory = form.no_memory,
+        .trusts_start_values = form.trusts_start_values};
+    return body;
+}
 
 template <const auto& form, class R, class V>
 void FORM_open_typed(R* pd, DWORD uid, const FORM<R, V>* /*its types*/) {
     V values{};
     if (form.read != nullptr && !form.read(pd, &values)) return;
-    FORM_show(FORM_body_of<form, R, V>, uid, &values, sizeof values);
+    FORM_show(FORM_body_of<form, R, V>(), uid, &values, sizeof values);
 }
 // The action that opens a form: of a menu's row, or for COMMAND_run.
 template <const auto& form, class R>
