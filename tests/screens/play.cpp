@@ -32,24 +32,9 @@ int key_named(std::string_view name) {
     return 0;
 }
 
-void append_utf8(std::string* text, wchar_t wide) {
-    const auto c = static_cast<unsigned>(wide);
-    if (c < 0x80) {
-        *text += static_cast<char>(c);
-        return;
-    }
-    if (c < 0x800) {
-        *text += static_cast<char>(0xC0 | c >> 6);
-    } else {
-        *text += static_cast<char>(0xE0 | c >> 12);
-        *text += static_cast<char>(0x80 | (c >> 6 & 0x3F));
-    }
-    *text += static_cast<char>(0x80 | (c & 0x3F));
-}
-
 std::string utf8(wchar_t c) {
     std::string text;
-    append_utf8(&text, c);
+    append_utf8(&text, static_cast<std::uint32_t>(c));
     return text;
 }
 
@@ -265,7 +250,7 @@ ScreenPlay::Row ScreenPlay::row_of_screen(int y) {
         const wchar_t told = look.bold && look.pair == CP_YELLOW_BLUE ? heavy(c) : c;
         if (told == L'┏' || told == L'┗') in_border = true;
         if (told == L'┓' || told == L'┛') in_border = false;
-        append_utf8(&row.text, told);
+        append_utf8(&row.text, static_cast<std::uint32_t>(told));
         row.looks += told != c ? ' ' : letter_of(look, c, in_border);
     }
     cut_blanks(&row.text);

@@ -176,3 +176,20 @@ std::string draw_picture(TerminalSize size, const std::function<TerminalCell(int
                          std::string_view title) {
     return Picture(size, cell).draw(title);
 }
+
+void append_utf8(std::string* text, std::uint32_t c) {
+    const auto put = [text](std::uint32_t byte) { text->push_back(static_cast<char>(byte)); };
+    if (c < 0x80) return put(c);
+    if (c < 0x800) {
+        put(0xC0 | c >> 6);
+    } else {
+        if (c < 0x10000) {
+            put(0xE0 | c >> 12);
+        } else {
+            put(0xF0 | c >> 18);
+            put(0x80 | (c >> 12 & 0x3F));
+        }
+        put(0x80 | (c >> 6 & 0x3F));
+    }
+    put(0x80 | (c & 0x3F));
+}

@@ -34,3 +34,6 @@ enum TerminalColor : std::uint32_t {
 [[nodiscard]] std::string draw_picture(TerminalSize size,
                                        const std::function<TerminalCell(int row, int col)>& cell,
                                        std::string_view title);
+
+// Appends a character as UTF-8.
+void append_utf8(std::string* text, std::uint32_t c);

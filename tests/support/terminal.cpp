@@ -21,23 +21,6 @@
 
 namespace {
 
-void append_utf8(std::string& to, std::uint32_t c) {
-    const auto put = [&](std::uint32_t byte) { to.push_back(static_cast<char>(byte)); };
-    if (c < 0x80) return put(c);
-    if (c < 0x800) {
-        put(0xC0 | c >> 6);
-    } else {
-        if (c < 0x10000) {
-            put(0xE0 | c >> 12);
-        } else {
-            put(0xF0 | c >> 18);
-            put(0x80 | (c >> 12 & 0x3F));
-        }
-        put(0x80 | (c >> 6 & 0x3F));
-    }
-    put(0x80 | (c & 0x3F));
-}
-
 std::size_t columns(std::string_view utf8) {
     const auto continues = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; };
     return utf8.size() - static_cast<std::size_t>(std::count_if(utf8.begin(), utf8.end(), continues));
@@ -203,7 +186,7 @@ std::string Terminal::Impl::row(int y) const {
     for (int x = 0; x < size.cols; ++x) {
         VTermScreenCell cell;
         if (vterm_screen_get_cell(screen, {y, x}, &cell) == 0) break;
-        append_utf8(result, cell.chars[0] == 0 || cell.chars[0] > 0x10FFFF ? ' ' : cell.chars[0]);
+        append_utf8(&result, cell.chars[0] == 0 || cell.chars[0] > 0x10FFFF ? ' ' : cell.chars[0]);
     }
     return result;
 }
@@ -382,7 +365,7 @@ TerminalCell Terminal::cell(int row, int col) const {
     vterm_screen_convert_color_to_rgb(impl_->screen, &cell.fg);
     vterm_screen_convert_color_to_rgb(impl_->screen, &cell.bg);
     TerminalCell result;
-    append_utf8(result.text, cell.chars[0] == 0 ? ' ' : cell.chars[0]);
+    append_utf8(&result.text, cell.chars[0] == 0 ? ' ' : cell.chars[0]);
     result.bold = cell.attrs.bold != 0;
     result.reverse = cell.attrs.reverse != 0;
     result.fg = packed(result.reverse ? cell.bg : cell.fg);
