@@ -1,5 +1,6 @@
 #!/bin/sh
-# Installs the Debian packages that a job needs and that are not there yet; does nothing when all are.
+# Installs the Debian packages that a job needs and that are not there yet; does nothing when all are. What the
+# package manager says goes to build/setup.log.
 #
 #   scripts/setup.sh [build|test|dev|fuzz|package]
 #
@@ -30,7 +31,9 @@ for package in $wanted; do
 done
 [ -n "$missing" ] || exit 0
 
-echo "Installing:$missing"
+log=$(cd "$(dirname "$0")/.." && pwd)/build/setup.log
+mkdir -p "${log%/*}"
+echo "Installing:$missing (what apt-get says: $log)"
 as_root=
 if [ "$(id -u)" -ne 0 ]; then
     command -v sudo >/dev/null || {
@@ -39,6 +42,12 @@ if [ "$(id -u)" -ne 0 ]; then
     }
     as_root=sudo
 fi
-$as_root apt-get update -qq </dev/null
 # shellcheck disable=SC2086  # a list of packages, to be split
-$as_root env DEBIAN_FRONTEND=noninteractive apt-get install -qq -y --no-install-recommends $missing </dev/null
+{
+    $as_root apt-get update &&
+        $as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends $missing
+} </dev/null >"$log" 2>&1 || {
+    tail -n 20 "$log" >&2
+    echo "setup.sh: could not install:$missing (all of it: $log)" >&2
+    exit 1
+}

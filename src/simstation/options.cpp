@@ -52,6 +52,8 @@ void declare(CLI::App& app, SIM_options* o, raw_options* raw) {
     CMDLINE_number(app, "--speed", &o->speed, {0.01, 10000}, "Simulated seconds per second");
     CMDLINE_number(app, "--start", &o->start, {0, 2e9},
                    "Simulated time at the start, seconds since 1970; default: now");
+    CMDLINE_number(app, "--warm-up", &o->warm_up, {0, 86400},
+                   "Simulated seconds that the instruments have run when they connect");
     CMDLINE_number(app, "--average", &o->settings.average_seconds, {1, 86400},
                    "Length of averages in seconds");
     app.add_option("--scenario", raw->scenario, "File of timed events");

@@ -17,6 +17,7 @@ struct SIM_options {
     std::vector<SIM_event> scenario;
     double speed = 1;            // simulated seconds per second
     FTIME start = VESK_NO_TIME;  // simulated time at the start; -1 for now
+    double warm_up = 0;          // simulated seconds that all have run before they announce themselves
     BOOL quiet = FALSE;
 };
 

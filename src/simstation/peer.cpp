@@ -40,6 +40,7 @@ void SIM_peer::pump(const receiver& receive) {
 }
 
 void SIM_peer::send(const SIM_message& message) {
+    if (muted_) return remember(message);
     if (state() != VESKMSG_S_OPEN) return;  // the station sees it and ends
     if (message.instant) return hold(message);
     send_readings();  // nothing overtakes what was said before
@@ -49,6 +50,24 @@ void SIM_peer::send(const SIM_message& message) {
                           has_payload ? message.dsd->name : nullptr);
 }
 
+void SIM_peer::remember(const SIM_message& message) {
+    if ((message.flags & FRAME_KEEP) == 0) return;
+    const char* const bytes = static_cast<const char*>(message.payload);
+    std::vector<char> payload(bytes, bytes + message.dsd->total_size);
+    const auto before =
+        std::find_if(kept_.begin(), kept_.end(), [&](const reading& r) { return r.msg == message.msg; });
+    if (before != kept_.end()) {
+        before->payload = std::move(payload);
+    } else {
+        kept_.push_back({message.msg, message.flags, message.dsd, std::move(payload)});
+    }
+}
+
+void SIM_peer::unmute() {
+    muted_ = FALSE;
+    send_all(kept_);
+}
+
 void SIM_peer::hold(const SIM_message& message) {
     const char* const bytes = static_cast<const char*>(message.payload);
     std::erase_if(readings_, [&](const reading& r) { return r.msg == message.msg; });
@@ -56,8 +75,11 @@ void SIM_peer::hold(const SIM_message& message) {
 }
 
 void SIM_peer::send_readings() {
-    if (state() != VESKMSG_S_OPEN) return;
-    for (const reading& r : readings_)
+    if (state() == VESKMSG_S_OPEN) send_all(readings_);
+}
+
+void SIM_peer::send_all(std::vector<reading>& messages) {
+    for (const reading& r : messages)
         VESKMSG_queue_message(&link_, r.msg, r.flags, "", r.payload.data(), r.payload.size(), r.dsd->name);
-    readings_.clear();
+    messages.clear();
 }

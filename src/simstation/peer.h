@@ -26,8 +26,15 @@ class SIM_peer : public SIM_sink {
     // Readings wait here until nothing newer can come in this pass; then they leave.
     void send_readings();
 
+    // While it is muted nothing leaves and nothing is logged. What late joiners must know waits: the latest
+    // of each type, as the server keeps it, leaves when it is muted no more.
+    void mute() { muted_ = TRUE; }
+    void unmute();
+
     void send(const SIM_message& message) override;
-    void log(const std::string& line) override { log_(line); }
+    void log(const std::string& line) override {
+        if (!muted_) log_(line);
+    }
 
   private:
     struct reading {
@@ -37,10 +44,14 @@ class SIM_peer : public SIM_sink {
         std::vector<char> payload;
     };
     void hold(const SIM_message& message);
+    void remember(const SIM_message& message);
+    void send_all(std::vector<reading>& messages);
 
     VESKMSG_link link_;
     std::string name_;
     std::string host_;
     std::function<void(const std::string&)> log_;
+    BOOL muted_ = FALSE;
+    std::vector<reading> kept_;      // while it is muted, in the order in which they came first
     std::vector<reading> readings_;  // the latest of each type, in the order in which they will leave
 };

@@ -20,6 +20,25 @@ double number_of(const std::string& text) {
     return UTIL_parse_number(text, &value) ? value : std::numeric_limits<double>::quiet_NaN();
 }
 
+struct wrong_number {
+    const NETDSD_field* field = nullptr;  // null for none
+    double value = 0;
+};
+
+// The first number of a record that is out of its member's range. A missing one is in it: it stands for
+// "unchanged" where that is possible.
+wrong_number first_out_of_range(const NETDSD_entry* dsd, const void* record) {
+    wrong_number found;
+    NETDSD_for_each_leaf(dsd, [&](const NETDSD_field& f, std::size_t at) {
+        if (!f.has_range || found.field != nullptr) return;
+        const double value = NETDSD_visit_type(f.ft, [&]<class T>(std::type_identity<T>) {
+            return static_cast<double>(NETDSD_load<T>(static_cast<const char*>(record) + at));
+        });
+        if (!VESK_is_missing(value) && !(value >= f.min && value <= f.max)) found = {&f, value};
+    });
+    return found;
+}
+
 }  // namespace
 
 SIM_value::SIM_value(std::string_view t) : text(t), number(number_of(text)) {}
@@ -95,7 +114,12 @@ BOOL SIM_instrument::take(const VESKMSG_proc_msg* pm) {
     }
     const SIM_decl& dcl = *member_.kind->dcl;
     if (dcl.hear != nullptr && dcl.hear(state_.get(), *this, pm)) return TRUE;
-    return comms_ && dcl.command != nullptr && dcl.command(state_.get(), *this, pm);
+    if (!comms_ || dcl.command == nullptr) return FALSE;
+    const auto [field, value] = pm->dsd != nullptr ? first_out_of_range(pm->dsd, pm->pds) : wrong_number{};
+    if (field == nullptr) return dcl.command(state_.get(), *this, pm);
+    // What is said to all may be another's own numbers.
+    return pm->dest_name == name() && refuse(pm->msg->name, "%g is not within %g to %g (%s)", value,
+                                             field->min, field->max, field->comment);
 }
 
 void SIM_instrument::set_logging(BOOL logging) {

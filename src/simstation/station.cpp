@@ -72,7 +72,9 @@ class station {
 
   private:
     BOOL connect_all();
+    void warm_up();
     void loop();
+    [[nodiscard]] FTIME start() const { return options_.start < 0 ? UTIL_ftime() : options_.start; }
     void tick();
     void play(const SIM_event& event);
     void leave(seat& s);
@@ -85,7 +87,7 @@ class station {
 
     const SIM_options& options_;
     SIM_world world_;
-    const FTIME start_;  // simulated
+    FTIME start_ = 0;  // simulated; events count from it
     std::function<void(const std::string&)> log_;
     SIM_peer logger_peer_;
     SIM_logger logger_;
@@ -104,8 +106,7 @@ std::vector<std::string> names_of(const std::vector<SIM_member>& members) {
 
 station::station(const SIM_options& options)
     : options_(options),
-      world_(options.settings, options.start < 0 ? UTIL_ftime() : options.start),
-      start_(world_.now),
+      world_(options.settings, start()),
       log_([this](const std::string& line) {
           if (options_.quiet) return;
           // Texts of scenarios may be any bytes.
@@ -220,6 +221,26 @@ void station::play(const SIM_event& event) {
     }
 }
 
+// What has happened when the station begins to speak. It takes a while, and the clock of a station in real
+// time must be right afterwards.
+void station::warm_up() {
+    constexpr int TICKS_PER_PUMP = 100;
+    world_ = SIM_world(options_.settings, start() - options_.warm_up);
+    for (const auto& s : seats_) {
+        s->peer.mute();
+        s->instrument.join();
+    }
+    for (int i = 1; world_.now + SIM_world::TICK <= start() && !UTIL_exit_poll(); ++i) {
+        world_.advance();
+        for (const auto& s : seats_)
+            s->instrument.tick();
+        if (i % TICKS_PER_PUMP == 0) pump();
+    }
+    for (const auto& s : seats_)
+        s->peer.unmute();
+    start_ = world_.now;
+}
+
 void station::tick() {
     world_.advance();
     while (next_event_ < options_.scenario.size() && options_.scenario[next_event_].at <= world_.now - start_)
@@ -246,8 +267,7 @@ void station::loop() {
 
 int station::run() {
     if (!connect_all()) return exit_code_;
-    for (const auto& s : seats_)
-        s->instrument.join();
+    warm_up();
     log_(options_.name + ": " + std::to_string(seats_.size()) + " instruments connected");
     loop();
     if (exit_code_ != 0) return exit_code_;

@@ -13,14 +13,29 @@ std::string windows(const Terminal& console) {
     return text;
 }
 
-const ConsoleOptions CONSOLE{.arguments = {"-c", VESK_DEMO_CONF}, .size = {32, 92}};
+const std::string THREE_WINDOWS = R"(
+Windows;neph:N11;XPos = 1
+Windows;neph:N11;YPos = 1
+Windows;neph:N11;Visible = TRUE
+Windows;aethalometer:A81;XPos = 2
+Windows;aethalometer:A81;YPos = 20
+Windows;aethalometer:A81;Visible = TRUE
+Windows;cpc_3010:N61;XPos = 59
+Windows;cpc_3010:N61;YPos = 2
+Windows;cpc_3010:N61;Visible = TRUE
+)";
+
+std::unique_ptr<Terminal> open_console(Station& station) {
+    write_file(station.settings_file(), THREE_WINDOWS);
+    return station.console({.arguments = {}, .size = {32, 92}});
+}
 
 TEST(Replay, ShowsTheSameScreenAsTheStationDid) {
     Station station;
     auto monitor = station.peer({"--monitor"});
     auto simulated =
         station.simstation({"--kinds", "neph,aethalometer,cpc_3010", "--speed", "60", "--seed", "3"});
-    auto live = station.console(CONSOLE);
+    auto live = open_console(station);
     for (int block = 0; block < 4; ++block)
         ASSERT_TRUE(monitor->wait_line({"MSG_CPC_3010_AVERAGE"}));
     simulated->signal(SIGSTOP);
@@ -30,7 +45,7 @@ TEST(Replay, ShowsTheSameScreenAsTheStationDid) {
     ASSERT_TRUE(monitor->wait_line({"MSG_LOG_FLUSH"}));
 
     Station stage;
-    auto console = stage.console(CONSOLE);
+    auto console = open_console(stage);
     ASSERT_TRUE(is_up(*console));
     auto replay = stage.peer({"--replay", "-", "--speed", "20"});
     ASSERT_TRUE(replay->write(monitor->out())) << replay->err();

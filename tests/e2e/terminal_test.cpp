@@ -1,7 +1,6 @@
 // The console and its terminal: kinds of terminals, and how it is left however the console ends.
 #include <cctype>
 #include <csignal>
-#include <fstream>
 
 #include "journey.h"
 
@@ -115,28 +114,6 @@ TEST(TerminalLoss, EndsTheConsoleAndNobodyElse) {
     EXPECT_TRUE(lost->exits_with(0));
     auto counter = start_counter(station);
     EXPECT_TRUE(open_counter(*other));
-}
-
-// The demo as it comes up, an hour of its time later. For the documents: writes the picture into the folder
-// that VESK_SCREENS names.
-TEST(Screens, DemoStationFillsTheScreen) {
-    Station station;
-    auto simulated = station.simstation({"--speed", "300", "--seed", "3"});
-    auto console = station.console({.arguments = {"-c", VESK_DEMO_CONF}, .size = {32, 92}});
-    ASSERT_TRUE(is_up(*console));
-    for (const char* title : {"Nephelometer", "Aethalometer", "TSI 3010 CPC"})
-        EXPECT_TRUE(console->shows(title));
-    const auto settled = [&] {
-        const std::string text = console->text();
-        const auto has = [&](const char* part) { return text.find(part) != std::string::npos; };
-        return has("Last Average:") && !has("-.-") && !has("NO COMMS") && !has("LASER/TEMP");
-    };
-    ASSERT_TRUE(console->wait_for(settled, "values in every window, and no warnings"));
-    if (const char* folder = std::getenv("VESK_SCREENS")) {
-        std::ofstream file(std::string(folder) + "/console.svg");
-        file << console->svg("vesk.cursclient");
-        EXPECT_TRUE(file.flush().good()) << "cannot write to " << folder;
-    }
 }
 
 }  // namespace

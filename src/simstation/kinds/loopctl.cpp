@@ -1,7 +1,6 @@
 // The hardware loop controllers: each channel is a heated or cooled body that follows its set point with a
 // lag of its own.
 #include <array>
-#include <cmath>
 
 #include "libvesk/messages/records/loopctl.h"
 #include "libvesk/support/util.h"
@@ -22,12 +21,6 @@ class loop {
         pv = actual_ + sim.noise().normal(0, 0.05);
         running.add(sim.time(), pv);
         block.add(pv);
-    }
-    // FALSE for what no controller of this kind can keep.
-    BOOL set(double setpoint) {
-        if (!(std::abs(setpoint) < 1000) || VESK_is_missing(setpoint)) return FALSE;
-        sp = setpoint;
-        return TRUE;
     }
     double take_average() {
         const double mean = block.mean();
@@ -86,7 +79,8 @@ struct lovepid {
         if (set == nullptr) return FALSE;
         for (std::size_t i = 0; i < SLOTS; ++i) {
             if (ADDRS[i] != set->addr) continue;
-            if (!loops[i].set(set->sp)) return sim.refuse("set point", "%g is no temperature", +set->sp);
+            if (VESK_is_missing(set->sp)) return sim.refuse("set point", "no number");
+            loops[i].sp = set->sp;
             sim.log("controller %x: set point %.2f", static_cast<unsigned>(set->addr), loops[i].sp);
             say_setpoints(sim);
             return TRUE;
@@ -149,7 +143,8 @@ struct watlow {
         if (set == nullptr) return FALSE;
         if (set->chan != 'A' && set->chan != 'B') return sim.refuse("set point", "the channels are A and B");
         loop& l = set->chan == 'A' ? a : b;
-        if (!l.set(set->val)) return sim.refuse("set point", "%g is no temperature", +set->val);
+        if (VESK_is_missing(set->val)) return sim.refuse("set point", "no number");
+        l.sp = set->val;
         sim.log("channel %c: set point %.1f", set->chan, l.sp);
         say_setpoints(sim);
         return TRUE;

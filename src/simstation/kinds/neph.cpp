@@ -36,29 +36,6 @@ constexpr NET_NEPH_Config INITIAL{
     .svr = 1050,
 };
 
-// The instrument's words for its parameters, and what it takes.
-struct limit_row {
-    const char* name;
-    std::int16_t NET_NEPH_Config::*value;
-    int low, high;
-};
-constexpr limit_row LIMITS[] = {
-    {"SMZ", &NET_NEPH_Config::smz, 0, 24},   {"STA", &NET_NEPH_Config::sta, 1, 9960},
-    {"STB", &NET_NEPH_Config::stb, 5, 999},  {"STP", &NET_NEPH_Config::stp, 10, INT16_MAX},
-    {"STZ", &NET_NEPH_Config::stz, 1, 9999}, {"SP", &NET_NEPH_Config::sp, 0, 150},
-    {"SX", &NET_NEPH_Config::sx, 0, 10000},  {"B", &NET_NEPH_Config::b, 0, 255},
-    {"SVB", &NET_NEPH_Config::svb, 1, 1200}, {"SVG", &NET_NEPH_Config::svg, 1, 1200},
-    {"SVR", &NET_NEPH_Config::svr, 1, 1200},
-};
-
-// The first parameter that is out of its limits, or null.
-const limit_row* out_of_limits(const NET_NEPH_Config& c) {
-    const auto found = std::find_if(std::begin(LIMITS), std::end(LIMITS), [&](const limit_row& row) {
-        return c.*row.value < row.low || c.*row.value > row.high;
-    });
-    return found != std::end(LIMITS) ? &*found : nullptr;
-}
-
 SIM_neph_zeroing zeroing_of(const NET_NEPH_Config& c) {
     return {.every = static_cast<double>(c.stp),
             .length = static_cast<double>(c.stz),
@@ -105,7 +82,6 @@ struct neph {
     BOOL command(SIM_instrument& sim, const VESKMSG_proc_msg* pm) {
         if (pm->msg->msg == MSG_NEPH_ISSUE_ZERO) return model.order_zero(sim);
         if (const auto* const valve = VESKMSG_payload<NET_NEPH_OverrideParams>(pm)) {
-            if (valve->v < -1 || valve->v > 1) return sim.refuse("zero valve", "%d is no position", valve->v);
             return valve->v == VALVE_UNCHANGED || model.set_valve(sim, valve->v == 1);
         }
         // The same message is how another instrument tells everybody its own parameters.
@@ -119,9 +95,6 @@ struct neph {
     }
 
     BOOL configure(SIM_instrument& sim, const NET_NEPH_Config& order) {
-        if (const limit_row* const row = out_of_limits(order))
-            return sim.refuse("parameters", "%s %d is not within %d to %d", row->name, order.*row->value,
-                              row->low, row->high);
         config = order;
         model.set_zeroing(sim, zeroing_of(config));
         model.set_lamp(config.l ? config.sp : 0);

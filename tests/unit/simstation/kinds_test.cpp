@@ -137,6 +137,22 @@ TEST_P(EveryKind, SendsNumbersInTheUnitsAndRangesThatTheirDescriptorsState) {
     }
 }
 
+// The demo starts like that: whatever a window shows has been said.
+TEST_P(EveryKind, HasSaidOfEverythingSomethingAfterAWarmUp) {
+    constexpr int WARM_UP = 4000;
+    SimProbe probe(type());
+    const auto types = [&] {
+        std::set<std::string> names;
+        for (const SentMessage& m : probe.sink.sent)
+            if ((m.flags & FRAME_KEEP) != 0) names.insert(NETMSG_by_type(m.msg)->name);
+        return names;
+    };
+    probe.run(WARM_UP);
+    const auto warm = types();
+    probe.run(2 * 3600);
+    EXPECT_EQ(types(), warm);
+}
+
 TEST_P(EveryKind, LostCommunicationsStopItAndRestoredOnesBringItBack) {
     SimProbe probe(type());
     probe.run(MINUTES_10);
@@ -204,9 +220,9 @@ constexpr refused_order REFUSED_ORDERS[] = {
          config.stp = -31073;  // 99999 in 16 bits
          with<MSG_NEPH_CONFIG>(p, config);
      },
-     "N11: parameters refused: STP -31073 is not within 10 to 32767"},
+     "N11: MSG_NEPH_CONFIG refused: -31073 is not within 10 to 32767 (time between automatic zeros)"},
     {"neph", [](SimProbe& p) { with<MSG_NEPH_OVERRIDEPARAMS>(p, NET_NEPH_OverrideParams{7}); },
-     "N11: zero valve refused: 7 is no position"},
+     "N11: MSG_NEPH_OVERRIDEPARAMS refused: 7 is not within -1 to 1 (zero valve: 0 off, 1 on, -1 unchanged)"},
     {"maap", twice<MSG_MAAP_ADVANCE>, "A82: filter advance refused: the tape moves already"},
     {"caps", twice<MSG_CAPS_ISSUE_ZERO>, "E71: zero refused: one runs already"},
     {"clap3w", once<MSG_CLAP3W_FLOW>, "A13: flow on refused: sampling"},
@@ -215,24 +231,25 @@ constexpr refused_order REFUSED_ORDERS[] = {
      "A11: end of the filter change refused: none runs"},
     {"ccn", once<MSG_CCN_STOP_CALIBRATION>, "N71: end of the calibration refused: none runs"},
     {"ccn", [](SimProbe& p) { with<MSG_CCN_START_CALIBRATION>(p, NET_CCN_StartCalibration{-1}); },
-     "N71: calibration refused: -1 is no number of cycles"},
+     "N71: MSG_CCN_START_CALIBRATION refused: -1 is not within 1 to 999 (cycles of the calibration scan)"},
     {"ccn",
      [](SimProbe& p) {
          with<MSG_CCN_SET_SCANNING>(p, NET_CCN_ScanningControl{100, FALSE, FALSE});
      },
-     "N71: set point refused: 100 is not within 0 to 99.99"},
+     "N71: MSG_CCN_SET_SCANNING refused: 100 is not within 0 to 99.99 (new temperature difference, missing "
+     "for unchanged)"},
     {"genericpid", [](SimProbe& p) { with<MSG_GENERICPID_SET>(p, NET_GENERICPID_Setpoint{NO_NUMBER}); },
      "C13: set point refused: no number"},
     {"genericpid", once<MSG_GENERICPID_TUNING_STOP>, "C13: end of the tuning refused: none runs"},
     {"lovepid", [](SimProbe& p) { with<MSG_LOVEPID_SET>(p, NET_LOVEPID_Setpoint{.sp = 20, .addr = 0x99}); },
      "C11: set point refused: no controller 99"},
     {"lovepid", [](SimProbe& p) { with<MSG_LOVEPID_SET>(p, NET_LOVEPID_Setpoint{.sp = 1e9, .addr = 0x10}); },
-     "C11: set point refused: 1e+09 is no temperature"},
+     "C11: MSG_LOVEPID_SET refused: 1e+09 is not within -999.99 to 999.99 (new set point)"},
     {"watlow", [](SimProbe& p) { with<MSG_WATLOW_SET>(p, NET_WATLOW_OneChannel{.chan = 'C', .val = 20}); },
      "C12: set point refused: the channels are A and B"},
     {"watlow",
      [](SimProbe& p) { with<MSG_WATLOW_SET>(p, NET_WATLOW_OneChannel{.chan = 'A', .val = NO_NUMBER}); },
-     "C12: set point refused: nan is no temperature"},
+     "C12: MSG_WATLOW_SET refused: nan is not within -99.9 to 99.9 (new set point)"},
     {"verticalprofile",
      [](SimProbe& p) { with<MSG_VERTICALPROFILE_SET_SITE>(p, NET_VERTICALPROFILE_SetWaypoint{"NOWHERE"}); },
      "V11: site refused: no waypoint \"NOWHERE\""},
