@@ -22,7 +22,7 @@ using steady = std::chrono::steady_clock;
 constexpr int NO_WAIT = 0;
 // For so long after a lone Escape what looks like the rest of a sequence, and came in one piece, is one.
 constexpr std::chrono::milliseconds LATE_REST{300};
-constexpr int KEYS_PER_CALL = 256;
+constexpr int KEYS_PER_CALL = 2048;
 constexpr std::size_t LONGEST_SEQUENCE = 32;
 
 // Keys are read through a pad, since curses refreshes any other window that it reads through: the half-drawn
@@ -30,6 +30,11 @@ constexpr std::size_t LONGEST_SEQUENCE = 32;
 WINDOW* g_pad = nullptr;
 int g_input_fd = STDIN_FILENO;
 steady::time_point g_lone_escape;  // when the last one was given out
+
+int bytes_waiting() {
+    int waiting = 0;
+    return ioctl(g_input_fd, FIONREAD, &waiting) == 0 ? waiting : 0;
+}
 
 WINDOW* key_pad() {
     if (g_pad != nullptr || stdscr == nullptr) return g_pad;
@@ -99,8 +104,13 @@ class Reader {
             return c;
         }
         asked_ = steady::now();
-        wtimeout(pad_, wait_ms);
+        if (waiting_ == 0) waiting_ = bytes_waiting();
+        // Told to wait for ever, curses reads a byte that is known to be there without asking for it first:
+        // half the price of a text that is pasted.
+        wtimeout(pad_, waiting_ > 0 ? -1 : wait_ms);
         const int c = wgetch(pad_);
+        // A key of the terminal's own may have been any number of bytes.
+        waiting_ = c >= 0 && c <= 0xFF && waiting_ > 0 ? waiting_ - 1 : 0;
         if (c != ERR && raw_cb_ != nullptr) raw_cb_(c);
         return c;
     }
@@ -205,6 +215,7 @@ class Reader {
     CURSKEYS_cb raw_cb_;
     CURSKEYS_cb key_cb_;
     steady::time_point asked_;  // when curses was last asked for a key
+    int waiting_ = 0;           // bytes that are there at least, in the descriptor or in curses
     std::deque<int> ahead_;     // read, but not used yet
 };
 
@@ -238,6 +249,5 @@ BOOL CURSKEYS_terminal_lost() {
     pollfd input{g_input_fd, POLLIN, 0};
     if (poll(&input, 1, 0) <= 0) return FALSE;
     // Readable without a byte to read is the end of the file, with or without a hang-up reported.
-    int waiting = 0;
-    return ioctl(g_input_fd, FIONREAD, &waiting) != 0 || waiting == 0;
+    return bytes_waiting() == 0;
 }

@@ -26,7 +26,7 @@ using CURSKEYS_cb = void (*)(int key);
 // Escape is Alt with it, a later one is a key of its own; two Escapes are two Escapes; the rest of a control
 // sequence that has begun is waited for, up to CURSKEYS_SEQUENCE_MS between two bytes; an unknown one is
 // swallowed whole; a complete UTF-8 sequence that is not ASCII is dropped, a lone high byte is meta. At most
-// a few hundred keys are taken per call, so that a key flood cannot starve the loop. TRUE when at least one
+// a few thousand keys are taken per call, so that a key flood cannot starve the loop. TRUE when at least one
 // was read.
 [[nodiscard]] BOOL CURSKEYS_handle_keys(CURSKEYS_cb raw_cb, CURSKEYS_cb key_cb);
 // Milliseconds. Terminals send a sequence in one piece; only a slow line parts its bytes. Nobody types the
