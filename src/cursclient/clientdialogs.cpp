@@ -7,6 +7,7 @@
 #include "cursclient/dialog.h"
 #include "cursclient/globals.h"
 #include "cursclient/passwd.h"
+#include "cursclient/send.h"
 #include "libvesk/messages/records/log.h"
 #include "libvesk/support/util.h"
 
@@ -60,13 +61,13 @@ CURSDIALOG_widget* add_error_time(CURSDIALOG_type* dlg) {
 void flush_buffers(CURSDIALOG_type* /*dlg*/, void* /*dlg_user_data*/, CURSDIALOG_widget* /*wd*/,
                    void* /*wd_user_data*/, CURSDIALOG_button_action* act) {
     act->close_dialog = TRUE;
-    VESKMSG_queue_message(&g_lnk.msg_lnk, MSG_LOG_FLUSH, FRAME_TO_ALL, nullptr, nullptr, 0, nullptr);
+    SEND_message(MSG_LOG_FLUSH, FRAME_TO_ALL, nullptr, nullptr, 0, nullptr);
 }
 
 void switch_files(BOOL passok, void* /*param*/) {
     if (!passok) return;
-    VESKMSG_queue(&g_lnk.msg_lnk, MSG_LOG_SWITCHFILES, FRAME_TO_ALL, nullptr,
-                  NET_LOG_SwitchFiles{.switchtime = static_cast<TIME32>(UTIL_ftime())});
+    SEND_record(MSG_LOG_SWITCHFILES, FRAME_TO_ALL, nullptr,
+                NET_LOG_SwitchFiles{.switchtime = static_cast<TIME32>(UTIL_ftime())});
 }
 
 void start_new_files(CURSDIALOG_type* /*dlg*/, void* /*dlg_user_data*/, CURSDIALOG_widget* /*wd*/,

@@ -8,6 +8,7 @@
 
 #include "cursclient/globals.h"
 #include "cursclient/passwd.h"
+#include "cursclient/send.h"
 #include "libvesk/messages/records/log.h"
 #include "libvesk/support/util.h"
 
@@ -43,6 +44,6 @@ void DIALOG_DEFALT_set_logging_passwd(BOOL passok, void* pd) {
     std::free(pd);
     if (!passok) return;
     const std::string dest(UTIL_field(prm.net_name));
-    VESKMSG_queue(&g_lnk.msg_lnk, MSG_LOG_SET_STATE, FRAME_TO_ALL, dest.empty() ? nullptr : dest.c_str(),
-                  NET_LOG_SetState{.enable = prm.set_to});
+    SEND_record(MSG_LOG_SET_STATE, FRAME_TO_ALL, dest.empty() ? nullptr : dest.c_str(),
+                NET_LOG_SetState{.enable = prm.set_to});
 }

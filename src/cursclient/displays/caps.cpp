@@ -42,7 +42,7 @@ constexpr store STORES[] = {
 constexpr INSTDISP_menu_row<CAPS_prv_data> MENU[] = {{.hot_key = '2',
                                                       .label = "2 Start zero now",
                                                       .action = COMMAND_issue<MSG_CAPS_ISSUE_ZERO>,
-                                                      .guard = COMMAND_PASSWORD}};
+                                                      .guard = COMMAND_CONFIRM}};
 constexpr INSTDISP_kind<CAPS_prv_data> KIND{
     .cols = 37, .rows = 13, .stores = STORES, .draw = draw, .menu = MENU};
 

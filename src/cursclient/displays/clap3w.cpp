@@ -276,11 +276,11 @@ std::string mode_label(const CLAP3W_prv_data* pd) {
 }
 
 constexpr INSTDISP_menu_row<CLAP3W_prv_data> MENU[] = {
-    {.hot_key = '2', .action = change_filter, .guard = COMMAND_PASSWORD, .label_of = filter_label},
-    {.hot_key = '3', .action = check_white_filter, .guard = COMMAND_PASSWORD, .label_of = white_label},
+    {.hot_key = '2', .action = change_filter, .guard = COMMAND_CONFIRM, .label_of = filter_label},
+    {.hot_key = '3', .action = check_white_filter, .guard = COMMAND_CONFIRM, .label_of = white_label},
     {.hot_key = '4',
      .action = COMMAND_issue<MSG_CLAP3W_SPOTADVANCE>,
-     .guard = COMMAND_PASSWORD,
+     .guard = COMMAND_CONFIRM,
      .label_of = advance_label},
     {.hot_key = '5', .label = "5 Set flow override", .action = FORM_open<FLOW>, .guard = COMMAND_PASSWORD},
     {.hot_key = 'D', .action = next_mode, .label_of = mode_label},

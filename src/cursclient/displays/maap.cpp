@@ -52,7 +52,7 @@ constexpr store STORES[] = {
 constexpr INSTDISP_menu_row<MAAP_prv_data> MENU[] = {{.hot_key = '2',
                                                       .label = "Advance filter tape",
                                                       .action = COMMAND_issue<MSG_MAAP_ADVANCE>,
-                                                      .guard = COMMAND_PASSWORD}};
+                                                      .guard = COMMAND_CONFIRM}};
 constexpr INSTDISP_kind<MAAP_prv_data> KIND{
     .cols = 34, .rows = 18, .stores = STORES, .draw = draw, .menu = MENU};
 

@@ -9,6 +9,8 @@
 
 #include "cursclient/globals.h"
 #include "cursclient/passwd.h"
+#include "cursclient/send.h"
+#include "cursclient/settings.h"
 #include "libvesk/support/util.h"
 
 namespace {
@@ -18,6 +20,7 @@ struct pending {
     DWORD uid;
     COMMAND_action action;
     COMMAND_guard guard;
+    char label[48];  // of the command, for a question; "" for none
 };
 static_assert(std::is_trivially_copyable_v<pending>);
 
@@ -33,16 +36,37 @@ void password_given(BOOL passok, void* param) {
 }
 
 void run_guarded(DWORD uid, const COMMAND_action& action) {
-    auto* p = new (std::nothrow) pending{uid, action, COMMAND_FREE};
+    auto* p = new (std::nothrow) pending{uid, action, COMMAND_FREE, ""};
     if (p == nullptr) return COMMAND_no_memory(uid, "(pd = malloc(sizeof(DWORD))) != NULL");
     PASSWD_checkpass(password_given, p);
 }
+
+void ask_first(const pending& p);
 
 void pressed(CURSDIALOG_type* /*dlg*/, void* /*dlg_user_data*/, CURSDIALOG_widget* /*wd*/, void* wd_user_data,
              CURSDIALOG_button_action* act) {
     act->close_dialog = TRUE;
     const pending p = *static_cast<pending*>(wd_user_data);
-    COMMAND_run(p.uid, p.action, p.guard);
+    if (p.guard == COMMAND_CONFIRM && SETTINGS_on(SETTINGS_CONFIRM))
+        ask_first(p);
+    else
+        COMMAND_run(p.uid, p.action, p.guard);
+}
+
+void ask(const char* question, const pending& p) {
+    static constexpr int WIDTH = 18;
+    COMMAND_ending(COMMAND_dialog(question, p.uid), 1, WIDTH, "Yes", pressed, "No", &p, sizeof p);
+}
+
+// Names the instrument and the command; the password comes after the Yes.
+void ask_first(const pending& p) {
+    const auto* pd = COMMAND_display<INSTDISP_head>(p.uid);
+    if (pd == nullptr) return;
+    std::string_view what = p.label;
+    if (what.size() > 2 && what[1] == ' ') what.remove_prefix(2);  // "4 Advance Spot"
+    pending yes = p;
+    yes.guard = COMMAND_PASSWORD;
+    ask((std::string(pd->name) + ": " + std::string(what) + "?").c_str(), yes);
 }
 
 }  // namespace
@@ -54,7 +78,7 @@ void COMMAND_no_memory(DWORD uid, const char* allocation, int line) {
 }
 
 void COMMAND_run(DWORD uid, COMMAND_action action, COMMAND_guard guard) {
-    if (guard == COMMAND_PASSWORD)
+    if (guard != COMMAND_FREE)
         run_guarded(uid, action);
     else
         run_now(uid, action);
@@ -62,7 +86,7 @@ void COMMAND_run(DWORD uid, COMMAND_action action, COMMAND_guard guard) {
 
 bool COMMAND_queue(NETMSG_type msg, DWORD flags, const char* dest, const void* payload, std::size_t size,
                    const char* record) {
-    return VESKMSG_queue_message(&g_lnk.msg_lnk, msg, flags, dest, payload, size, record);
+    return SEND_message(msg, flags, dest, payload, size, record);
 }
 
 bool COMMAND_send(const INSTDISP_head* pd, NETMSG_type msg) {
@@ -75,15 +99,14 @@ CURSDIALOG_type* COMMAND_dialog(const char* title, DWORD uid) {
 
 CURSDIALOG_widget* COMMAND_button(CURSDIALOG_type* dlg, COMMAND_place place, int hot_key, const char* label,
                                   DWORD uid, COMMAND_action action, COMMAND_guard guard) {
-    const pending p{uid, action, guard};
+    pending p{uid, action, guard, ""};
+    UTIL_strcpynt(p.label, label);
     return CURSDIALOG_add_button(dlg, place.x, place.y, place.width, place.style, hot_key, label, pressed, &p,
                                  sizeof p);
 }
 
 void COMMAND_confirm(const char* question, DWORD uid, COMMAND_action on_yes) {
-    static constexpr int WIDTH = 18;
-    const pending p{uid, on_yes, COMMAND_FREE};
-    COMMAND_ending(COMMAND_dialog(question, uid), 1, WIDTH, "Yes", pressed, "No", &p, sizeof p);
+    ask(question, {uid, on_yes, COMMAND_FREE, ""});
 }
 
 void COMMAND_ending(CURSDIALOG_type* dlg, int y, int width, const char* ok_label, CURSDIALOG_button_cb ok,

@@ -30,7 +30,11 @@ template <class R>
     return pd != nullptr && pd->name[0] != '\0' ? pd : nullptr;
 }
 
-enum COMMAND_guard { COMMAND_FREE, COMMAND_PASSWORD };
+enum COMMAND_guard {
+    COMMAND_FREE,
+    COMMAND_PASSWORD,
+    COMMAND_CONFIRM,  // the password too; where the settings say so, a question first that names the command
+};
 
 // Runs the action if the display is still there: at once, or after the password was given.
 void COMMAND_run(DWORD uid, COMMAND_action action, COMMAND_guard guard);

@@ -65,4 +65,4 @@ template <class R, NETMSG_type ISSUE_ZERO>
 inline constexpr INSTDISP_menu_row<R> NEPH_ZERO_ROW{.hot_key = '3',
                                                     .label = "3 Start zero now",
                                                     .action = COMMAND_issue<ISSUE_ZERO>,
-                                                    .guard = COMMAND_PASSWORD};
+                                                    .guard = COMMAND_CONFIRM};

@@ -58,5 +58,5 @@ template <class R>
 template <class R, NETMSG_type SET>
 inline constexpr INSTDISP_menu_row<R> PSAP_MENU[] = {{.hot_key = '2',
                                                       .action = PSAP_change_filter<R, SET>,
-                                                      .guard = COMMAND_PASSWORD,
+                                                      .guard = COMMAND_CONFIRM,
                                                       .label_of = PSAP_filter_label<R>}};
