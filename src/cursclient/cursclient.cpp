@@ -16,6 +16,7 @@
 #include "cursclient/mainmenu.h"
 #include "cursclient/overview.h"
 #include "cursclient/passwd.h"
+#include "cursclient/reconnect.h"
 #include "cursclient/status.h"
 #include "cursclient/wins.h"
 #include "cursclient/winscreen.h"
@@ -127,7 +128,7 @@ double seconds_to_tick(FTIME ticktime) {
     BOOL woken = FALSE;  // before this pass, by the keyboard
     for (;;) {
         VESKMSG_process_messages(&g_lnk.msg_lnk, message_proc, nullptr);
-        if (!INST_test_connected(&g_lnk)) std::exit(0);
+        if (!INST_test_connected(&g_lnk) && !RECONNECT_wait()) std::exit(0);
         if (UTIL_exit_poll() || CURSKEYS_terminal_lost()) std::exit(0);
         WINSCREEN_stop_if_asked();
         const BOOL short_sleep = CURSKEYS_handle_keys(DEBUG_rawkeypress, distribute_key);
@@ -209,6 +210,7 @@ void redraw() {
     CURSDIALOG_update();
     DISPLAY_update();
     OVERVIEW_update();
+    RECONNECT_update();
     DEBUG_update();
     update_panels();
     WINSCREEN_update();
