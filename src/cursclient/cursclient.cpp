@@ -13,6 +13,7 @@
 #include "cursclient/conffile.h"
 #include "cursclient/debug.h"
 #include "cursclient/display.h"
+#include "cursclient/keyhelp.h"
 #include "cursclient/mainmenu.h"
 #include "cursclient/overview.h"
 #include "cursclient/passwd.h"
@@ -196,7 +197,7 @@ void distribute_key(int key) {
     }
     if (CURSDIALOG_keypress(key)) return;
     if (WINS_keypress(key)) return;
-    if (OVERVIEW_keypress(key)) return;
+    if (OVERVIEW_keypress(key) || KEYHELP_keypress(key)) return;
     if (DEBUG_keypress(key)) return;
     if (DISPLAY_distribute_keypress(key)) return;
     MAINMENU_keypress(key);

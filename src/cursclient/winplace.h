@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <memory>
+#include <span>
 
 #include "libvesk/support/types.h"
 
@@ -21,6 +22,10 @@ struct WINPLACE_box {
 [[nodiscard]] WINPLACE_box WINPLACE_centered(int sx, int sy);
 // Column where a text of that length is centred in `width` columns, never on the left border.
 [[nodiscard]] int WINPLACE_centered_text(int width, std::size_t length);
+
+// Places boxes of the given sizes, the largest first, so that they overlap least; what overlaps alike goes to
+// the top and to the left. Writes x and y, in the order given.
+void WINPLACE_arrange(std::span<WINPLACE_box> boxes);
 
 // One bit per screen column, set where the column was seen occupied.
 class WINPLACE_scan_line {

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "cursclient/globals.h"
 #include "cursclient/winplace.h"
@@ -340,6 +341,19 @@ void WINS_autoposition(WINS_window* win) {
     move_to_wish(win, 0, 0);
 }
 
+void WINS_arrange() {
+    std::vector<WINS_window*> windows;
+    std::vector<WINPLACE_box> boxes;
+    for (WINS_window& win : LL_each<WINS_window>(g_window_list)) {
+        if (!win.visible || !has_curses_parts(&win) || (win.flags & WINS_ON_TOP) != 0) continue;
+        windows.push_back(&win);
+        boxes.push_back(frame_of(win.win));
+    }
+    WINPLACE_arrange(boxes);
+    for (std::size_t i = 0; i < windows.size(); ++i)
+        move_to_wish(windows[i], boxes[i].x, boxes[i].y);
+}
+
 void WINS_screen_resized() {
     for (WINS_window& win : LL_each<WINS_window>(g_window_list)) {
         if (!has_curses_parts(&win)) continue;
@@ -388,10 +402,26 @@ BOOL WINS_keypress(int key) {
         WINS_advance_focus();
     else if (key == CURSKEYS_BTAB)
         WINS_backwards_focus();
+    else if (key == KEY_F(3))
+        WINS_arrange();
     else
         return FALSE;
     return TRUE;
 }
+
+namespace {
+
+constexpr int LEAP = 8;  // cells that Shift with an arrow key moves a window
+
+// As far as that, or to the edge of the screen.
+void leap(WINS_window* win, int dx, int dy) {
+    if (!checked(win)) return;
+    const frame now = frame_of(win->win);
+    const frame at = WINPLACE_fit({now.x + dx, now.y + dy, now.sx, now.sy});
+    move_to_wish(win, at.x, at.y);
+}
+
+}  // namespace
 
 BOOL WINS_default_keyhandler(WINS_window* win, int key) {
     if (win == nullptr || !win->focused) return FALSE;
@@ -399,6 +429,18 @@ BOOL WINS_default_keyhandler(WINS_window* win, int key) {
         case CURSKEYS_CTRL_W:
         case CURSKEYS_ESCAPE:
             WINS_hide_window(win);
+            break;
+        case KEY_SF:
+            leap(win, 0, LEAP);
+            break;
+        case KEY_SR:
+            leap(win, 0, -LEAP);
+            break;
+        case KEY_SLEFT:
+            leap(win, -LEAP, 0);
+            break;
+        case KEY_SRIGHT:
+            leap(win, LEAP, 0);
             break;
         case KEY_DOWN:
             WINS_relative_move(win, 0, 1);

@@ -61,6 +61,8 @@ void WINS_center(WINS_window* win);
 // The window keeps its height in the stack and its visibility; what it showed is lost.
 void WINS_set_size(WINS_window* win, int sx, int sy);
 void WINS_autoposition(WINS_window* win);
+// Moves all visible windows so that they overlap least; those that stay on top stay where they are.
+void WINS_arrange();
 // The screen has a new size: every window goes back to what was wished for as far as it fits.
 void WINS_screen_resized();
 

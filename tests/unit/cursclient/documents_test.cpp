@@ -13,6 +13,7 @@
 #include <sstream>
 
 #include "cursclient/display.h"
+#include "cursclient/keyhelp.h"
 #include "libveskcurs/curskeys.h"
 #include "support/display_rig.h"
 
@@ -228,6 +229,10 @@ TEST_F(Documents, EveryKindHasAPageWithItsKeysAndItsMenu) {
         const page documented = read_page(page_of(kind));
         const page found = found_in(kind);
         EXPECT_EQ(documented.keys, found.keys);
+        std::set<std::string> on_f4;
+        for (const KEYHELP_row& row : KEYHELP_of_kind(kind))
+            on_f4.insert(row.key);
+        EXPECT_EQ(on_f4, found.keys);
         EXPECT_EQ(documented.menu, found.menu);
     }
     for (const auto& file : fs::directory_iterator(DOCS / "displays"))
@@ -279,6 +284,8 @@ TEST_F(Documents, EveryKeyOfTheManualDoesSomething) {
         {"Ctrl-W", CURSKEYS_CTRL_W},
         {"F1", KEY_F(1)},
         {"F2", KEY_F(2)},
+        {"F3", KEY_F(3)},
+        {"F4", KEY_F(4)},
         {"Ctrl-H", 8},
         {"F12", KEY_F(12)},
         {"M", 'M'},
