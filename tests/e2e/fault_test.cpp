@@ -35,6 +35,22 @@ TEST(ServerFault, StoppedIsFoundOutByItsSilence) {
     }
 }
 
+// The settings of a console on a wall, and of one that nobody may command from.
+TEST(ServerFault, AConsoleThatReconnectsComesBackWithItsWindows) {
+    Station station;
+    write_file(station.settings_file(), "Settings;Reconnect = TRUE\nSettings;ReadOnly = TRUE\n");
+    auto counter = start_counter(station);
+    auto console = station.console();
+    ASSERT_TRUE(open_counter(*console));
+    station.replace_server();
+    EXPECT_TRUE(console->shows("The server is away"));
+    counter = start_counter(station);
+    EXPECT_TRUE(shows_all(*console, counter_rows())) << "its window came back by itself";
+    console->type("\x04");  // the disk operations
+    ASSERT_TRUE(choose(*console, "Flush buffers"));
+    EXPECT_TRUE(console->shows("This console only watches"));
+}
+
 TEST(ServerFault, AStopThatEndsInTimeLosesNothing) {
     Station station;
     auto counter = start_counter(station);

@@ -4,6 +4,7 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
+#include <csignal>
 
 #include <cstring>
 #include <fstream>
@@ -35,6 +36,16 @@ int connect_unix(const std::string& path) {
 }
 
 Station::Station(std::vector<std::string> server_arguments) {
+    start_server(std::move(server_arguments));
+}
+
+void Station::replace_server() {
+    server_->signal(SIGKILL);
+    server_->wait_exit();
+    start_server({});
+}
+
+void Station::start_server(std::vector<std::string> server_arguments) {
     server_arguments.emplace_back("--verbose");
     server_ = start("vesk.server", std::move(server_arguments));
     const auto listens = [this] {

@@ -31,6 +31,8 @@ class Station {
     explicit Station(std::vector<std::string> server_arguments = {});
 
     [[nodiscard]] Process& server() { return *server_; }
+    // Kills the server and starts another one on the same socket.
+    void replace_server();
     [[nodiscard]] std::string socket() const { return folder_ / "run/server.sock"; }
     [[nodiscard]] const TemporaryFolder& folder() const { return folder_; }
     // Where its consoles keep their settings.
@@ -46,6 +48,7 @@ class Station {
     [[nodiscard]] std::unique_ptr<Terminal> console(const ConsoleOptions& options = {});
 
   private:
+    void start_server(std::vector<std::string> arguments);
     [[nodiscard]] Command command(std::string_view name, std::vector<std::string> arguments) const;
 
     TemporaryFolder folder_;
