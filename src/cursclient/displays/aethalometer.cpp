@@ -30,7 +30,7 @@ channel_order by_wavelength(const NET_AETHALOMETER_Report& rep) {
         for (std::size_t i = 0; i < CHANNELS; ++i)
             if (!used[i] && (pick == CHANNELS || replaces(rep.wavelengths[i], rep.wavelengths[pick])))
                 pick = i;
-        used[pick] = TRUE;
+        used[pick] = true;
         next = pick;
     }
     return order;

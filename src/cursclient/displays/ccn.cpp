@@ -110,9 +110,9 @@ void send_setpoint(CCN_prv_data* pd, const NET_CCN_ScanningControl& wanted) {
     COMMAND_send(pd, MSG_CCN_SET_SCANNING, wanted);
 }
 
-BOOL read_setpoint(const CCN_prv_data* pd, NET_CCN_ScanningControl* start) {
+bool read_setpoint(const CCN_prv_data* pd, NET_CCN_ScanningControl* start) {
     *start = {.sp = pd->scanning.last, .enable = TRUE, .set_enable = FALSE};
-    return TRUE;
+    return true;
 }
 
 using setpoint_form = FORM<CCN_prv_data, NET_CCN_ScanningControl>;
@@ -129,9 +129,9 @@ std::string calibration_label(const CCN_prv_data* pd) {
     return pd->status.in_calibration ? "4 Stop calibration scans" : "4 Start calibration scans";
 }
 
-BOOL read_calibration(const CCN_prv_data*, NET_CCN_StartCalibration* start) {
+bool read_calibration(const CCN_prv_data*, NET_CCN_StartCalibration* start) {
     start->cycles = 1;
-    return TRUE;
+    return true;
 }
 
 void send_calibration(CCN_prv_data* pd, const NET_CCN_StartCalibration& wanted) {

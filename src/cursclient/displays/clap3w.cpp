@@ -291,7 +291,7 @@ constexpr INSTDISP_menu_row<CLAP3W_prv_data> MENU[] = {
 // What the instrument demands comes to the operator's eyes, once.
 void filter_status_stored(CLAP3W_prv_data* pd, FTIME /*curtime*/) {
     const std::int32_t state = pd->filter_status.status;
-    const BOOL demands = state == NET_CLAP3W_CHANGE_REQUIRED || state == NET_CLAP3W_WHITE_REQUIRED;
+    const bool demands = state == NET_CLAP3W_CHANGE_REQUIRED || state == NET_CLAP3W_WHITE_REQUIRED;
     if (demands && state != pd->seen_status) WINS_focus_window(pd->win);
     pd->seen_status = state;
 }

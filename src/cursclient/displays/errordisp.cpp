@@ -21,12 +21,12 @@ struct ERRORDISP_prv_data {
     WINS_window* win;
     char buffer[LINES_KEPT][LINE_SIZE];  // ring of the last lines
     int buffer_next;                     // slot of the next line, which is also the oldest
-    BOOL hidden;
+    bool hidden;
     FTIME hide_time;  // when the strip hides itself, or PINNED
 };
 
 // Shown without taking the focus: the operator goes on with what the keys were for.
-void set_hidden(ERRORDISP_prv_data* pd, BOOL hidden) {
+void set_hidden(ERRORDISP_prv_data* pd, bool hidden) {
     pd->hidden = hidden;
     if (pd->win == nullptr || pd->win->win == nullptr || pd->win->pan == nullptr) return;
     pd->win->visible = !hidden;
@@ -36,11 +36,11 @@ void set_hidden(ERRORDISP_prv_data* pd, BOOL hidden) {
         show_panel(pd->win->pan);
 }
 
-BOOL start(ERRORDISP_prv_data* pd) {
+bool start(ERRORDISP_prv_data* pd) {
     pd->win->flags = WINS_ON_TOP | WINS_SKIP_IN_CYCLE;
     pd->hide_time = 0.0;
-    set_hidden(pd, TRUE);
-    return TRUE;
+    set_hidden(pd, true);
+    return true;
 }
 
 void take_error(ERRORDISP_prv_data* pd, const VESKMSG_proc_msg* pm, FTIME curtime) {
@@ -51,13 +51,13 @@ void take_error(ERRORDISP_prv_data* pd, const VESKMSG_proc_msg* pm, FTIME curtim
     pd->buffer_next = (pd->buffer_next + 1) % LINES_KEPT;
     if (!(g_errordisp_show_time > 0)) return;
     if (pd->hide_time != PINNED) pd->hide_time = curtime + g_errordisp_show_time;
-    set_hidden(pd, FALSE);
+    set_hidden(pd, false);
 }
 
 // TRUE when the strip's time is over. A deadline further ahead than the show time comes from a clock that was
 // set back: it counts from now.
-BOOL is_over(ERRORDISP_prv_data* pd, FTIME curtime) {
-    if (pd->hide_time == PINNED) return FALSE;
+bool is_over(ERRORDISP_prv_data* pd, FTIME curtime) {
+    if (pd->hide_time == PINNED) return false;
     pd->hide_time = std::min(pd->hide_time, curtime + std::max(g_errordisp_show_time, 0.0));
     return curtime >= pd->hide_time;
 }
@@ -81,16 +81,16 @@ void draw_strip(ERRORDISP_prv_data* pd) {
 
 void draw(ERRORDISP_prv_data* pd, FTIME curtime) {
     if (is_over(pd, curtime))
-        set_hidden(pd, TRUE);
+        set_hidden(pd, true);
     else
         draw_strip(pd);
 }
 
-BOOL toggle(ERRORDISP_prv_data* pd, int key) {
-    if (key != CURSKEYS_CTRL_E) return FALSE;
+bool toggle(ERRORDISP_prv_data* pd, int key) {
+    if (key != CURSKEYS_CTRL_E) return false;
     if (pd->hidden) pd->hide_time = PINNED;
     set_hidden(pd, !pd->hidden);
-    return TRUE;
+    return true;
 }
 
 constexpr PERSISTENT_kind<ERRORDISP_prv_data> KIND{.cols = 0,

@@ -19,4 +19,4 @@ void GENERICPID_open_params(GENERICPID_prv_data* pd, DWORD uid);
 void GENERICPID_open_tuning(GENERICPID_prv_data* pd, DWORD uid);
 
 // An entry that takes any number and keeps it as it was typed.
-inline constexpr FORM_number GENERICPID_VALUE{.format = "%e", .max_len = 16, .as_typed = TRUE};
+inline constexpr FORM_number GENERICPID_VALUE{.format = "%e", .max_len = 16, .as_typed = true};

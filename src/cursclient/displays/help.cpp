@@ -85,20 +85,20 @@ class page {
     }
 
     int row() const { return line_ - pd_->start_line; }
-    BOOL in_view() const { return row() >= 1 && row() <= VIEW_LINES; }
+    bool in_view() const { return row() >= 1 && row() <= VIEW_LINES; }
     int attr() const { return bold_ ? WINS_attr_highlight() : WINS_attr_normal(); }
 
     HELP_prv_data* pd_;
     int line_ = 1;
     int column_ = 1;
-    BOOL bold_ = FALSE;
+    bool bold_ = false;
 };
 
-BOOL start(HELP_prv_data* pd) {
+bool start(HELP_prv_data* pd) {
     pd->use_msg = g_help_message;
     const std::string_view text = pd->use_msg;
     pd->line_count = 1 + static_cast<int>(std::count(text.begin(), text.end(), '\n'));
-    return TRUE;
+    return true;
 }
 
 void draw(HELP_prv_data* pd, FTIME /*curtime*/) {
@@ -106,29 +106,29 @@ void draw(HELP_prv_data* pd, FTIME /*curtime*/) {
 }
 
 // Ctrl-H is also what some terminals send for Backspace: a window that edits text keeps it.
-BOOL calls_help(int key) {
+bool calls_help(int key) {
     return key == KEY_F(1) || (key == CTRL_H && !WINS_focus_edits_text());
 }
 
-BOOL toggle(HELP_prv_data* pd, int key) {
-    if (!calls_help(key)) return FALSE;
+bool toggle(HELP_prv_data* pd, int key) {
+    if (!calls_help(key)) return false;
     if (pd->win->visible) {
         WINS_hide_window(pd->win);
     } else {
         WINS_focus_window(pd->win);
         WINS_center(pd->win);
     }
-    return FALSE;  // the key goes on
+    return false;  // the key goes on
 }
 
-BOOL page_by(HELP_prv_data* pd, int key) {
+bool page_by(HELP_prv_data* pd, int key) {
     if (key == KEY_NPAGE)
         pd->start_line = std::min(pd->start_line + SCROLL_STEP, pd->line_count - SCROLL_MARGIN);
     else if (key == KEY_PPAGE)
         pd->start_line = std::max(pd->start_line - SCROLL_STEP, 0);
     else
-        return FALSE;
-    return TRUE;
+        return false;
+    return true;
 }
 
 constexpr PERSISTENT_kind<HELP_prv_data> KIND{

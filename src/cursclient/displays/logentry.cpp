@@ -43,42 +43,42 @@ void empty(LOGENTRY_prv_data* pd) {
 }
 
 // Room for `length` characters and the terminator.
-BOOL reserve(LOGENTRY_prv_data* pd, std::size_t length) {
+bool reserve(LOGENTRY_prv_data* pd, std::size_t length) {
     if (pd->buffer == nullptr) {
         pd->buffer = static_cast<char*>(std::malloc(FIRST_SIZE));
         if (pd->buffer == nullptr) {
             UTIL_assertion_failed_errno("displays/logentry.c", 151,
                                         "(pd->buffer=(char *)malloc(pd->sz_buffer)) != NULL", errno);
-            return FALSE;
+            return false;
         }
         pd->buffer[0] = '\0';
         pd->sz_buffer = FIRST_SIZE;
     }
-    if (length + 1 <= pd->sz_buffer) return TRUE;
+    if (length + 1 <= pd->sz_buffer) return true;
     const std::size_t size = UTIL_roundup_p2(length + 1);
     void* grown = std::realloc(pd->buffer, size);
     if (grown == nullptr) {
         UTIL_assertion_failed_errno("displays/logentry.c", 158,
                                     "(pd->buffer=(char *)realloc(pd->buffer, pd->sz_buffer)) != NULL", errno);
-        return FALSE;
+        return false;
     }
     pd->buffer = static_cast<char*>(grown);
     pd->sz_buffer = size;
-    return TRUE;
+    return true;
 }
 
 // A text that fills the record takes no more: what stands in the window is what will be in the log.
-BOOL LOGENTRY_append(LOGENTRY_prv_data* pd, int key) {
+bool LOGENTRY_append(LOGENTRY_prv_data* pd, int key) {
     if (TEXTENTRY_is_erase(key)) {
         if (pd->buffer != nullptr) TEXTENTRY_key(pd->buffer, pd->sz_buffer, key);
-        return TRUE;
+        return true;
     }
-    if (TEXTENTRY_character(key) == '\0') return FALSE;
+    if (TEXTENTRY_character(key) == '\0') return false;
     const std::size_t length = std::strlen(text_of(pd));
-    if (length >= MAX_TEXT) return TRUE;
-    if (!reserve(pd, length + 1)) return FALSE;
+    if (length >= MAX_TEXT) return true;
+    if (!reserve(pd, length + 1)) return false;
     TEXTENTRY_key(pd->buffer, pd->sz_buffer, key);
-    return TRUE;
+    return true;
 }
 
 void LOGENTRY_make_entry(LOGENTRY_prv_data* pd) {
@@ -103,7 +103,7 @@ void LOGENTRY_mainmenu_callback(void* prv_data) {
     WINS_focus_window(pd->win);
 }
 
-BOOL start(LOGENTRY_prv_data* pd) {
+bool start(LOGENTRY_prv_data* pd) {
     pd->win->flags = WINS_EDITS_TEXT;
     pd->mme = MAINMENU_addentry(MAINMENU_AT_HEAD, "Online log entry", LOGENTRY_mainmenu_callback, pd);
     return pd->mme != nullptr;
@@ -129,16 +129,16 @@ void draw(LOGENTRY_prv_data* pd, FTIME /*curtime*/) {
     }
 }
 
-BOOL call(LOGENTRY_prv_data* pd, int key) {
+bool call(LOGENTRY_prv_data* pd, int key) {
     if (key == KEY_F(12)) LOGENTRY_mainmenu_callback(pd);
-    return FALSE;  // the key goes on
+    return false;  // the key goes on
 }
 
-BOOL type(LOGENTRY_prv_data* pd, int key) {
+bool type(LOGENTRY_prv_data* pd, int key) {
     if (!CURSKEYS_is_enter(key)) return LOGENTRY_append(pd, key);
     LOGENTRY_make_entry(pd);
     WINS_hide_window(pd->win);
-    return TRUE;
+    return true;
 }
 
 constexpr PERSISTENT_kind<LOGENTRY_prv_data> KIND{.cols = 60,

@@ -82,11 +82,11 @@ std::vector<FORM_listed> addresses(const LOVEPID_prv_data* pd) {
     return all;
 }
 
-BOOL read_setpoint(const LOVEPID_prv_data* pd, NET_LOVEPID_Setpoint* start) {
+bool read_setpoint(const LOVEPID_prv_data* pd, NET_LOVEPID_Setpoint* start) {
     const int slot = preferred_slot(pd);
-    if (slot < 0) return FALSE;
+    if (slot < 0) return false;
     *start = {pd->sp.sp[slot], pd->status.addrs[slot]};
-    return TRUE;
+    return true;
 }
 
 void send_setpoint(LOVEPID_prv_data* pd, const NET_LOVEPID_Setpoint& wanted) {

@@ -64,7 +64,7 @@ void send_message(MESSAGE_prv_data* pd) {
     pd->entry_buffer[0] = '\0';
 }
 
-BOOL start(MESSAGE_prv_data* pd) {
+bool start(MESSAGE_prv_data* pd) {
     SFMT_init_buffer(&pd->sbfr);
     pd->win->flags = WINS_EDITS_TEXT;
     pd->mme = MAINMENU_addentry(MENU_CHARACTER, "Messaging", MAINMENU_default_focus_window, pd->win);
@@ -92,10 +92,10 @@ void draw(MESSAGE_prv_data* pd, FTIME /*curtime*/) {
     WINTEXT_put_attr(pd->win, ENTRY_ROW, 1, A_BOLD | WINS_attr_normal(), entry);
 }
 
-BOOL type(MESSAGE_prv_data* pd, int key) {
+bool type(MESSAGE_prv_data* pd, int key) {
     if (!CURSKEYS_is_enter(key)) return TEXTENTRY_key(pd->entry_buffer, sizeof pd->entry_buffer, key);
     send_message(pd);
-    return TRUE;
+    return true;
 }
 
 constexpr PERSISTENT_kind<MESSAGE_prv_data> KIND{.cols = 60,

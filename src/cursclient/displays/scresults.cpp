@@ -26,11 +26,11 @@ struct SCRESULTS_entry {
 };
 
 // `name` stands for the source's whole name: sources have no longer ones.
-BOOL remove_dup(void* data, void* name) {
+bool remove_dup(void* data, void* name) {
     return std::strcmp(static_cast<SCRESULTS_entry*>(data)->name, static_cast<const char*>(name)) == 0;
 }
 
-BOOL find_insert_point(void* data, void* name) {
+bool find_insert_point(void* data, void* name) {
     return std::strcmp(static_cast<SCRESULTS_entry*>(data)->name, static_cast<const char*>(name)) < 0;
 }
 
@@ -47,11 +47,11 @@ void handle_results(SCRESULTS_prv_data* pd, FTIME tnow, const char* name,
     static_cast<void>(LL_insert_before(&pd->results, next, &entry, sizeof entry));
 }
 
-BOOL start(SCRESULTS_prv_data* pd) {
+bool start(SCRESULTS_prv_data* pd) {
     SFMT_init_buffer(&pd->sbfr);
     LL_init(&pd->results);
     WINS_hide_window(pd->win);  // wherever it was when the layout was saved
-    return TRUE;
+    return true;
 }
 
 void stop(SCRESULTS_prv_data* pd) {
@@ -99,10 +99,10 @@ void draw(SCRESULTS_prv_data* pd, FTIME /*curtime*/) {
     d.text(at.cy + 3, 1, "Press enter to close this window.");
 }
 
-BOOL close(SCRESULTS_prv_data* pd, int key) {
-    if (!CURSKEYS_is_enter(key)) return FALSE;
+bool close(SCRESULTS_prv_data* pd, int key) {
+    if (!CURSKEYS_is_enter(key)) return false;
     WINS_hide_window(pd->win);
-    return TRUE;
+    return true;
 }
 
 constexpr PERSISTENT_kind<SCRESULTS_prv_data> KIND{.cols = 77,

@@ -33,7 +33,7 @@ void draw_waypoint(const CANVAS& d, int row, const char* title, const NET_VERTIC
           UNIT_on_screen(UNIT_km, wp.distance));
 }
 
-BOOL position_invalid(const NET_VERTICALPROFILE_Waypoint& wp) {
+bool position_invalid(const NET_VERTICALPROFILE_Waypoint& wp) {
     return VESK_is_missing(wp.distance) || VESK_is_missing(wp.bearing);
 }
 

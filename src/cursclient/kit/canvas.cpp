@@ -9,7 +9,7 @@
 
 namespace {
 
-BOOL locale_is_utf8() {
+bool locale_is_utf8() {
     return std::string_view(nl_langinfo(CODESET)) == "UTF-8";
 }
 
@@ -52,7 +52,7 @@ void CANVAS::rule(int row, std::string_view title) const {
 
 void CANVAS::block(int row, int col) const {
     if (win_ == nullptr || win_->win == nullptr) return;
-    const BOOL inside =
+    const bool inside =
         row >= 1 && row <= getmaxy(win_->win) - 2 && col >= 1 && col <= getmaxx(win_->win) - 2;
     if (inside && wmove(win_->win, row, col) != ERR) add_block(win_->win, attr_);
 }
@@ -61,9 +61,9 @@ void CANVAS::meaning(int row, int col, const NETDSD_meaning& m) const {
     (m.severity == NETDSD_FAULT ? fault() : *this).text(row, col, m.text);
 }
 
-BOOL CANVAS::no_comms(int row, BOOL have_comms) const {
+bool CANVAS::no_comms(int row, bool have_comms) const {
     const NETDSD_meaning* silent = NETDSD_meaning_of(NET_COMMS, have_comms);
-    if (silent == nullptr) return FALSE;
+    if (silent == nullptr) return false;
     alarm().text_centered(row, silent->text);
-    return TRUE;
+    return true;
 }

@@ -68,7 +68,7 @@ class CANVAS {
     // The text of a record's value or flag: a fault in the fault's attribute.
     void meaning(int row, int col, const NETDSD_meaning& m) const;
     // The centred alarm of an instrument that does not answer. TRUE when it was drawn.
-    BOOL no_comms(int row, BOOL have_comms) const;
+    bool no_comms(int row, bool have_comms) const;
 
   private:
     WINS_window* win_;

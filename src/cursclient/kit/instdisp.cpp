@@ -24,21 +24,21 @@ void copy_announcement(INSTDISP_head* pd, const DISPLAY_match_params* mps) {
 
 }  // namespace
 
-BOOL INSTDISP_open(INSTDISP_head* pd, const DISPLAY_match_params* mps, int cols, int rows) {
+bool INSTDISP_open(INSTDISP_head* pd, const DISPLAY_match_params* mps, int cols, int rows) {
     pd->win = nullptr;
     pd->mme = nullptr;
     pd->se = nullptr;
     pd->is_logging = TRUE;
     SFMT_init_buffer(&pd->sbfr);
-    if (mps == nullptr) return FALSE;
+    if (mps == nullptr) return false;
     copy_announcement(pd, mps);
     char ident[IDENT_SIZE];
     std::snprintf(ident, sizeof ident, "%s:%s", pd->type, pd->name);
     pd->win = WINS_create(ident, cols, rows);
-    if (pd->win == nullptr) return FALSE;
+    if (pd->win == nullptr) return false;
     if (pd->id_ch != 0) {
         pd->se = STATUS_addentry(pd->id_ch, TRUE);
-        if (pd->se == nullptr) return FALSE;
+        if (pd->se == nullptr) return false;
     }
     pd->mme = MAINMENU_addentry(pd->id_ch, pd->display_name, MAINMENU_default_focus_window, pd->win);
     return pd->mme != nullptr;

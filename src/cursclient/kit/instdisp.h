@@ -86,7 +86,7 @@ struct INSTDISP_kind {
 // ---- the steps that need no more than the head
 
 // Makes window, status entry and menu entry from the announcement. FALSE: the caller closes.
-[[nodiscard]] BOOL INSTDISP_open(INSTDISP_head* pd, const DISPLAY_match_params* mps, int cols, int rows);
+[[nodiscard]] bool INSTDISP_open(INSTDISP_head* pd, const DISPLAY_match_params* mps, int cols, int rows);
 // Releases whatever exists of them.
 void INSTDISP_close(INSTDISP_head* pd);
 [[nodiscard]] bool INSTDISP_is_own(const INSTDISP_head* pd, const VESKMSG_proc_msg* pm);
@@ -148,16 +148,16 @@ void INSTDISP_set_defaults(R* pd, const INSTDISP_kind<R>& kind) {
 
 // A display that cannot be made whole is taken down again: its identity must not stay taken.
 template <class R>
-[[nodiscard]] BOOL INSTDISP_init(R* pd, const INSTDISP_kind<R>& kind, const DISPLAY_common_params* cps,
+[[nodiscard]] bool INSTDISP_init(R* pd, const INSTDISP_kind<R>& kind, const DISPLAY_common_params* cps,
                                  const DISPLAY_match_params* mps) {
     INSTDISP_set_defaults(pd, kind);
     if (!INSTDISP_open(pd, mps, kind.cols, kind.rows)) {
         INSTDISP_close(pd);
-        return FALSE;
+        return false;
     }
-    if (kind.start == nullptr || kind.start(pd, cps->uid)) return TRUE;
+    if (kind.start == nullptr || kind.start(pd, cps->uid)) return true;
     INSTDISP_cleanup(pd, kind);
-    return FALSE;
+    return false;
 }
 
 template <class R>

@@ -22,11 +22,11 @@ struct PERSISTENT_kind {
     void (*draw)(R* pd, FTIME curtime);  // what is inside the frame, while the window shows
 
     const char* ident = nullptr;     // of the window; null: its place is not saved
-    BOOL (*start)(R* pd) = nullptr;  // makes what the kind has besides the window; FALSE: no display
+    bool (*start)(R* pd) = nullptr;  // makes what the kind has besides the window; FALSE: no display
     void (*stop)(R* pd) = nullptr;   // releases it, also after a start that failed half way
     void (*message)(R* pd, const VESKMSG_proc_msg* pm, FTIME curtime) = nullptr;
-    BOOL (*any_key)(R* pd, int key) = nullptr;  // whatever has the focus, before all else; TRUE when used up
-    BOOL (*key)(R* pd, int key) = nullptr;      // with the focus, after the window's own keys; TRUE when used
+    bool (*any_key)(R* pd, int key) = nullptr;  // whatever has the focus, before all else; TRUE when used up
+    bool (*key)(R* pd, int key) = nullptr;      // with the focus, after the window's own keys; TRUE when used
 };
 
 template <class R>
@@ -37,12 +37,12 @@ void PERSISTENT_cleanup(R* pd, const PERSISTENT_kind<R>& kind) {
 }
 
 template <class R>
-[[nodiscard]] BOOL PERSISTENT_init(R* pd, const PERSISTENT_kind<R>& kind) {
+[[nodiscard]] bool PERSISTENT_init(R* pd, const PERSISTENT_kind<R>& kind) {
     pd->win = WINS_create(kind.ident, kind.cols > 0 ? kind.cols : COLS, kind.rows);
-    if (pd->win == nullptr) return FALSE;
-    if (kind.start == nullptr || kind.start(pd)) return TRUE;
+    if (pd->win == nullptr) return false;
+    if (kind.start == nullptr || kind.start(pd)) return true;
     PERSISTENT_cleanup(pd, kind);
-    return FALSE;
+    return false;
 }
 
 template <class R>
@@ -53,9 +53,9 @@ void PERSISTENT_update(R* pd, const PERSISTENT_kind<R>& kind, FTIME curtime) {
 }
 
 template <class R>
-[[nodiscard]] BOOL PERSISTENT_keypress(R* pd, const PERSISTENT_kind<R>& kind, int key) {
-    if (kind.any_key != nullptr && kind.any_key(pd, key)) return TRUE;
-    if (WINS_default_keyhandler(pd->win, key)) return TRUE;
+[[nodiscard]] bool PERSISTENT_keypress(R* pd, const PERSISTENT_kind<R>& kind, int key) {
+    if (kind.any_key != nullptr && kind.any_key(pd, key)) return true;
+    if (WINS_default_keyhandler(pd->win, key)) return true;
     return pd->win->focused && kind.key != nullptr && kind.key(pd, key);
 }
 

@@ -3,7 +3,7 @@
 // parameters and a record: SIZER_head (or SIZER_optical) and what the instrument sends, with these members:
 //
 //   static const SIZER_row ROW;
-//   BOOL have_comms() const;
+//   bool have_comms() const;
 //   const char* data_set() const;              // what the captions name after the screen, or null
 //   SIZER_view graph_x() const;
 //   SIZER_view graph_y() const;                // of the present graph mode

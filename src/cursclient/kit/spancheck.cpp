@@ -90,13 +90,13 @@ void draw_values(const CANVAS& d, int row, const char* label, Total total, Back 
 
 }  // namespace
 
-BOOL SPANCHECK_open(SPANCHECK_head* pd, DWORD uid) {
+bool SPANCHECK_open(SPANCHECK_head* pd, DWORD uid) {
     pd->sc_last_time = VESK_NO_TIME;
     pd->is_bypassed = FALSE;
     char ident[IDENT_SIZE];
     std::snprintf(ident, sizeof ident, "%s:%s.sc", pd->type, pd->name);
     pd->scwin = WINS_create(ident, WIDTH, HEIGHT);
-    if (pd->scwin == nullptr) return FALSE;
+    if (pd->scwin == nullptr) return false;
     pd->list_node = LL_insert_tail(&g_running_nephs, &uid, sizeof uid);
     return pd->list_node != nullptr;
 }
@@ -114,14 +114,14 @@ void SPANCHECK_take_bypass(SPANCHECK_head* pd, const VESKMSG_proc_msg* pm, NETMS
     pd->is_bypassed = NETDSD_load<BOOL>(pm->pds);  // what both messages begin with
 }
 
-BOOL SPANCHECK_is_running(const SPANCHECK_head* pd) {
+bool SPANCHECK_is_running(const SPANCHECK_head* pd) {
     return pd->sc_phase.phase != NET_COMMON_NEPH_SC_NONE;
 }
 
-BOOL SPANCHECK_key(SPANCHECK_head* pd, int key) {
-    if (!CURSKEYS_is_enter(key) || !pd->scwin->focused || SPANCHECK_is_running(pd)) return FALSE;
+bool SPANCHECK_key(SPANCHECK_head* pd, int key) {
+    if (!CURSKEYS_is_enter(key) || !pd->scwin->focused || SPANCHECK_is_running(pd)) return false;
     WINS_hide_window(pd->scwin);
-    return TRUE;
+    return true;
 }
 
 const char* SPANCHECK_phase_name(std::int32_t phase) {
@@ -156,6 +156,6 @@ void SPANCHECK_draw_results(const CANVAS& d, int row, const NET_COMMON_Neph_Span
         d, row + 1, "PctError:", [&](int i) { return r.pcterrTS[i]; }, [&](int i) { return r.pcterrBS[i]; });
 }
 
-std::string SPANCHECK_label(BOOL offered, char hot_key, const char* text) {
+std::string SPANCHECK_label(bool offered, char hot_key, const char* text) {
     return offered ? hot_key + std::string(text) : std::string();
 }

@@ -33,14 +33,14 @@ extern NET_COMMON_Neph_SpancheckDuration g_spancheck_duration;
 // ---- the display
 
 // The second window and the place in g_running_nephs. FALSE: the caller closes.
-[[nodiscard]] BOOL SPANCHECK_open(SPANCHECK_head* pd, DWORD uid);
+[[nodiscard]] bool SPANCHECK_open(SPANCHECK_head* pd, DWORD uid);
 void SPANCHECK_close(SPANCHECK_head* pd);
 // Keeps the state that `blocked_by` (MSG_LOG_AVG_BYPASS or MSG_LOG_AVG_CONTAMINATION) tells: from any source
 // but the instrument's own and nobody.
 void SPANCHECK_take_bypass(SPANCHECK_head* pd, const VESKMSG_proc_msg* pm, NETMSG_type blocked_by);
-[[nodiscard]] BOOL SPANCHECK_is_running(const SPANCHECK_head* pd);
+[[nodiscard]] bool SPANCHECK_is_running(const SPANCHECK_head* pd);
 // Enter closes the focused window of a span check that is over. TRUE when used.
-[[nodiscard]] BOOL SPANCHECK_key(SPANCHECK_head* pd, int key);
+[[nodiscard]] bool SPANCHECK_key(SPANCHECK_head* pd, int key);
 
 // Name of a phase, "" for a number that is none.
 [[nodiscard]] const char* SPANCHECK_phase_name(std::int32_t phase);
@@ -79,7 +79,7 @@ template <class R, NETMSG_type BLOCKED_BY>
 }
 
 // Labels of the menu's rows, "" at times when a row is not offered.
-[[nodiscard]] std::string SPANCHECK_label(BOOL offered, char hot_key, const char* text);
+[[nodiscard]] std::string SPANCHECK_label(bool offered, char hot_key, const char* text);
 template <class R, char KEY>
 [[nodiscard]] std::string SPANCHECK_begin_label(const R* pd) {
     return SPANCHECK_label(!SPANCHECK_is_running(pd), KEY, " Begin spancheck");

@@ -26,19 +26,19 @@ struct spancheck_begin_dlg_param {
     spancheck_begin_dlg_param& operator=(const spancheck_begin_dlg_param&) = delete;
 };
 
-BOOL has_uid(LL_TYPE* list, DWORD uid) {
-    const auto is_another = [](void* data, void* param) -> BOOL {
+bool has_uid(LL_TYPE* list, DWORD uid) {
+    const auto is_another = [](void* data, void* param) -> bool {
         return *static_cast<DWORD*>(data) != *static_cast<DWORD*>(param);
     };
     return LL_transverse_until_forwards(list, is_another, &uid) != nullptr;
 }
 
-BOOL add_uid(LL_TYPE* list, DWORD uid) {
+bool add_uid(LL_TYPE* list, DWORD uid) {
     return LL_insert_tail(list, &uid, sizeof uid) != nullptr;
 }
 
 void remove_uid(LL_TYPE* list, DWORD uid) {
-    const auto is_it = [](void* data, void* param) -> BOOL {
+    const auto is_it = [](void* data, void* param) -> bool {
         return *static_cast<DWORD*>(data) == *static_cast<DWORD*>(param);
     };
     LL_selective_delete(list, is_it, &uid);
@@ -52,7 +52,7 @@ void sc_button_toggleneph(CURSDIALOG_type* /*dlg*/, void* dlg_user_data, CURSDIA
     const DWORD uid = *static_cast<DWORD*>(wd_user_data);
     const auto* neph = COMMAND_display<SPANCHECK_head>(uid);
     if (neph == nullptr) return;
-    BOOL on = has_uid(chosen, uid);
+    bool on = has_uid(chosen, uid);
     if (on) remove_uid(chosen, uid);
     on = !on && add_uid(chosen, uid);
     CURSDIALOG_setlabel(wd, COMMAND_check_label(on, neph->display_name).c_str());
@@ -64,12 +64,12 @@ void sc_begin_setnephs_close(CURSDIALOG_type* /*dlg*/, void* dlg_user_data) {
 
 // One button for each running nephelometer; the row below them.
 int add_nephs(CURSDIALOG_type* dlg, LL_TYPE* chosen) {
-    const BOOL all = chosen->count == 0;
+    const bool all = chosen->count == 0;
     int y = 1;
     for (const DWORD uid : LL_each<DWORD>(g_running_nephs)) {
         const auto* neph = COMMAND_display<SPANCHECK_head>(uid);
         if (neph == nullptr) continue;
-        const BOOL on = all ? add_uid(chosen, uid) : has_uid(chosen, uid);
+        const bool on = all ? add_uid(chosen, uid) : has_uid(chosen, uid);
         CURSDIALOG_add_button(dlg, 1, y++, 0, CURSDIALOG_STYLE_LIST, 0,
                               COMMAND_check_label(on, neph->display_name).c_str(), sc_button_toggleneph, &uid,
                               sizeof uid);

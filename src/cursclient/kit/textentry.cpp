@@ -14,20 +14,20 @@ char TEXTENTRY_character(int key) {
                : '\0';
 }
 
-BOOL TEXTENTRY_is_erase(int key) {
+bool TEXTENTRY_is_erase(int key) {
     return CURSKEYS_is_backspace(key) || key == KEY_DC;
 }
 
-BOOL TEXTENTRY_key(char* text, std::size_t size, int key) {
+bool TEXTENTRY_key(char* text, std::size_t size, int key) {
     const std::size_t length = std::strlen(text);
     if (TEXTENTRY_is_erase(key)) {
-        if (length == 0) return FALSE;
+        if (length == 0) return false;
         text[length - 1] = '\0';
-        return TRUE;
+        return true;
     }
     const char c = TEXTENTRY_character(key);
-    if (c == '\0' || length + 1 >= size) return FALSE;
+    if (c == '\0' || length + 1 >= size) return false;
     text[length] = c;
     text[length + 1] = '\0';
-    return TRUE;
+    return true;
 }
