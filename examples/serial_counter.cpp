@@ -114,7 +114,7 @@ class driver {
         UTIL_strcpynt(info.type, "cpc_3010");
         UTIL_strcpynt(info.display_name, "Counter");
         UTIL_strcpynt(info.tags[0].tag, "cpc");
-        info.id_ch = 'N';
+        info.id_ch = 'J';
         VESKMSG_announce(&link_.msg_lnk, info);
         report_status();
     }

@@ -41,7 +41,7 @@ children=("$PEER_PID")
 trap 'kill "${children[@]}"' EXIT
 
 stty -F "$port" 9600 raw -echo clocal || exit 2
-say MSG_SERVER_INSTRUMENTINFO 7 '{"type":"cpc_3010","display_name":"Counter","id_ch":"N","tags":[{"tag":"cpc"}]}' >&3
+say MSG_SERVER_INSTRUMENTINFO 7 '{"type":"cpc_3010","display_name":"Counter","id_ch":"J","tags":[{"tag":"cpc"}]}' >&3
 say MSG_CPC_3010_STATUS 7 '{"have_comms":false}' >&3
 answer <&4 >&3 &
 children+=($!)

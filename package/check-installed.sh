@@ -43,6 +43,7 @@ for program in vesk.cursclient vesk.server vesk.simstation vesk.peer; do
     page=$(find /usr/share/man -name "$program.[18]")
     [ -s "$page" ] || fail "no manual page of $program"
 done
+sh /root/check-links.sh /usr/share/doc/vesk || fail "documents with dead links"
 scenarios=/usr/share/doc/vesk/docs/scenarios
 [ -s "$scenarios/ordinary-day.txt" ] || fail "no scenarios"
 

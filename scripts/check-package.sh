@@ -38,7 +38,7 @@ for release in 1 2; do
     }
     cp build/package/vesk_*.deb "$root/root/release$release/"
 done
-cp package/check-installed.sh "$root/root/"
+cp package/check-installed.sh package/check-links.sh "$root/root/"
 
 # shellcheck disable=SC2016  # expanded by the inner shell
 # A namespace of its own for mounts and processes: whatever is started there ends with it.

@@ -48,7 +48,7 @@ class ExampleDriver : public testing::TestWithParam<driver_case> {
   protected:
     void start() {
         std::vector<std::string> argv = GetParam().program;
-        argv.insert(argv.end(), {"N11", line_.path(), "2"});
+        argv.insert(argv.end(), {"N51", line_.path(), "2"});
         driver_ = std::make_unique<Process>(Command{
             argv,
             {{"VESK_SOCKET", station_.socket()}, {"PATH", program("") + ":/usr/local/bin:/usr/bin:/bin"}}});
@@ -63,8 +63,8 @@ TEST_P(ExampleDriver, MakesACounterOnASerialLineAnInstrument) {
     auto monitor = station_.peer({"--monitor"});
     auto console = station_.console();
     start();
-    ASSERT_TRUE(is_up(*console, "N")) << driver_->err();
-    console->alt('n');
+    ASSERT_TRUE(is_up(*console, "J")) << driver_->err();
+    console->alt('j');
     ASSERT_TRUE(console->shows("NO COMMS"));
 
     line_.write("1234.5,38.1,20.9,FULL\r\n");
@@ -75,7 +75,7 @@ TEST_P(ExampleDriver, MakesACounterOnASerialLineAnInstrument) {
     EXPECT_TRUE(shows_all(*console, {"Last reading:  1200.0", "LOW BUTANOL"}));
 
     line_.write("1\x1b[2Jx,\"\\\r\n");
-    EXPECT_TRUE(console->shows("N11: not a reading"));
+    EXPECT_TRUE(console->shows("N51: not a reading"));
     line_.write("13");
     line_.write("00.0,38.1,20.9,FULL\r\n");
     EXPECT_TRUE(console->shows("Last reading:  1300.0")) << "it goes on, and puts a line together";
@@ -89,8 +89,8 @@ TEST_P(ExampleDriver, MakesACounterOnASerialLineAnInstrument) {
     }
 
     monitor->write_line(R"({"msg":"MSG_LOG_SET_STATE","flags":1,"dest":"N99","payload":{"enable":true}})");
-    monitor->write_line(R"({"msg":"MSG_LOG_SET_STATE","flags":1,"dest":"N11","payload":{"enable":false}})");
-    const auto answer = monitor->wait_line({R"("src":"N11")", "MSG_LOG_INFO"});
+    monitor->write_line(R"({"msg":"MSG_LOG_SET_STATE","flags":1,"dest":"N51","payload":{"enable":false}})");
+    const auto answer = monitor->wait_line({R"("src":"N51")", "MSG_LOG_INFO"});
     ASSERT_TRUE(answer);
     EXPECT_NE(answer->find(R"("logging":false)"), std::string::npos) << *answer;
 
@@ -103,12 +103,12 @@ TEST_P(ExampleDriver, MakesACounterOnASerialLineAnInstrument) {
 TEST_P(ExampleDriver, GoesWhenToldAndWithTheServer) {
     auto console = station_.console();
     start();
-    ASSERT_TRUE(is_up(*console, "N")) << driver_->err();
+    ASSERT_TRUE(is_up(*console, "J")) << driver_->err();
     driver_->signal(SIGTERM);
     ASSERT_TRUE(driver_->wait_exit());
     EXPECT_TRUE(is_up(*console, " "));
     start();
-    ASSERT_TRUE(is_up(*console, "N")) << driver_->err();
+    ASSERT_TRUE(is_up(*console, "J")) << driver_->err();
     station_.server().signal(SIGKILL);
     line_.write("1234.5,38.1,20.9,FULL\r\n1234.5,38.1,20.9,FULL\r\n");
     const auto code = driver_->wait_exit();

@@ -315,6 +315,17 @@ TEST_F(Documents, EveryKeyOfTheManualDoesSomething) {
     }
 }
 
+TEST(ManualPage, TellsEveryKeyOfTheManual) {
+    std::set<std::string> told;
+    static const std::regex WORD(R"([^" ,]+)");
+    for (const std::string& line : lines_of(read(DOCS / "man/vesk.cursclient.1")))
+        if (line.starts_with(".B"))
+            for (std::sregex_iterator it(line.begin(), line.end(), WORD), end; it != end; ++it)
+                told.insert(it->str());
+    for (const std::string& key : read_page(DOCS / "manual.md").keys)
+        EXPECT_THAT(told, Contains(key));
+}
+
 TEST(Manual, NamesEveryScenario) {
     const std::string manual = read(DOCS / "manual.md");
     for (const auto& file : fs::directory_iterator(DOCS / "scenarios"))
