@@ -1,9 +1,9 @@
-// Plays screen files, one test each, and compares what they hold with what the program does now:
+// Plays a screen file and compares what it holds with what the program does now:
 //
-//   test_screens FILE...
+//   test_screens FILE
 //
-// With VESK_REWRITE_SCREENS in the environment the files, and the documents' pictures that are drawn from
-// them, are written anew instead.
+// With VESK_REWRITE_SCREENS in the environment the file, and the documents' pictures that are drawn from it,
+// are written anew instead. One file in a process: what the program keeps process-wide must not leak.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -85,11 +85,12 @@ class ScreenFile : public ScreenPlay {
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     setenv("TZ", "UTC", 1);
-    for (int i = 1; i < argc; ++i) {
-        const std::filesystem::path path = argv[i];
-        testing::RegisterTest(path.parent_path().filename().c_str(), path.stem().c_str(), nullptr, nullptr,
-                              __FILE__, __LINE__,
-                              [path]() -> testing::Test* { return new ScreenFile(path); });
+    if (argc != 2) {
+        std::fputs("usage: test_screens FILE\n", stderr);
+        return 2;
     }
+    const std::filesystem::path path = argv[1];
+    testing::RegisterTest(path.parent_path().filename().c_str(), path.stem().c_str(), nullptr, nullptr,
+                          __FILE__, __LINE__, [path]() -> testing::Test* { return new ScreenFile(path); });
     return RUN_ALL_TESTS();
 }
