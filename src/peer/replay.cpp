@@ -44,6 +44,7 @@ class play {
     void read_ahead();
     [[nodiscard]] BOOL all_sent();
     void perform();
+    void connect_due();
     void send(const RECORDING_event& event);
     void leave(const std::string& source);
     void move_links();
@@ -109,14 +110,26 @@ void play::perform() {
             if (i > 0) return;
             leave(source);
         } else if (const auto found = actors_.find(source); found == actors_.end()) {
-            auto& a = actors_[source] = std::make_unique<actor>();
-            if (!connect(source, *a)) check(source, *a);
-            sources_.insert(source);
-            return;
+            return connect_due();
         } else {
             send(event);
         }
         events.pop_front();
+    }
+}
+
+// Opens the links of all sources that have something due, side by side.
+void play::connect_due() {
+    int ahead = 0;
+    for (const RECORDING_event& event : reader_.events()) {
+        if (event.at > at_ || event.leaves || ++ahead > MOST_PER_PASS) return;
+        const std::string& source = event.message.src;
+        const auto [place, is_new] = actors_.try_emplace(source);
+        if (!is_new) continue;
+        place->second = std::make_unique<actor>();
+        if (!connect(source, *place->second)) check(source, *place->second);
+        sources_.insert(source);
+        if (done_) return;
     }
 }
 
