@@ -24,6 +24,10 @@ _vesk_value() {
             mapfile -t COMPREPLY < <(compgen -P "$before" -W \
                 "$("$program" --list 2>/dev/null | grep -oE '^[a-z][A-Za-z0-9_]*')" -- "${word##*,}")
             ;;
+        --describe)
+            local names='(MSG|NETDS?)_[A-Za-z0-9_]+|^  [A-Za-z][A-Za-z0-9_]+'
+            mapfile -t COMPREPLY < <(compgen -W "$("$program" --list 2>/dev/null | grep -oE "$names")" -- "$word")
+            ;;
         --only)
             compopt -o nospace 2>/dev/null
             mapfile -t COMPREPLY < <(compgen -W "MSG_" -- "$word")

@@ -4,8 +4,8 @@
 #include "cursclient/display.h"
 #include "libvesk/messages/kinds.h"
 
-#define DISPLAYS_DECLARE(kind) extern const DISPLAY_DECL DDCL_##kind;
-#define DISPLAYS_IGNORE(kind)
+#define DISPLAYS_DECLARE(kind, ...) extern const DISPLAY_DECL DDCL_##kind;
+#define DISPLAYS_IGNORE(...)
 KINDS_LIST(DISPLAYS_DECLARE, DISPLAYS_IGNORE)
 #undef DISPLAYS_DECLARE
 #undef DISPLAYS_IGNORE

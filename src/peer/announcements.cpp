@@ -2,15 +2,28 @@
 #include "peer/announcements.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "libvesk/messages/kinds.h"
+#include "libvesk/support/suggest.h"
 #include "libvesk/support/util.h"
+
+namespace {
+
+std::vector<std::string_view> kinds_of_instruments() {
+    std::vector<std::string_view> names;
+    for (const KINDS_row& row : KINDS_all())
+        if (row.origin == KINDS_ANNOUNCED) names.emplace_back(row.name);
+    return names;
+}
+
+}  // namespace
 
 std::string ANNOUNCEMENTS_kind_fault(std::string_view kind) {
     const std::string named = '"' + UTIL_printable(kind) + '"';
     switch (KINDS_find(kind)) {
         case KINDS_UNKNOWN:
-            return "no console knows the kind " + named;
+            return "no console knows the kind " + named + SUGGEST_text(kind, kinds_of_instruments());
         case KINDS_WITHOUT_DISPLAY:
             return "no console shows the kind " + named + " yet";
         case KINDS_WITH_DISPLAY:

@@ -31,6 +31,25 @@ void declare_replay(CLI::App& app, PEER_options* options) {
         ->needs(replay);
 }
 
+void declare_describe(CLI::App& app, PEER_options* options) {
+    auto* list =
+        app.add_flag("--list", options->list, "show all kinds of displays, message types and records");
+    auto* describe = app.add_option("--describe", options->describe,
+                                    "show the fields, types and units of a message or record, or the "
+                                    "messages of a kind");
+    describe->type_name("NAME")->excludes(list);
+    app.add_flag_callback(
+        "--json", [options] { options->form = DESCRIBE_JSON; }, "show it as JSON");
+    app.add_flag_callback(
+           "--markdown", [options] { options->form = DESCRIBE_MARKDOWN; },
+           "show the list as a document with all about its entries")
+        ->needs(list)
+        ->excludes(app.get_option("--json"));
+    for (const char* other : {"--as", "--monitor", "--only", "--count", "--timeout", "--replay"})
+        for (CLI::Option* ask : {list, describe})
+            ask->excludes(app.get_option(other));
+}
+
 void declare(CLI::App& app, PEER_options* options) {
     auto* as = app.add_option("--as", options->as, "be the instrument NAME until standard input ends");
     as->type_name("NAME")->check(check_instrument);
@@ -44,6 +63,7 @@ void declare(CLI::App& app, PEER_options* options) {
     CMDLINE_number(app, "--timeout", &options->timeout, {0.001, LONGEST_TIMEOUT},
                    "end after that many seconds, with status 3");
     declare_replay(app, options);
+    declare_describe(app, options);
 }
 
 }  // namespace

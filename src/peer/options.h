@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "libvesk/support/types.h"
+#include "peer/describe.h"
 
 struct PEER_options {
     std::string as;                 // the instrument to be; empty: a CLIENT
@@ -18,6 +19,10 @@ struct PEER_options {
     std::string replay;             // the recording to play, "-" for standard input; empty: none
     double speed = 1;               // seconds of the recording per second
     double longest_gap = 600;       // seconds of the recording
+    // Asks that need no connection.
+    BOOL list = FALSE;
+    std::vector<std::string> describe;  // names
+    DESCRIBE_form form = DESCRIBE_TEXT;
 };
 
 // TRUE when one of the patterns matches the message's or the source's name, or there is none.

@@ -1,4 +1,4 @@
-// The only unit that knows the JSON library. Reading is strict: an instrument's author must hear about every
+// The only unit that reads JSON. Reading is strict: an instrument's author must hear about every
 // misspelt field and every number out of range, instead of finding zeros on the operators' screens.
 #include "libvesk/json/json_line.h"
 
@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "libvesk/json/json_record.h"
+#include "libvesk/support/suggest.h"
 #include "libvesk/support/util.h"
 
 namespace {
@@ -19,6 +20,19 @@ std::string in_quotes(std::string_view name) {
     std::string text;
     JSONREC_append_text(&text, name);
     return text;
+}
+
+// The end of a complaint about a name that is none of the rows'.
+template <class ROWS>
+std::string meant(std::string_view wanted, const ROWS& rows) {
+    std::vector<std::string_view> names;
+    for (const auto& row : rows) {
+        if constexpr (std::is_pointer_v<std::remove_cvref_t<decltype(row)>>)
+            names.emplace_back(row->name);
+        else
+            names.emplace_back(row.name);
+    }
+    return SUGGEST_text(wanted, names);
 }
 
 // The bytes of a JSON text, one per character; none when a character has no byte.
@@ -68,7 +82,9 @@ class record_reader {
         if (!object.is_object()) return wrong("expects an object");
         for (const auto& [name, value] : object.items()) {
             const NETDSD_field* f = NETDSD_field_by_name(dsd, name);
-            if (f == nullptr) return wrong("unknown field " + in_quotes(name) + " in " + dsd->name);
+            if (f == nullptr)
+                return wrong("unknown field " + in_quotes(name) + " in " + dsd->name +
+                             meant(name, NETDSD_fields(dsd)));
             if (!field(value, *f, at + f->offset)) return inside(f->name);
         }
         return TRUE;
@@ -204,7 +220,8 @@ class line_reader {
         if (given("msg") == nullptr) return wrong("no \"msg\"");
         if (!text("msg", &name)) return FALSE;
         message_->msg = NETMSG_by_name(name);
-        return message_->msg != nullptr || wrong("unknown message " + in_quotes(name));
+        return message_->msg != nullptr ||
+               wrong("unknown message " + in_quotes(name) + meant(name, NETMSG_all()));
     }
 
     BOOL destination() {
@@ -228,7 +245,7 @@ class line_reader {
         message_->dsd = name.empty() ? msg->dsd : NETDSD_by_name(name);
         if (message_->dsd == nullptr) {
             return wrong(name.empty() ? std::string(msg->name) + " needs a \"record\" with its \"payload\""
-                                      : "unknown record " + in_quotes(name));
+                                      : "unknown record " + in_quotes(name) + meant(name, NETDSD_all()));
         }
         return NETMSG_accepts(msg, message_->dsd) ||
                wrong(std::string(msg->name) + " carries " + msg->ds_tie + ", not " + name);

@@ -71,6 +71,14 @@ BOOL NETMSG_accepts(const NETMSG_entry* msg, const NETDSD_entry* dsd) {
     return dsd == nullptr || msg->dsd == nullptr || dsd == msg->dsd;
 }
 
+std::span<const NETMSG_entry> NETMSG_all() {
+    return g_messages;
+}
+
+std::span<const NETDSD_entry* const> NETDSD_all() {
+    return g_records.entries();
+}
+
 const NETDSD_entry* NETDSD_by_name(std::string_view name) {
     return g_records.find(name);
 }

@@ -1,6 +1,7 @@
 // Message types and their table. The enumeration needs no record; the table (netmsg.cpp) knows them all.
 #pragma once
 
+#include <span>
 #include <string_view>
 
 #include "libvesk/messages/netdsd.h"
@@ -30,6 +31,11 @@ struct NETMSG_entry {
 // TRUE when a message of that type may carry that record (null: no payload). A tied type carries its record
 // or nothing; an untied one anything registered.
 [[nodiscard]] BOOL NETMSG_accepts(const NETMSG_entry* msg, const NETDSD_entry* dsd);
+
+// All message types by their numbers; the descriptors of all records, in the order of the first message that
+// carries each, what a record nests right behind it.
+[[nodiscard]] std::span<const NETMSG_entry> NETMSG_all();
+[[nodiscard]] std::span<const NETDSD_entry* const> NETDSD_all();
 
 // The descriptor of a record type by its name, or null: every record tied to a message, and what those nest.
 [[nodiscard]] const NETDSD_entry* NETDSD_by_name(std::string_view name);

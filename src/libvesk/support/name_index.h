@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 #include "libvesk/support/util.h"
@@ -32,6 +33,10 @@ class NAME_index {
     }
 
     [[nodiscard]] constexpr std::size_t size() const { return count_; }
+    // In the order in which they were added.
+    [[nodiscard]] constexpr std::span<const ENTRY* const> entries() const {
+        return {entries_.data(), count_};
+    }
 
   private:
     // Where the name is, or the free slot where it belongs.

@@ -10,8 +10,10 @@ namespace {
 TEST(Announcements, OfAKindThatNobodyShowsAreWarnedOf) {
     EXPECT_EQ(ANNOUNCEMENTS_kind_fault("cpc_3010"), "");
     EXPECT_EQ(ANNOUNCEMENTS_kind_fault("gps"), "no console shows the kind \"gps\" yet");
-    for (const char* none : {"", "CPC_3010", "PERSISTENT_HELP"})
+    for (const char* none : {"", "thermometer", "PERSISTENT_HELP"})
         EXPECT_EQ(ANNOUNCEMENTS_kind_fault(none), "no console knows the kind \"" + std::string(none) + '"');
+    EXPECT_EQ(ANNOUNCEMENTS_kind_fault("CPC3010"),
+              "no console knows the kind \"CPC3010\", did you mean \"cpc_3010\"?");
 
     JSONLINE_message m;
     std::string error;
