@@ -22,7 +22,7 @@ void declare_replay(CLI::App& app, PEER_options* options) {
     replay->type_name("FILE")->check([](const std::string& name) {
         return name.empty() ? std::string("no name of a file") : std::string();
     });
-    for (const char* other : {"--as", "--monitor", "--count"})
+    for (const char* other : {"--as", "--monitor", "--count", "--send", "--quiet", "--silence"})
         replay->excludes(app.get_option(other));
     CMDLINE_number(app, "--speed", &options->speed, {0.001, 1e6}, "seconds of the recording per second")
         ->needs(replay);
@@ -45,7 +45,8 @@ void declare_describe(CLI::App& app, PEER_options* options) {
            "show the list as a document with all about its entries")
         ->needs(list)
         ->excludes(app.get_option("--json"));
-    for (const char* other : {"--as", "--monitor", "--only", "--count", "--timeout", "--replay"})
+    for (const char* other :
+         {"--as", "--monitor", "--only", "--count", "--timeout", "--replay", "--send", "--quiet"})
         for (CLI::Option* ask : {list, describe})
             ask->excludes(app.get_option(other));
 }
@@ -62,6 +63,15 @@ void declare(CLI::App& app, PEER_options* options) {
     CMDLINE_number(app, "--count", &options->count, {1, SIZE_MAX}, "end after that many printed lines");
     CMDLINE_number(app, "--timeout", &options->timeout, {0.001, LONGEST_TIMEOUT},
                    "end after that many seconds, with status 3");
+    app.add_option("--send", options->send, "send that line, and read none from standard input")
+        ->type_name("LINE")
+        ->allow_extra_args(false);
+    app.add_flag("--quiet", options->quiet, "print nothing of what is received")
+        ->excludes(app.get_option("--count"))
+        ->excludes(app.get_option("--only"));
+    CMDLINE_number(app, "--silence", &options->silence, {0.1, LONGEST_TIMEOUT},
+                   "after that many seconds without a line, report lost communications")
+        ->needs(as);
     declare_replay(app, options);
     declare_describe(app, options);
 }

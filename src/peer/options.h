@@ -16,6 +16,9 @@ struct PEER_options {
     std::vector<std::string> only;  // shell patterns of message or source names; empty: everything
     std::size_t count = 0;          // end after so many printed lines; 0: never
     double timeout = 0;             // seconds after which to end; 0: never
+    std::vector<std::string> send;  // lines to send in place of standard input
+    BOOL quiet = FALSE;             // print nothing of what is received
+    double silence = 0;             // seconds without a line that are lost communications; 0: never
     std::string replay;             // the recording to play, "-" for standard input; empty: none
     double speed = 1;               // seconds of the recording per second
     double longest_gap = 600;       // seconds of the recording

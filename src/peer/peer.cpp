@@ -14,6 +14,7 @@
 #include "libvesk/support/util.h"
 #include "peer/announcements.h"
 #include "peer/input.h"
+#include "peer/silence.h"
 
 namespace {
 
@@ -33,9 +34,10 @@ struct peer {
     std::size_t printed = 0;
     std::size_t given = 0;  // lines that asked for something, right or wrong
     std::size_t refused = 0;
-    BOOL unreadable = FALSE;  // the input
-    std::size_t unsent = 0;   // messages that may not have left yet
-    FTIME now = 0;            // of this pass
+    BOOL unreadable = FALSE;           // the input
+    std::size_t unsent = 0;            // messages that may not have left yet
+    FTIME now = 0;                     // of this pass
+    std::optional<SILENCE> silence{};  // from the welcome on
     BOOL done = FALSE;
     PEER_exit status = PEER_EXIT_OK;
 };
@@ -49,7 +51,7 @@ void print_message(VESKMSG_proc_msg* pm, void* param) {
     peer* p = static_cast<peer*>(param);
     const std::string warning = p->announcements.hear(pm, p->options.as);
     if (!warning.empty()) UTIL_complain("%s", warning.c_str());
-    if (p->done || !PEER_is_wanted(p->options.only, pm->msg->name, pm->src_name)) return;
+    if (p->done || p->options.quiet || !PEER_is_wanted(p->options.only, pm->msg->name, pm->src_name)) return;
     JSONLINE_write(&p->out, pm, p->now);
     if (++p->printed == p->options.count) finish(p, PEER_EXIT_OK);
 }
@@ -59,8 +61,34 @@ BOOL is_watching(const PEER_options& options) {
     return options.monitor || !options.only.empty() || options.count > 0 || options.timeout > 0;
 }
 
+bool queue(peer* p, const JSONLINE_message& m) {
+    const void* payload = m.dsd != nullptr ? m.payload.data() : nullptr;
+    const char* record = m.dsd != nullptr ? m.dsd->name : nullptr;
+    return VESKMSG_queue_message(&p->link, m.msg->msg, m.flags, m.dest.c_str(), payload, m.payload.size(),
+                                 record);
+}
+
+// What a source says of itself, besides what its driver says.
+void say(peer* p, const std::optional<JSONLINE_message>& m) {
+    if (m && queue(p, *m)) ++p->unsent;
+}
+
+// The driver lives: it sent a message, or (null) a blank line.
+void note_life(peer* p, const JSONLINE_message* m) {
+    const bool was_silent = p->silence->is_silent();
+    say(p, m != nullptr ? p->silence->heard(*m, p->now) : p->silence->heard(p->now));
+    if (was_silent && !p->silence->is_silent()) UTIL_complain("lines come again");
+}
+
+void look_for_silence(peer* p) {
+    const std::optional<JSONLINE_message> lost = p->silence->look(p->now);
+    if (lost) UTIL_complain("no line for %g s: reporting lost communications", p->options.silence);
+    say(p, lost);
+}
+
 void send_line(peer* p, const LINES_line& line) {
-    if (p->link.stat != VESKMSG_S_OPEN || INPUT_is_blank(line)) return;
+    if (p->link.stat != VESKMSG_S_OPEN) return;
+    if (INPUT_is_blank(line)) return note_life(p, nullptr);
     ++p->given;
     JSONLINE_message m;
     std::string error;
@@ -70,11 +98,8 @@ void send_line(peer* p, const LINES_line& line) {
     }
     const std::string warning = INPUT_warning(m);
     if (!warning.empty()) INPUT_complain(line, warning);
-    const void* payload = m.dsd != nullptr ? m.payload.data() : nullptr;
-    const char* record = m.dsd != nullptr ? m.dsd->name : nullptr;
-    const BOOL queued = VESKMSG_queue_message(&p->link, m.msg->msg, m.flags, m.dest.c_str(), payload,
-                                              m.payload.size(), record);
-    ++(queued ? p->unsent : p->refused);  // the link has said why it was not
+    note_life(p, &m);
+    ++(queue(p, m) ? p->unsent : p->refused);  // the link has said why it was not
 }
 
 void end_of_input(peer* p) {
@@ -82,6 +107,14 @@ void end_of_input(peer* p) {
     p->lines.finish([p](const LINES_line& line) { send_line(p, line); });
     const BOOL was_for_sending = p->given > 0 && !is_watching(p->options);
     if (!p->done && (!p->options.as.empty() || was_for_sending)) finish(p, PEER_EXIT_OK);
+}
+
+// The lines of the command line, in place of standard input.
+void send_given_lines(peer* p) {
+    std::size_t number = 0;
+    for (const std::string& line : p->options.send)
+        send_line(p, {++number, line, FALSE});
+    if (!is_watching(p->options)) finish(p, PEER_EXIT_OK);
 }
 
 void read_input(peer* p) {
@@ -133,7 +166,7 @@ readiness look_at(const peer& p) {
 }
 
 double seconds_left(const peer& p, FTIME deadline) {
-    return std::clamp(deadline - p.now, 0.0, PASS_SECONDS);
+    return std::clamp(std::min(deadline, p.silence->deadline()) - p.now, 0.0, PASS_SECONDS);
 }
 
 void pass(peer* p, FTIME deadline) {
@@ -153,6 +186,7 @@ void pass(peer* p, FTIME deadline) {
         return finish(p, PEER_EXIT_LOST);
     }
     if (may_read) read_input(p);
+    if (!p->done) look_for_silence(p);
     if (!p->done && p->now >= deadline) finish(p, PEER_EXIT_TIMEOUT);
 }
 
@@ -192,7 +226,10 @@ PEER_exit why_not_connected(const peer& p) {
 int PEER_run(const PEER_options& options, int in_fd, int out_fd) {
     peer p{options, in_fd, out_fd};
     if (!connect(&p)) return why_not_connected(p);
+    p.silence.emplace(options.silence, p.now);
     write_output(&p);
+    p.in_open = options.send.empty();
+    if (!p.in_open) send_given_lines(&p);
     const FTIME deadline = options.timeout > 0 ? p.now + options.timeout : HUGE_VAL;
     while (!p.done)
         pass(&p, deadline);

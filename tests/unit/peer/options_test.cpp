@@ -24,6 +24,10 @@ TEST(PeerOptions, AreReadInFull) {
     EXPECT_THAT(options.only, ElementsAre("MSG_CPC_*", "N1?"));
     EXPECT_EQ(options.count, 3u);
     EXPECT_EQ(options.timeout, 0.5);
+    ASSERT_FALSE(
+        parse({"--as", "N11", "--silence", "30", "--send", "{}", "--send", "{ }", "--quiet"}, &options));
+    EXPECT_EQ(options.silence, 30);
+    EXPECT_THAT(options.send, ElementsAre("{}", "{ }"));
     ASSERT_FALSE(parse({"--replay", "day.json", "--speed", "60", "--only", "N11"}, &options));
     EXPECT_EQ(options.replay, "day.json");
     EXPECT_EQ(options.speed, 60);
@@ -35,6 +39,14 @@ TEST(PeerOptions, WrongOnesEndTheProgramWithAReason) {
         {"--as", "CLIENT"},
         {"--as", "N11", "--monitor"},
         {"--speed", "60"},
+        {"--silence", "30"},
+        {"--as", "N11", "--silence", "0"},
+        {"--quiet", "--count", "1"},
+        {"--send", "{}", "--replay", "day.json"},
+        {"--list", "--describe", "X"},
+        {"--json", "--markdown", "--list"},
+        {"--describe", "X", "--markdown"},
+        {"--list", "--as", "N11"},
         {"--replay", ""},
         {"--replay", "day.json", "--as", "N11"},
         {"--replay", "day.json", "--monitor"},

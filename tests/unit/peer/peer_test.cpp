@@ -233,6 +233,54 @@ TEST_F(PeerLoop, AskedToWatchItStaysAfterItsInput) {
     EXPECT_EQ(status(), PEER_EXIT_OK);
 }
 
+TEST_F(PeerLoop, SendsTheLinesOfItsCommandLineAndLeavesStandardInputAlone) {
+    options.send = {"{\"msg\":\"MSG_LOG_FLUSH\"}", "{\"msg\":\"MSG_LOG_FLSH\"}",
+                    "{\"msg\":\"MSG_TEST_ONE\"}"};
+    options.quiet = TRUE;
+    testing::internal::CaptureStderr();
+    type("{\"msg\":\"MSG_TEST_TWO\"}\n");
+    start();
+    server.take_hello();
+    server.welcome();
+    server.say({{MSG_TEST_THREE, "N11"}});
+    EXPECT_EQ(server.hear(), "MSG_LOG_FLUSH 1   0");
+    EXPECT_EQ(server.hear(), "MSG_TEST_ONE 1   0");
+    EXPECT_EQ(server.hear(), "end");
+    EXPECT_EQ(status(), PEER_EXIT_WRONG_INPUT);
+    EXPECT_THAT(testing::internal::GetCapturedStderr(),
+                HasSubstr("line 2: unknown message \"MSG_LOG_FLSH\""));
+    EXPECT_EQ(rest_of_output(), "") << "quiet";
+}
+
+TEST_F(PeerLoop, WaitsForTheAnswerToALineOfItsCommandLine) {
+    options.send = {"{\"msg\":\"MSG_LOG_FLUSH\"}"};
+    options.only = {"MSG_TEST_*"};
+    options.count = 1;
+    start_welcomed();
+    EXPECT_EQ(server.hear(), "MSG_LOG_FLUSH 1   0");
+    server.say({{MSG_TEST_ONE, "N11"}});
+    EXPECT_EQ(status(), PEER_EXIT_OK);
+    EXPECT_THAT(output_line(), HasSubstr("MSG_TEST_ONE"));
+}
+
+TEST_F(PeerLoop, SpeaksForADriverThatHasFallenSilent) {
+    options.as = "N11";
+    options.silence = 0.1;
+    testing::internal::CaptureStderr();
+    start_welcomed();
+    type("{\"msg\":\"MSG_CPC_3010_STATUS\",\"payload\":{\"have_comms\":true}}\n");
+    EXPECT_EQ(server.hear(), "MSG_CPC_3010_STATUS 1  NET_CPC_3010_Status 4");
+    EXPECT_EQ(server.hear(), "MSG_CPC_3010_STATUS 7  NET_CPC_3010_Status 4");
+    type("{\"msg\":\"MSG_LOG_FLUSH\"}\n");
+    EXPECT_EQ(server.hear(), "MSG_CPC_3010_STATUS 1  NET_CPC_3010_Status 4") << "as the driver said it last";
+    EXPECT_EQ(server.hear(), "MSG_LOG_FLUSH 1   0");
+    end_input();
+    EXPECT_EQ(status(), PEER_EXIT_OK);
+    EXPECT_THAT(
+        testing::internal::GetCapturedStderr(),
+        HasSubstr("PEER: no line for 0.1 s: reporting lost communications\nPEER: lines come again\n"));
+}
+
 TEST_F(PeerLoop, AnInstrumentEndsWithItsInputEvenWhenThatIsEmpty) {
     options.as = "N11";
     start_welcomed();
