@@ -18,6 +18,7 @@
 #include "cursclient/overview.h"
 #include "cursclient/passwd.h"
 #include "cursclient/reconnect.h"
+#include "cursclient/snapshot.h"
 #include "cursclient/status.h"
 #include "cursclient/wins.h"
 #include "cursclient/winscreen.h"
@@ -197,7 +198,7 @@ void distribute_key(int key) {
     }
     if (CURSDIALOG_keypress(key)) return;
     if (WINS_keypress(key)) return;
-    if (OVERVIEW_keypress(key) || KEYHELP_keypress(key)) return;
+    if (OVERVIEW_keypress(key) || KEYHELP_keypress(key) || SNAPSHOT_keypress(key)) return;
     if (DEBUG_keypress(key)) return;
     if (DISPLAY_distribute_keypress(key)) return;
     MAINMENU_keypress(key);
@@ -214,6 +215,7 @@ void redraw() {
     RECONNECT_update();
     DEBUG_update();
     update_panels();
+    WINSCREEN_title(OVERVIEW_title());
     WINSCREEN_update();
 }
 

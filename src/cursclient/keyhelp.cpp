@@ -16,6 +16,7 @@ constexpr KEYHELP_row EVERYWHERE[] = {
     {.key = "Enter", .text = "the main menu"},
     {.key = "F2", .text = "the station at a glance"},
     {.key = "F3", .text = "arrange the windows"},
+    {.key = "F6", .text = "write the screen to files"},
 };
 constexpr KEYHELP_row WINDOW[] = {
     {.key = "M", .text = "its menu"},

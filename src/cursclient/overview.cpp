@@ -8,6 +8,7 @@
 #include <string>
 
 #include "cursclient/overview_rows.h"
+#include "cursclient/settings.h"
 #include "cursclient/wins.h"
 #include "cursclient/wintext.h"
 #include "libvesk/support/util.h"
@@ -221,6 +222,14 @@ void OVERVIEW_update() {
     if (g_overview.win == nullptr || !g_overview.win->visible || g_overview.win->win == nullptr) return;
     fit_to_screen();
     draw();
+}
+
+std::string OVERVIEW_title() {
+    std::string title = SETTINGS_station_name();
+    if (title.empty()) title = "vesk";
+    const std::size_t news = OVERVIEW_watch().unacknowledged();
+    if (news > 0) title += " (" + std::to_string(news) + " new)";
+    return title;
 }
 
 BOOL OVERVIEW_keypress(int key) {

@@ -13,6 +13,8 @@ void OVERVIEW_message(const VESKMSG_proc_msg* pm);
 void OVERVIEW_note(const char* dest, const char* text);
 // Once per pass: finds out who has become silent, and draws the window while it shows.
 void OVERVIEW_update();
+// For the terminal's title: the station's name and how many events wait to be acknowledged.
+[[nodiscard]] std::string OVERVIEW_title();
 // F2 at any time; the window's own keys while it has the focus.
 [[nodiscard]] BOOL OVERVIEW_keypress(int key);
 // Forgets the window and the watch: before curses ends, and between tests.

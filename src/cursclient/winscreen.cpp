@@ -10,11 +10,13 @@
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <clocale>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 
 #include "cursclient/crash.h"
 #include "cursclient/ttyline.h"
@@ -29,6 +31,7 @@ std::FILE* g_curses_out = nullptr;  // what curses writes to
 int g_memory = -1;                  // takes its place during an update
 int g_line = -1;                    // the terminal, to be written to without waiting
 std::string g_waiting;              // what it has not taken yet
+std::string g_title;                // of the terminal's window; "" while it has its own
 
 bool g_is_line = false;
 termios g_shell_settings;  // as the terminal was found
@@ -160,12 +163,28 @@ void collect(WRITE write) {
     take_from_memory();
 }
 
+// xterm's sequences, which the terminals below have taken over: OSC 2 sets the title of the window, and
+// 22;2 and 23;2 of XTWINOPS keep and restore it.
+constexpr char PUSH_TITLE[] = "\033[22;2t";
+constexpr char POP_TITLE[] = "\033[23;2t";
+
+bool has_title() {
+    static constexpr std::string_view FAMILIES[] = {
+        "xterm", "tmux", "screen", "rxvt", "alacritty", "foot", "konsole", "gnome", "vte", "kitty", "st-"};
+    const char* term = std::getenv("TERM");
+    return term != nullptr && std::ranges::any_of(FAMILIES, [term](std::string_view family) {
+               return std::string_view(term).starts_with(family);
+           });
+}
+
 // The terminal as it was found. Of one that does not take it within the time, what it still holds is thrown
 // away for it.
 void give_back() {
     (void)WINSCREEN_ready();
     const std::size_t picture = g_waiting.size();
     collect([] { endwin(); });
+    if (!g_title.empty()) g_waiting += POP_TITLE;
+    g_title.clear();
     const std::size_t taken = TTYLINE_write(g_line, g_waiting.data(), g_waiting.size(), PARTING_MS);
     if (taken < g_waiting.size()) {
         TTYLINE_release(g_line);
@@ -205,6 +224,13 @@ BOOL WINSCREEN_ready() {
 
 int WINSCREEN_waiting_fd() {
     return g_waiting.empty() ? -1 : g_line;
+}
+
+void WINSCREEN_title(const std::string& title) {
+    if (g_screen == nullptr || title == g_title || !has_title()) return;
+    if (g_title.empty()) g_waiting += PUSH_TITLE;
+    g_waiting += "\033]2;" + title + "\a";
+    g_title = title;
 }
 
 void WINSCREEN_repaint() {

@@ -3,6 +3,8 @@
 // so that one that is held, slow or not read by anybody holds up nothing but its own picture.
 #pragma once
 
+#include <string>
+
 #include "libvesk/support/types.h"
 
 // Starts curses on standard input and output. FALSE, with the reason on standard error, when the terminal is
@@ -14,6 +16,9 @@ void WINSCREEN_update();
 [[nodiscard]] BOOL WINSCREEN_ready();
 // The descriptor that tells when the terminal takes more, -1 while nothing is left to write.
 [[nodiscard]] int WINSCREEN_waiting_fd();
+// Names the terminal's window, where it has one that can be named; what it was called before comes back with the
+// terminal. `title` is printable ASCII.
+void WINSCREEN_title(const std::string& title);
 // The next update draws the whole screen anew, as when something else has written on it.
 void WINSCREEN_repaint();
 // Stops the process if the operator asked for it (Ctrl-Z) since the last call, with the terminal given back

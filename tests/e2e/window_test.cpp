@@ -1,4 +1,6 @@
 // The operator at work on one console: windows, menus, dialogs, settings, and a terminal that changes size.
+#include <filesystem>
+
 #include "journey.h"
 
 namespace {
@@ -82,6 +84,19 @@ TEST_F(Window, ScreenIsWholeAfterAShrinkThatWasUndoneAtOnce) {
         EXPECT_TRUE(shows_all(*console_, counter_rows()));
         EXPECT_TRUE(is_up(*console_, "N"));
     }
+}
+
+TEST_F(Window, F6LeavesTheScreenInFilesOfTheHomeFolder) {
+    console_->type("\x1b[17~");
+    ASSERT_TRUE(console_->shows("Screen written"));
+    std::string text, picture;
+    for (const auto& file : std::filesystem::directory_iterator(station_.folder() / "")) {
+        if (file.path().extension() == ".txt") text = read_file(file.path());
+        if (file.path().extension() == ".svg") picture = read_file(file.path());
+    }
+    for (const std::string& row : counter_rows())
+        EXPECT_NE(text.find(row), std::string::npos) << row << " in\n" << text;
+    EXPECT_NE(picture.find("Counter"), std::string::npos);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 
 #include "cursclient/cursclient.h"
 #include "cursclient/debug.h"
+#include "cursclient/snapshot.h"
 #include "libvesk/json/json_line.h"
 #include "libvesk/messages/records/server.h"
 #include "libveskcurs/curskeys.h"
@@ -30,12 +31,6 @@ int key_named(std::string_view name) {
     if (name.size() == 6 && name.starts_with("ctrl-")) return name[5] & 0x1F;
     if (name.size() == 5 && name.starts_with("alt-")) return CURSKEYS_ALT + name[4];
     return 0;
-}
-
-std::string utf8(wchar_t c) {
-    std::string text;
-    append_utf8(&text, static_cast<std::uint32_t>(c));
-    return text;
 }
 
 void cut_blanks(std::string* line) {
@@ -107,23 +102,6 @@ std::string spans_of(const std::string& looks) {
         from = next;
     }
     return spans;
-}
-
-TerminalCell picture_cell(int y, int x) {
-    static constexpr struct {
-        std::uint32_t fg, bg;
-    } COLORS[] = {{TERMINAL_WHITE, TERMINAL_BLACK},  {TERMINAL_WHITE, TERMINAL_BLACK},
-                  {TERMINAL_WHITE, TERMINAL_BLUE},   {TERMINAL_YELLOW, TERMINAL_BLUE},
-                  {TERMINAL_YELLOW, TERMINAL_BLACK}, {TERMINAL_RED, TERMINAL_BLUE},
-                  {TERMINAL_WHITE, TERMINAL_RED}};
-    const Look look = look_at(y, x);
-    auto [fg, bg] = COLORS[look.pair];
-    if (look.reverse) std::swap(fg, bg);
-    return {.text = utf8(TestScreen::character(newscr, y, x)),
-            .fg = fg,
-            .bg = bg,
-            .bold = look.bold,
-            .reverse = look.reverse};
 }
 
 bool is_expected(std::string_view line) {
@@ -301,7 +279,8 @@ void ScreenPlay::tell_screen() {
 }
 
 void ScreenPlay::draw(const std::string& picture) {
-    pictures_[picture] = draw_picture({LINES, COLS}, picture_cell, "vesk.cursclient");
+    pictures_[picture] = draw_picture(
+        {LINES, COLS}, [](int y, int x) { return SNAPSHOT_cell(newscr, y, x); }, "vesk.cursclient");
 }
 
 void ScreenPlay::note_sent() {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "support/display_rig.h"
-#include "support/picture.h"
+#include "libveskcurs/picture.h"
 
 class ScreenPlay : public DisplayRig {
   public:

@@ -12,7 +12,7 @@
 #include <string>
 #include <string_view>
 
-#include "support/picture.h"
+#include "libveskcurs/picture.h"
 #include "support/process.h"
 
 // Keys that are more than one plain character.

@@ -1,6 +1,6 @@
-// Backgrounds are rectangles, text stands in runs of one look, frames are lines, so that they join in every
-// font.
-#include "support/picture.h"
+// A screen as an SVG picture: backgrounds are rectangles, text stands in runs of one look, frames are lines, so
+// that they join in every font.
+#include "libveskcurs/picture.h"
 
 #include <algorithm>
 #include <array>
