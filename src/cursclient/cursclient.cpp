@@ -15,6 +15,7 @@
 #include "cursclient/display.h"
 #include "cursclient/keyhelp.h"
 #include "cursclient/mainmenu.h"
+#include "cursclient/mouse.h"
 #include "cursclient/overview.h"
 #include "cursclient/passwd.h"
 #include "cursclient/reconnect.h"
@@ -196,6 +197,7 @@ void distribute_key(int key) {
         WINSCREEN_repaint();
         return;
     }
+    if (key == KEY_MOUSE && (key = MOUSE_key(key)) == 0) return;
     if (CURSDIALOG_keypress(key)) return;
     if (WINS_keypress(key)) return;
     if (OVERVIEW_keypress(key) || KEYHELP_keypress(key) || SNAPSHOT_keypress(key)) return;
@@ -231,5 +233,6 @@ int CURSCLIENT_main(int argc, char** argv) {
         if (!s.init()) return EXIT_NO_START;
         ++g_sys_init;
     }
+    MOUSE_start();
     main_loop(ticktime);
 }

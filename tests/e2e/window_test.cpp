@@ -86,6 +86,21 @@ TEST_F(Window, ScreenIsWholeAfterAShrinkThatWasUndoneAtOnce) {
     }
 }
 
+// SGR reports of a terminal's mouse: button 0 pressed (M) and released (m), 32 while it moves with it.
+TEST(Mouse, FocusesAndDragsWindowsWhereTheSettingsAskForIt) {
+    Station station;
+    write_file(station.settings_file(),
+               "Settings;Mouse = TRUE\nWindows;cpc_3010:N11;XPos = 10\nWindows;cpc_3010:N11;YPos = 5\n"
+               "Windows;cpc_3010:N11;Visible = TRUE\n");
+    auto counter = start_counter(station);
+    auto console = station.console();
+    ASSERT_TRUE(stands_at(*console, "Counter", 5, 10));
+    console->type("\x1b[<0;13;6M\x1b[<32;33;8M\x1b[<0;33;8m");
+    EXPECT_TRUE(stands_at(*console, "Counter", 7, 30));
+    console->type("\x1b[<32;60;20M");
+    EXPECT_TRUE(stands_at(*console, "Counter", 7, 30)) << "nobody holds it any more";
+}
+
 TEST_F(Window, F6LeavesTheScreenInFilesOfTheHomeFolder) {
     console_->type("\x1b[17~");
     ASSERT_TRUE(console_->shows("Screen written"));
