@@ -16,8 +16,8 @@ void WINSCREEN_update();
 [[nodiscard]] BOOL WINSCREEN_ready();
 // The descriptor that tells when the terminal takes more, -1 while nothing is left to write.
 [[nodiscard]] int WINSCREEN_waiting_fd();
-// Names the terminal's window, where it has one that can be named; what it was called before comes back with the
-// terminal. `title` is printable ASCII.
+// Names the terminal's window, where it has one that can be named; what it was called before comes back with
+// the terminal. `title` is printable ASCII.
 void WINSCREEN_title(const std::string& title);
 // The next update draws the whole screen anew, as when something else has written on it.
 void WINSCREEN_repaint();

@@ -1,5 +1,5 @@
-// A screen as an SVG picture: backgrounds are rectangles, text stands in runs of one look, frames are lines, so
-// that they join in every font.
+// A screen as an SVG picture: backgrounds are rectangles, text stands in runs of one look, frames are lines,
+// so that they join in every font.
 #include "libveskcurs/picture.h"
 
 #include <algorithm>

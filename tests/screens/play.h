@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "support/display_rig.h"
 #include "libveskcurs/picture.h"
+#include "support/display_rig.h"
 
 class ScreenPlay : public DisplayRig {
   public:
