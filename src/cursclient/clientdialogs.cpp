@@ -32,7 +32,7 @@ void toggle_color(CURSDIALOG_type* /*dlg*/, void* /*dlg_user_data*/, CURSDIALOG_
     WINS_setcolors(g_conf_enable_color);
 }
 
-void change_password(BOOL passok, void* /*param*/) {
+void change_password(bool passok, void* /*param*/) {
     if (passok) PASSWD_display_change_dialog();
 }
 
@@ -60,11 +60,11 @@ CURSDIALOG_widget* add_error_time(CURSDIALOG_type* dlg) {
 
 void flush_buffers(CURSDIALOG_type* /*dlg*/, void* /*dlg_user_data*/, CURSDIALOG_widget* /*wd*/,
                    void* /*wd_user_data*/, CURSDIALOG_button_action* act) {
-    act->close_dialog = TRUE;
+    act->close_dialog = true;
     SEND_message(MSG_LOG_FLUSH, FRAME_TO_ALL, nullptr, nullptr, 0, nullptr);
 }
 
-void switch_files(BOOL passok, void* /*param*/) {
+void switch_files(bool passok, void* /*param*/) {
     if (!passok) return;
     SEND_record(MSG_LOG_SWITCHFILES, FRAME_TO_ALL, nullptr,
                 NET_LOG_SwitchFiles{.switchtime = static_cast<TIME32>(UTIL_ftime())});
@@ -72,7 +72,7 @@ void switch_files(BOOL passok, void* /*param*/) {
 
 void start_new_files(CURSDIALOG_type* /*dlg*/, void* /*dlg_user_data*/, CURSDIALOG_widget* /*wd*/,
                      void* /*wd_user_data*/, CURSDIALOG_button_action* act) {
-    act->close_dialog = TRUE;
+    act->close_dialog = true;
     PASSWD_checkpass(switch_files, nullptr);
 }
 
@@ -85,11 +85,11 @@ struct button {
     CURSDIALOG_button_cb cb;
 };
 
-BOOL add_buttons(CURSDIALOG_type* dlg, std::initializer_list<button> buttons) {
+bool add_buttons(CURSDIALOG_type* dlg, std::initializer_list<button> buttons) {
     for (const button& b : buttons)
         if (CURSDIALOG_add_button(dlg, 1, b.row, 0, b.style, 0, b.label, b.cb, nullptr, 0) == nullptr)
-            return FALSE;
-    return TRUE;
+            return false;
+    return true;
 }
 
 }  // namespace

@@ -16,7 +16,7 @@ namespace {
 constexpr char NOT_A_FILE[] = "it is not a regular file";
 constexpr char NOT_WHOLE[] = "it was not read whole when the console started";
 
-BOOL g_not_whole = FALSE;  // the tree lacks settings that the file has
+bool g_not_whole = false;  // the tree lacks settings that the file has
 CONFFILE_failure g_failure;
 
 // The settings file's name; empty (errno says why) when it cannot be built.
@@ -36,10 +36,10 @@ mode_t type_of(const std::string& name) {
     return stat(name.c_str(), &st) == 0 ? st.st_mode & S_IFMT : 0;
 }
 
-BOOL save_failed(const char* reason) {
+bool save_failed(const char* reason) {
     g_failure = {reason, UTIL_printable(conf_file_name())};
     UTIL_complain("cannot save the configuration to %s: %s", g_failure.file.c_str(), reason);
-    return FALSE;
+    return false;
 }
 
 }  // namespace

@@ -68,12 +68,12 @@ std::array<DEBUG_keyevent, RING_LINES> g_debug_keys;  // newest first
 int g_debug_last_interp_key;
 WINS_window* g_debug_window;
 
-BOOL capture_failed(const char* what, int line, BOOL with_errno) {
+bool capture_failed(const char* what, int line, bool with_errno) {
     if (with_errno)
         UTIL_complain("%s: %s (%s:%i)", what, std::strerror(errno), "debug.c", line);
     else
         UTIL_complain("%s (%s:%i)", what, "debug.c", line);
-    return FALSE;
+    return false;
 }
 
 void read_stderr() {

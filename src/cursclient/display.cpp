@@ -32,7 +32,7 @@ DISPLAY_common_params common_params() {
     return {&g_lnk.msg_lnk, UTIL_ftime(), 0};
 }
 
-DISPLAY_type new_display(const DISPLAY_DECL* dcl, BOOL wasmatched, const char* match_name) {
+DISPLAY_type new_display(const DISPLAY_DECL* dcl, bool wasmatched, const char* match_name) {
     DISPLAY_type dsp{};
     dsp.cb_update = dcl->cb_update;
     dsp.cb_msg_proc = dcl->cb_msg_proc;
@@ -74,15 +74,15 @@ void create(const DISPLAY_DECL* dcl, DISPLAY_common_params* cps, DISPLAY_match_p
     append(dsp);
 }
 
-BOOL is_of_source(const DISPLAY_type& dsp, const char* name) {
+bool is_of_source(const DISPLAY_type& dsp, const char* name) {
     return dsp.wasmatched && dsp.match_name[0] != '\0' && std::strcmp(dsp.match_name, name) == 0;
 }
 
-BOOL remove_of_source(void* data, void* name) {
+bool remove_of_source(void* data, void* name) {
     const DISPLAY_type& dsp = *static_cast<DISPLAY_type*>(data);
-    if (!is_of_source(dsp, static_cast<const char*>(name))) return FALSE;
+    if (!is_of_source(dsp, static_cast<const char*>(name))) return false;
     release(dsp);
-    return TRUE;
+    return true;
 }
 
 struct DISPLAY_distribute_msg_trv_param {
@@ -98,14 +98,14 @@ void offer_message(void* data, void* param) {
     dsp.cb_msg_proc(dsp.prv_data, &p.cps, &p.msg, &dsp);
 }
 
-BOOL remove_unwanted(void* data, void* param) {
+bool remove_unwanted(void* data, void* param) {
     auto& dsp = *static_cast<DISPLAY_type*>(data);
     auto& p = *static_cast<DISPLAY_distribute_msg_trv_param*>(param);
-    if (dsp.cb_match == nullptr) return FALSE;
+    if (dsp.cb_match == nullptr) return false;
     p.cps.uid = dsp.uid;
-    if (dsp.cb_match(dsp.prv_data, &p.cps, &p.msg, &dsp) != nullptr) return FALSE;
+    if (dsp.cb_match(dsp.prv_data, &p.cps, &p.msg, &dsp) != nullptr) return false;
     release(dsp);
-    return TRUE;
+    return true;
 }
 
 // Says once for each time that an instrument joins that there is nothing to see of it.

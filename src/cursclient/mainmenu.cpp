@@ -30,16 +30,16 @@ constexpr char KEY_ENABLE_COLOR[] = "Settings;EnableColor";
 
 // ---- characters, whatever the locale
 
-BOOL is_upper(char c) {
+bool is_upper(char c) {
     return c >= 'A' && c <= 'Z';
 }
-BOOL is_lower(char c) {
+bool is_lower(char c) {
     return c >= 'a' && c <= 'z';
 }
-BOOL is_alphanumeric(char c) {
+bool is_alphanumeric(char c) {
     return is_upper(c) || is_lower(c) || (c >= '0' && c <= '9');
 }
-BOOL is_graphic(char c) {
+bool is_graphic(char c) {
     return c != ' ' && UTIL_is_printable(static_cast<unsigned char>(c));
 }
 char other_case(char c) {
@@ -104,7 +104,7 @@ layout lay_out() {
 
 void MAINMENU_menu_callback(CURSDIALOG_type* /*dlg*/, void* /*dlg_user_data*/, CURSDIALOG_widget* /*wd*/,
                             void* wd_user_data, CURSDIALOG_button_action* act) {
-    act->close_dialog = TRUE;
+    act->close_dialog = true;
     DWORD uid;
     std::memcpy(&uid, wd_user_data, sizeof uid);
     // The entry's display may have gone while the menu was open.
@@ -118,7 +118,7 @@ int hot_key_of(const MAINMENU_entry& entry) {
 
 // ---- keys
 
-BOOL show_by_either_case(char c) {
+bool show_by_either_case(char c) {
     return MAINMENU_show_by_char(c) || (other_case(c) != c && MAINMENU_show_by_char(other_case(c)));
 }
 

@@ -24,16 +24,14 @@ DWORD g_next_uid = 0;
 
 namespace {
 
-using frame = WINPLACE_box;
-
 // ---- geometry
 
-frame frame_of(WINDOW* win) {
+WINPLACE_box box_of(WINDOW* win) {
     return {getbegx(win), getbegy(win), getmaxx(win), getmaxy(win)};
 }
 
 // Cells that nothing was drawn into look like the screen behind.
-WINDOW* new_curses_window(const frame& b) {
+WINDOW* new_curses_window(const WINPLACE_box& b) {
     WINDOW* win = newwin(b.sy, b.sx, b.y, b.x);
     if (win != nullptr) wbkgd(win, ' ' | static_cast<chtype>(WINS_attr_normal()));
     return win;
@@ -48,19 +46,19 @@ void place(WINS_window* win, int x, int y) {
 void move_to_wish(WINS_window* win, int x, int y) {
     win->wish_x = std::max(x, 0);
     win->wish_y = std::max(y, 0);
-    const frame at = WINPLACE_fit({x, y, getmaxx(win->win), getmaxy(win->win)});
+    const WINPLACE_box at = WINPLACE_fit({x, y, getmaxx(win->win), getmaxy(win->win)});
     place(win, at.x, at.y);
 }
 
 // Gives the panel another curses window; its height in the stack and its visibility stay. FALSE, and nothing
 // happens, when there is no memory for it.
-BOOL rebuild_in_place(WINS_window* win, const frame& b) {
+bool rebuild_in_place(WINS_window* win, const WINPLACE_box& b) {
     WINDOW* fresh = new_curses_window(b);
-    if (fresh == nullptr) return FALSE;
+    if (fresh == nullptr) return false;
     replace_panel(win->pan, fresh);
     delwin(win->win);
     win->win = fresh;
-    return TRUE;
+    return true;
 }
 
 void free_curses_parts(WINS_window* win) {
@@ -73,17 +71,17 @@ void free_curses_parts(WINS_window* win) {
 // ---- arguments
 
 // The window can be moved and drawn into; otherwise says on which line of this file it was not.
-BOOL checked(const WINS_window* win, int line = __builtin_LINE()) {
+bool checked(const WINS_window* win, int line = __builtin_LINE()) {
     const char* broken = win == nullptr ? "win != NULL" : win->win == nullptr ? "win->win != NULL" : nullptr;
     if (broken != nullptr) UTIL_assertion_failed("wins", line, broken);
     return broken == nullptr;
 }
 
-BOOL has_curses_parts(const WINS_window* win) {
+bool has_curses_parts(const WINS_window* win) {
     return win != nullptr && win->win != nullptr && win->pan != nullptr;
 }
 
-BOOL same_identity(const WINS_window& win, const char* ident) {
+bool same_identity(const WINS_window& win, const char* ident) {
     return std::strcmp(win.ident, ident) == 0;
 }
 
@@ -95,7 +93,7 @@ LL_NODE* node_by_identity(const char* ident) {
 
 // ---- focus
 
-BOOL eligible(LL_NODE* node, DWORD excluded_flags) {
+bool eligible(LL_NODE* node, DWORD excluded_flags) {
     const WINS_window* win = LL_data<WINS_window>(node);
     return win->visible && has_curses_parts(win) && (win->flags & excluded_flags) == 0;
 }
@@ -119,10 +117,10 @@ LL_NODE* find_in_ring(LL_NODE* (*step)(LL_NODE*), DWORD excluded_flags) {
 
 void move_focus(LL_NODE* node) {
     if (node == nullptr) return;
-    if (g_window_focus != nullptr) LL_data<WINS_window>(g_window_focus)->focused = FALSE;
+    if (g_window_focus != nullptr) LL_data<WINS_window>(g_window_focus)->focused = false;
     g_window_focus = node;
     WINS_window* win = LL_data<WINS_window>(node);
-    win->focused = TRUE;
+    win->focused = true;
     top_panel(win->pan);
 }
 
@@ -140,15 +138,15 @@ void set_identity(WINS_window* win, const char* ident) {
     while (node_by_identity(win->ident) != nullptr);
 }
 
-BOOL make_curses_parts(WINS_window* win, int sx, int sy) {
+bool make_curses_parts(WINS_window* win, int sx, int sy) {
     win->wish_sx = sx;
     win->wish_sy = sy;
     win->win = new_curses_window(WINPLACE_fit({0, 0, sx, sy}));
-    if (win->win == nullptr) return FALSE;
+    if (win->win == nullptr) return false;
     win->pan = new_panel(win->win);
-    if (win->pan == nullptr) return FALSE;
+    if (win->pan == nullptr) return false;
     hide_panel(win->pan);
-    return TRUE;
+    return true;
 }
 
 // A number from the settings file; what does not fit an int is cut to it.
@@ -162,21 +160,21 @@ const char* saved_value(const WINS_window* win, const char* key) {
 }
 
 // Applies the saved layout; FALSE when there is none, or only a part of one.
-BOOL restore_saved(WINS_window* win) {
+bool restore_saved(WINS_window* win) {
     const char* x = saved_value(win, "XPos");
     const char* y = saved_value(win, "YPos");
     const char* visible = saved_value(win, "Visible");
-    if (x == nullptr || y == nullptr || visible == nullptr) return FALSE;
+    if (x == nullptr || y == nullptr || visible == nullptr) return false;
     WINS_absolute_move(win, setting_number(x), setting_number(y));
     if (UTIL_text_is_true(visible)) WINS_focus_window(win);
-    return TRUE;
+    return true;
 }
 
 // Marks the columns of every other visible window that has row `cy`, or ends just above it.
 void occupy_row(WINPLACE_scan_line& line, const WINS_window* placed, int cy) {
     for (const WINS_window& other : LL_each<WINS_window>(g_window_list)) {
         if (!other.visible || other.win == nullptr || same_identity(other, placed->ident)) continue;
-        const frame b = frame_of(other.win);
+        const WINPLACE_box b = box_of(other.win);
         if (b.y <= cy && cy <= b.y + b.sy) line.occupy(b.x, b.sx);
     }
 }
@@ -286,7 +284,7 @@ void WINS_focus_hide() {
 
 void WINS_relative_move(WINS_window* win, int dx, int dy) {
     if (!checked(win)) return;
-    const frame now = frame_of(win->win);
+    const WINPLACE_box now = box_of(win->win);
     const long x = std::max(0L, static_cast<long>(now.x) + dx);
     const long y = std::max(0L, static_cast<long>(now.y) + dy);
     // A step that would leave the screen is refused whole: the window stops at the edge instead of sliding
@@ -301,7 +299,7 @@ void WINS_absolute_move(WINS_window* win, int px, int py) {
 
 void WINS_center(WINS_window* win) {
     if (!checked(win)) return;
-    const frame at = WINPLACE_fit(WINPLACE_centered(getmaxx(win->win), getmaxy(win->win)));
+    const WINPLACE_box at = WINPLACE_fit(WINPLACE_centered(getmaxx(win->win), getmaxy(win->win)));
     move_to_wish(win, at.x, at.y);
 }
 
@@ -312,8 +310,8 @@ void WINS_set_size(WINS_window* win, int sx, int sy) {
     if (sx < 1 || sy < 1 || (sx == win->wish_sx && sy == win->wish_sy)) return;
     win->wish_sx = sx;
     win->wish_sy = sy;
-    const frame old = frame_of(win->win);
-    const frame now = WINPLACE_fit({old.x, old.y, sx, sy});
+    const WINPLACE_box old = box_of(win->win);
+    const WINPLACE_box now = WINPLACE_fit({old.x, old.y, sx, sy});
     if (now == old) return;
     // A window that stands where it was wished to stand has its new place as the wish; one that the screen
     // pushed aside goes on wishing for the old one.
@@ -347,7 +345,7 @@ void WINS_arrange() {
     for (WINS_window& win : LL_each<WINS_window>(g_window_list)) {
         if (!win.visible || !has_curses_parts(&win) || (win.flags & WINS_ON_TOP) != 0) continue;
         windows.push_back(&win);
-        boxes.push_back(frame_of(win.win));
+        boxes.push_back(box_of(win.win));
     }
     WINPLACE_arrange(boxes);
     for (std::size_t i = 0; i < windows.size(); ++i)
@@ -357,8 +355,8 @@ void WINS_arrange() {
 void WINS_screen_resized() {
     for (WINS_window& win : LL_each<WINS_window>(g_window_list)) {
         if (!has_curses_parts(&win)) continue;
-        const frame wanted = WINPLACE_fit({win.wish_x, win.wish_y, win.wish_sx, win.wish_sy});
-        const frame now = frame_of(win.win);
+        const WINPLACE_box wanted = WINPLACE_fit({win.wish_x, win.wish_y, win.wish_sx, win.wish_sy});
+        const WINPLACE_box now = box_of(win.win);
         if (wanted.sx != now.sx || wanted.sy != now.sy)
             rebuild_in_place(&win, wanted);
         else
@@ -416,8 +414,8 @@ constexpr int LEAP = 8;  // cells that Shift with an arrow key moves a window
 // As far as that, or to the edge of the screen.
 void leap(WINS_window* win, int dx, int dy) {
     if (!checked(win)) return;
-    const frame now = frame_of(win->win);
-    const frame at = WINPLACE_fit({now.x + dx, now.y + dy, now.sx, now.sy});
+    const WINPLACE_box now = box_of(win->win);
+    const WINPLACE_box at = WINPLACE_fit({now.x + dx, now.y + dy, now.sx, now.sy});
     move_to_wish(win, at.x, at.y);
 }
 
@@ -481,7 +479,7 @@ void WINS_window_border(WINS_window* win, int attr) {
 
 void WINS_blank_window(WINS_window* win) {
     if (!checked(win)) return;
-    const frame b = frame_of(win->win);
+    const WINPLACE_box b = box_of(win->win);
     for (int y = 0; y < b.sy; ++y)
         mvwhline(win->win, y, 0, ' ', b.sx);
 }

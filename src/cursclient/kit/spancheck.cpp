@@ -92,7 +92,7 @@ void draw_values(const CANVAS& d, int row, const char* label, Total total, Back 
 
 bool SPANCHECK_open(SPANCHECK_head* pd, DWORD uid) {
     pd->sc_last_time = VESK_NO_TIME;
-    pd->is_bypassed = FALSE;
+    pd->is_bypassed = false;
     char ident[IDENT_SIZE];
     std::snprintf(ident, sizeof ident, "%s:%s.sc", pd->type, pd->name);
     pd->scwin = WINS_create(ident, WIDTH, HEIGHT);

@@ -124,7 +124,7 @@ void sc_button_begin_startnow_close(CURSDIALOG_type* /*dlg*/, void* dlg_user_dat
                                     void* /*wd_user_data*/, CURSDIALOG_button_action* act) {
     static constexpr DWORD SHARED = FRAME_TO_ALL | FRAME_RESERVED | FRAME_KEEP;
     const auto& begin = *COMMAND_param<spancheck_begin_dlg_param>(dlg_user_data);
-    act->close_dialog = TRUE;
+    act->close_dialog = true;
     const auto* pd = COMMAND_display<SPANCHECK_head>(begin.uid);
     if (pd == nullptr) return;
     const NET_COMMON_Neph_SpancheckDuration durations = entered(begin);

@@ -75,19 +75,19 @@ void set(CONF_node* node, const CONF_path& path, std::string_view value) {
 // ---------------------------------------------------------------- reading the file
 
 // FALSE: `text` is only the beginning.
-BOOL read_all(std::FILE* file, std::string& text) {
+bool read_all(std::FILE* file, std::string* text) {
     char chunk[8192];
     std::size_t n;
-    while (text.size() <= CONF_MAX_FILE && (n = std::fread(chunk, 1, sizeof chunk, file)) > 0)
-        text.append(chunk, n);
+    while (text->size() <= CONF_MAX_FILE && (n = std::fread(chunk, 1, sizeof chunk, file)) > 0)
+        text->append(chunk, n);
     if (std::ferror(file)) {
         UTIL_complain("the configuration file cannot be read: %s", std::strerror(errno));
-        return FALSE;
+        return false;
     }
-    if (text.size() <= CONF_MAX_FILE) return TRUE;
+    if (text->size() <= CONF_MAX_FILE) return true;
     UTIL_complain("the configuration file is larger than %zu bytes, the rest is ignored", CONF_MAX_FILE);
-    text.resize(text.rfind('\n', CONF_MAX_FILE - 1) + 1);
-    return FALSE;
+    text->resize(text->rfind('\n', CONF_MAX_FILE - 1) + 1);
+    return false;
 }
 
 class loader {
@@ -247,7 +247,7 @@ void CONF_free(CONF_node* root) {
 BOOL CONF_load(CONF_node* root, std::FILE* file) {
     if (root == nullptr || file == nullptr) return FALSE;
     std::string text;
-    const BOOL whole = read_all(file, text);
+    const bool whole = read_all(file, &text);
     loader(*root).read(text);
     return whole;
 }

@@ -27,7 +27,7 @@ std::string behind_links(const std::string& name) {
 
 // The file may be written: a folder that lets us replace what we may not write must make no difference. TRUE
 // too when there is none. `st` has no mode then.
-BOOL may_write(const std::string& name, struct stat* st) {
+bool may_write(const std::string& name, struct stat* st) {
     *st = {};
     const int fd = open(name.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK);
     if (fd < 0) return errno == ENOENT;
@@ -37,33 +37,33 @@ BOOL may_write(const std::string& name, struct stat* st) {
 }
 
 // One file under one name, or nothing at all.
-BOOL can_be_replaced(const std::string& name, const struct stat& st) {
+bool can_be_replaced(const std::string& name, const struct stat& st) {
     if (st.st_mode != 0) return S_ISREG(st.st_mode) && st.st_nlink == 1;
     struct stat link {};
     return lstat(name.c_str(), &link) != 0;  // else a link to nothing: what it names is made in place
 }
 
 // The folder or the owner forbids it; anything else, such as a full disk, must not cost the old file.
-BOOL is_forbidden(int error) {
+bool is_forbidden(int error) {
     return error == EACCES || error == EPERM || error == EROFS || error == ENAMETOOLONG || error == ELOOP;
 }
 
 // Empties the file beside the old one and gives it the old one's owner and mode. It may be what a killed save
 // left.
-BOOL take_over(int fd, const struct stat& st) {
+bool take_over(int fd, const struct stat& st) {
     struct stat made {};
-    if (ftruncate(fd, 0) != 0 || fstat(fd, &made) != 0) return FALSE;
+    if (ftruncate(fd, 0) != 0 || fstat(fd, &made) != 0) return false;
     if (st.st_mode == 0) return fchmod(fd, NEW_MODE) == 0;
     const bool same_owner = made.st_uid == st.st_uid && made.st_gid == st.st_gid;
-    if (!same_owner && fchown(fd, st.st_uid, st.st_gid) != 0) return FALSE;
+    if (!same_owner && fchown(fd, st.st_uid, st.st_gid) != 0) return false;
     return fchmod(fd, st.st_mode & MODE_BITS) == 0;
 }
 
 // The file that this descriptor is still has that name, and is nobody else's.
-BOOL is_ours(int fd, const std::string& name) {
+bool is_ours(int fd, const std::string& name) {
     struct stat open_file {};
     struct stat named {};
-    if (fstat(fd, &open_file) != 0 || lstat(name.c_str(), &named) != 0) return FALSE;
+    if (fstat(fd, &open_file) != 0 || lstat(name.c_str(), &named) != 0) return false;
     return open_file.st_ino == named.st_ino && open_file.st_dev == named.st_dev && S_ISREG(named.st_mode) &&
            named.st_nlink == 1 && named.st_uid == geteuid();
 }
