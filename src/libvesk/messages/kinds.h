@@ -15,7 +15,7 @@
     NONE(AGGREGATE, MATCHED, "DISPAGGREGATOR", "values of several instruments together") \
     NONE(AINALL, MATCHED, "IO", "all analog inputs together") \
     NONE(ain_simple, ANNOUNCED, "AINSIMPLE", "analog inputs") \
-    NONE(AVGSTATUS, MATCHED, "", "what averaging is doing") \
+    KIND(AVGSTATUS, MATCHED, "CONTAMINATION LOG_AVG", "contamination, bypass and flush of the averages") \
     NONE(bestups, ANNOUNCED, "BESTUPS", "uninterruptible power supply") \
     KIND(caps, ANNOUNCED, "CAPS", "cavity extinction monitor") \
     KIND(ccn, ANNOUNCED, "CCN", "cloud condensation nuclei counter") \
