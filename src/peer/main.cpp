@@ -4,6 +4,7 @@
 
 #include <cstdio>
 
+#include "libvesk/support/descriptors.h"
 #include "libvesk/support/util.h"
 #include "peer/options.h"
 #include "peer/peer.h"
@@ -44,6 +45,7 @@ int main(int argc, char** argv) {
     if (options.list || !options.describe.empty()) return describe(options);
     if (!LIBVESK_init("PEER")) return PEER_EXIT_NO_LINK;
     UTIL_exit_signal_poll_setup_hup();
+    DESCRIPTORS_raise_limit();
     const int status = options.replay.empty() ? PEER_run(options) : REPLAY_run(options);
     LIBVESK_cleanup();
     return status;

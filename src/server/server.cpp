@@ -1,9 +1,6 @@
 // Start, run, end. Everything happens on one thread, in the handlers of one io_context.
 #include "server/server.h"
 
-#include <sys/resource.h>
-
-#include <algorithm>
 #include <asio/io_context.hpp>
 #include <asio/signal_set.hpp>
 #include <asio/steady_timer.hpp>
@@ -12,13 +9,13 @@
 #include <ctime>
 #include <list>
 
+#include "libvesk/support/descriptors.h"
 #include "libvesk/support/util.h"
 #include "server/listener.h"
 
 namespace {
 
-constexpr rlim_t MOST_DESCRIPTORS = 16384;
-constexpr rlim_t OWN_DESCRIPTORS = 32;  // everything that is not a peer
+constexpr std::size_t OWN_DESCRIPTORS = 32;  // everything that is not a connection
 
 void write_log(const std::string& text) {
     const auto now = static_cast<std::time_t>(UTIL_ftime());
@@ -26,16 +23,11 @@ void write_log(const std::string& text) {
     gmtime_r(&now, &utc);
     char stamp[32];
     std::strftime(stamp, sizeof stamp, "%Y-%m-%dT%H:%M:%SZ", &utc);
-    UTIL_say(std::string(stamp) + " vesk.server: " + text);
+    UTIL_say(std::string(stamp) + " vesk.server: " + UTIL_printable(text));
 }
 
-// As many peers as there may be descriptors, of which the program takes what it is allowed to.
 std::size_t most_connections() {
-    rlimit limit{};
-    if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return HUB_params{}.most_connections;
-    limit.rlim_cur = std::max(limit.rlim_cur, std::min(limit.rlim_max, MOST_DESCRIPTORS));
-    if (setrlimit(RLIMIT_NOFILE, &limit) != 0) getrlimit(RLIMIT_NOFILE, &limit);
-    const rlim_t usable = std::min(limit.rlim_cur, MOST_DESCRIPTORS);
+    const std::size_t usable = DESCRIPTORS_raise_limit();
     return usable > OWN_DESCRIPTORS ? usable - OWN_DESCRIPTORS : 1;
 }
 
@@ -46,6 +38,8 @@ class server {
     int run() {
         if (!listen()) return 1;
         tick();
+        for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+            if (!UTIL_is_ignored(signal)) signals_.add(signal);
         signals_.async_wait([this](const asio::error_code&, int number) {
             write_log(std::string("ended by ") + strsignal(number));
             context_.stop();
@@ -98,7 +92,7 @@ class server {
 
     SERVER_options options_;
     asio::io_context context_{1};
-    asio::signal_set signals_{context_, SIGTERM, SIGINT, SIGHUP};
+    asio::signal_set signals_{context_};
     asio::steady_timer timer_{context_};
     HUB hub_;
     std::list<LISTENER> listeners_;
@@ -107,6 +101,10 @@ class server {
 }  // namespace
 
 int SERVER_run(SERVER_options options) {
-    server s(std::move(options));
-    return s.run();
+    try {
+        return server(std::move(options)).run();
+    } catch (const std::system_error& e) {
+        write_log("cannot run: " + e.code().message());
+        return 1;
+    }
 }

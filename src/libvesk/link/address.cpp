@@ -15,6 +15,7 @@ namespace {
 
 constexpr const char* SYSTEM_DIRECTORY = "/run/vesk";
 constexpr const char* SOCKET_NAME = "/server.sock";
+constexpr std::size_t LONGEST_PATH = sizeof(sockaddr_un::sun_path) - 1;
 
 BOOL fail(std::string* why, std::string text) {
     *why = std::move(text);
@@ -36,10 +37,13 @@ BOOL parse_port(std::string_view text, std::uint16_t* port) {
     return error == std::errc() && end == text.data() + text.size();
 }
 
+std::string too_long() {
+    return " is longer than " + std::to_string(LONGEST_PATH) + " bytes";
+}
+
 BOOL parse_path(std::string_view text, ADDRESS* address, std::string* why) {
-    if (text.find('\0') != text.npos || text.size() >= sizeof(sockaddr_un::sun_path))
-        return fail(why, "the socket path " + quoted(text) + " is longer than " +
-                             std::to_string(sizeof(sockaddr_un::sun_path) - 1) + " bytes");
+    if (text.find('\0') != text.npos || text.size() > LONGEST_PATH)
+        return fail(why, "the socket path " + quoted(text) + too_long());
     *address = {std::string(text), {}, ADDRESS_DEFAULT_PORT};
     return TRUE;
 }
@@ -62,6 +66,17 @@ void split_host(std::string_view text, std::string_view* host, std::string_view*
 const char* environment(const char* name) {
     const char* value = std::getenv(name);
     return value != nullptr && *value != '\0' ? value : nullptr;
+}
+
+// Where the socket is when the system provides no place for it.
+std::string own_directory() {
+    return "/tmp/vesk-" + std::to_string(getuid());
+}
+
+// A missing file is nobody's.
+BOOL is_ours(const std::string& path) {
+    struct stat st = {};
+    return lstat(path.c_str(), &st) != 0 || st.st_uid == getuid() || st.st_uid == 0;
 }
 
 BOOL is_directory(const char* path) {
@@ -91,7 +106,16 @@ ADDRESS ADDRESS_default() {
         return {std::string(SYSTEM_DIRECTORY) + SOCKET_NAME, {}, ADDRESS_DEFAULT_PORT};
     if (const char* runtime = environment("XDG_RUNTIME_DIR"))
         return {std::string(runtime) + "/vesk" + SOCKET_NAME, {}, ADDRESS_DEFAULT_PORT};
-    return {"/tmp/vesk-" + std::to_string(getuid()) + SOCKET_NAME, {}, ADDRESS_DEFAULT_PORT};
+    return {own_directory() + SOCKET_NAME, {}, ADDRESS_DEFAULT_PORT};
+}
+
+BOOL ADDRESS_may_connect(const std::string& path, std::string* why) {
+    if (path.size() > LONGEST_PATH) return fail(why, "the path" + too_long());
+    const std::string directory = own_directory();
+    if (!path.starts_with(directory + '/')) return TRUE;
+    for (const std::string& place : {directory, path})
+        if (!is_ours(place)) return fail(why, place + " belongs to another user");
+    return TRUE;
 }
 
 std::string ADDRESS_text(const ADDRESS& address) {

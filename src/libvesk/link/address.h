@@ -24,5 +24,9 @@ struct ADDRESS {
 // exists; else $XDG_RUNTIME_DIR/vesk/server.sock; else /tmp/vesk-<uid>/server.sock.
 [[nodiscard]] ADDRESS ADDRESS_default();
 
+// A client may connect to a socket at that path: it is short enough, and where everybody could have put one,
+// in /tmp/vesk-<uid>, directory and socket are this user's or root's. FALSE puts the reason in `why`.
+[[nodiscard]] BOOL ADDRESS_may_connect(const std::string& path, std::string* why);
+
 // As a person would write it: the path, "station:8375", "[::1]:8375".
 [[nodiscard]] std::string ADDRESS_text(const ADDRESS& address);

@@ -24,15 +24,15 @@ std::string_view text(const char* t) {
 
 VESKMSG_state* state_of(VESKMSG_link* link) {
     if (!link->state) {
-        link->state = std::make_unique<VESKMSG_state>(link);
+        link->state = std::make_unique<VESKMSG_state>(&link->stat);
         link->stat = VESKMSG_S_UNLINKED;
     }
     return link->state.get();
 }
 
-BOOL refuse(VESKMSG_link* link, std::string why) {
+BOOL refuse(VESKMSG_link* link, const std::string& why) {
     state_of(link)->close("");
-    link->state->error = std::move(why);
+    link->state->error = UTIL_printable(why);
     return FALSE;
 }
 

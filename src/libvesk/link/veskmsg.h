@@ -10,20 +10,8 @@
 #include <string>
 
 #include "libvesk/link/frame.h"
-#include "libvesk/messages/netmsg.h"
+#include "libvesk/link/veskmsg_types.h"
 #include "libvesk/messages/records/server.h"
-#include "libvesk/support/types.h"
-
-// One received message; everything it points to belongs to the link and lives for the callback only.
-struct VESKMSG_proc_msg {
-    const NETMSG_entry* msg;
-    const NETDSD_entry* dsd;  // of the payload, or null without one
-    DWORD flags;
-    const char* src_name;   // never null from the link; "" when the server itself speaks
-    const char* dest_name;  // "" when there is none
-    const void* pds;        // the payload, dsd->total_size bytes aligned on 8, already cleaned; or null
-};
-using VESKMSG_cb = void (*)(VESKMSG_proc_msg* pm, void* param);
 
 // The payload as a record of type R, or null when there is none or it is another record.
 template <class R>
@@ -35,13 +23,6 @@ struct VESKMSG_connect_params {
     const char* id_str;         // "CLIENT" for a console, else the instrument's source name
     const char* host_override;  // NAME, NAME:PORT, [V6]:PORT, a socket path (has a slash); null: the default
     BOOL monitor;               // a CLIENT that also sees what is addressed to others
-};
-
-enum VESKMSG_LINK_STATUS {
-    VESKMSG_S_UNINITIALIZED,
-    VESKMSG_S_UNLINKED,
-    VESKMSG_S_AWAITING_HANDSHAKE,
-    VESKMSG_S_OPEN,
 };
 
 class VESKMSG_state;  // private to the unit

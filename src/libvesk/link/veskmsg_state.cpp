@@ -34,6 +34,7 @@ VESKMSG_received::VESKMSG_received(const FRAME_message& m, const MSGCHECK_found&
 
 void VESKMSG_state::reset() {
     stream_.reset();
+    base_.reset();
     inbox_.clear();
     inbox_bytes_ = 0;
     known.clear();
@@ -44,25 +45,36 @@ void VESKMSG_state::reset() {
     heard_ = time_.look();
 }
 
-BOOL VESKMSG_state::connect(const ADDRESS& address, std::string name, FRAME_peer_kind kind) {
+BOOL VESKMSG_state::connect(const ADDRESS& address, const std::string& name, FRAME_peer_kind kind) {
     close("");
     reset();
+    try {
+        base_ = std::make_unique<base>();
+    } catch (const std::system_error& e) {
+        fail("cannot make a link: " + e.code().message());
+        return FALSE;
+    }
     where_ = ADDRESS_text(address);
     hello_.clear();
     FRAME_encode_hello(&hello_, {FRAME_VERSION, kind, name});
-    link_->stat = VESKMSG_S_AWAITING_HANDSHAKE;
+    *stat_ = VESKMSG_S_AWAITING_HANDSHAKE;
     if (!(address.is_local() ? connect_local(address) : connect_host(address))) return FALSE;
     pump();
-    return link_->stat != VESKMSG_S_UNLINKED;
+    return *stat_ != VESKMSG_S_UNLINKED;
 }
 
 // Done here and not by the io_context, which takes "the server is not accepting" for "under way".
 BOOL VESKMSG_state::connect_local(const ADDRESS& address) {
+    std::string why;
+    if (!ADDRESS_may_connect(address.path, &why)) {
+        fail("cannot connect to " + where_ + ": " + why);
+        return FALSE;
+    }
     const endpoint to = asio::local::stream_protocol::endpoint(address.path);
     asio::error_code error_code;
-    connecting_.open(to.protocol(), error_code);
+    base_->connecting.open(to.protocol(), error_code);
     const timeval patience{1, 0};
-    const int fd = connecting_.native_handle();
+    const int fd = base_->connecting.native_handle();
     if (!error_code) setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
     if (error_code || ::connect(fd, to.data(), static_cast<socklen_t>(to.size())) != 0) {
         fail("cannot connect to " + where_ + ": " +
@@ -75,7 +87,7 @@ BOOL VESKMSG_state::connect_local(const ADDRESS& address) {
 
 BOOL VESKMSG_state::connect_host(const ADDRESS& address) {
     asio::error_code error_code;
-    asio::ip::tcp::resolver resolver(context_);
+    asio::ip::tcp::resolver resolver(base_->context);
     const auto found = resolver.resolve(address.host, std::to_string(address.port), error_code);
     if (error_code) {
         fail("cannot find " + address.host + ": " + error_code.message());
@@ -84,20 +96,21 @@ BOOL VESKMSG_state::connect_host(const ADDRESS& address) {
     std::vector<endpoint> endpoints;
     for (const auto& entry : found)
         endpoints.emplace_back(entry.endpoint());
-    asio::async_connect(connecting_, endpoints, [this](const asio::error_code& failed, const endpoint&) {
-        if (failed == asio::error::operation_aborted) return;
-        if (failed) {
-            fail("cannot connect to " + where_ + ": " + failed.message());
-        } else {
-            connected();
-        }
-    });
+    asio::async_connect(base_->connecting, endpoints,
+                        [this](const asio::error_code& failed, const endpoint&) {
+                            if (failed == asio::error::operation_aborted) return;
+                            if (failed) {
+                                fail("cannot connect to " + where_ + ": " + failed.message());
+                            } else {
+                                connected();
+                            }
+                        });
     return TRUE;
 }
 
 void VESKMSG_state::connected() {
-    stream_ = std::make_shared<STREAM>(std::move(connecting_), static_cast<STREAM::owner*>(this));
-    connecting_ = STREAM::socket_type(context_);
+    stream_ = std::make_shared<STREAM>(std::move(base_->connecting), static_cast<STREAM::owner*>(this));
+    base_->connecting = STREAM::socket_type(base_->context);
     stream_->queue().append(hello_);
     stream_->flush();
     stream_->read();
@@ -106,13 +119,13 @@ void VESKMSG_state::connected() {
 void VESKMSG_state::close(const std::string& why) {
     if (stream_) stream_->close();
     asio::error_code ignored;
-    connecting_.close(ignored);
-    if (error.empty()) error = why;
-    if (link_->stat != VESKMSG_S_UNINITIALIZED) link_->stat = VESKMSG_S_UNLINKED;
+    if (base_) base_->connecting.close(ignored);
+    if (error.empty()) error = UTIL_printable(why);
+    if (*stat_ != VESKMSG_S_UNINITIALIZED) *stat_ = VESKMSG_S_UNLINKED;
 }
 
 void VESKMSG_state::part(double seconds) {
-    if (stream_ && link_->stat == VESKMSG_S_OPEN) stream_->part(seconds);
+    if (stream_ && *stat_ == VESKMSG_S_OPEN) stream_->part(seconds);
     close("disconnected");
 }
 
@@ -122,20 +135,21 @@ void VESKMSG_state::fail(const std::string& why) {
 
 void VESKMSG_state::pump() {
     time_.look();
-    if (stream_ && link_->stat != VESKMSG_S_UNLINKED) {
+    if (!base_) return;
+    if (stream_ && *stat_ != VESKMSG_S_UNLINKED) {
         stream_->flush();
         take_frames();
     }
-    context_.restart();
-    context_.poll();
+    base_->context.restart();
+    base_->context.poll();
     watch_time();
 }
 
 void VESKMSG_state::watch_time() {
     const double now = time_.now();
-    if (link_->stat == VESKMSG_S_AWAITING_HANDSHAKE && now - heard_ >= HANDSHAKE_SECONDS)
+    if (*stat_ == VESKMSG_S_AWAITING_HANDSHAKE && now - heard_ >= HANDSHAKE_SECONDS)
         return fail("no answer from " + where_ + " for 10 s");
-    if (link_->stat != VESKMSG_S_OPEN) return;
+    if (*stat_ != VESKMSG_S_OPEN) return;
     if (inbox_full()) heard_ = now;  // it is we who do not listen
     if (now - heard_ >= LINKTIME_SILENCE) return fail("30 s of silence from the server");
     if (now < next_heartbeat_) return;
@@ -144,7 +158,7 @@ void VESKMSG_state::watch_time() {
     FRAME_encode_heartbeat(&scratch_);
     stream_->queue().append(scratch_);
     stream_->flush();
-    context_.poll();
+    base_->context.poll();
 }
 
 void VESKMSG_state::stream_received() {
@@ -153,8 +167,8 @@ void VESKMSG_state::stream_received() {
 }
 
 void VESKMSG_state::stream_ended(const std::string& why) {
-    ended_ = link_->stat == VESKMSG_S_OPEN ? "the connection to the server ended: " + why
-                                           : "no handshake with " + where_ + ": " + why;
+    ended_ = *stat_ == VESKMSG_S_OPEN ? "the connection to the server ended: " + why
+                                      : "no handshake with " + where_ + ": " + why;
     take_frames();
 }
 
@@ -164,7 +178,7 @@ bool VESKMSG_state::inbox_full() const {
 
 void VESKMSG_state::take_frames() {
     FRAME f;
-    while (link_->stat != VESKMSG_S_UNLINKED && !inbox_full()) {
+    while (*stat_ != VESKMSG_S_UNLINKED && !inbox_full()) {
         switch (stream_->reader().next(&f)) {
             case FRAME_READY:
                 frame(f);
@@ -179,11 +193,11 @@ void VESKMSG_state::take_frames() {
 }
 
 void VESKMSG_state::frame(const FRAME& f) {
-    const bool open = link_->stat == VESKMSG_S_OPEN;
+    const bool open = *stat_ == VESKMSG_S_OPEN;
     if (f.kind == FRAME_HEARTBEAT) return;
     if (f.kind == FRAME_MESSAGE && open) return message(f);
     if (f.kind == FRAME_WELCOME && !open) {
-        link_->stat = VESKMSG_S_OPEN;
+        *stat_ = VESKMSG_S_OPEN;
         next_heartbeat_ = time_.now() + LINKTIME_HEARTBEAT;
         return;
     }
@@ -249,8 +263,8 @@ void VESKMSG_state::deliver(VESKMSG_received* received, VESKMSG_cb cb, void* par
 }
 
 int VESKMSG_state::fd() {
-    if (link_->stat != VESKMSG_S_OPEN && link_->stat != VESKMSG_S_AWAITING_HANDSHAKE) return -1;
-    return stream_ ? stream_->fd() : connecting_.native_handle();
+    if (*stat_ != VESKMSG_S_OPEN && *stat_ != VESKMSG_S_AWAITING_HANDSHAKE) return -1;
+    return stream_ ? stream_->fd() : base_->connecting.native_handle();
 }
 
 short VESKMSG_state::events() const {

@@ -14,7 +14,8 @@
 #include "libvesk/link/linktime.h"
 #include "libvesk/link/msgcheck.h"
 #include "libvesk/link/stream.h"
-#include "libvesk/link/veskmsg.h"
+#include "libvesk/link/veskmsg_types.h"
+#include "libvesk/messages/records/server.h"
 
 struct VESKMSG_received {
     MSGCHECK_found what;
@@ -29,9 +30,10 @@ struct VESKMSG_received {
 
 class VESKMSG_state final : private STREAM::owner {
   public:
-    explicit VESKMSG_state(VESKMSG_link* link) : link_(link) {}
+    // `stat` is kept up to date as long as this lives.
+    explicit VESKMSG_state(VESKMSG_LINK_STATUS* stat) : stat_(stat) {}
 
-    BOOL connect(const ADDRESS& address, std::string name, FRAME_peer_kind kind);
+    BOOL connect(const ADDRESS& address, const std::string& name, FRAME_peer_kind kind);
     void close(const std::string& why);
     // The same, but what was sent arrives first, though that may take `seconds`.
     void part(double seconds);
@@ -77,9 +79,14 @@ class VESKMSG_state final : private STREAM::owner {
     void watch_time();
     void fail(const std::string& why);
 
-    VESKMSG_link* link_;
-    asio::io_context context_;  // before all that lives by it
-    STREAM::socket_type connecting_{context_};
+    // What a connection lives by. It takes descriptors of its own, so it is made when it is needed.
+    struct base {
+        asio::io_context context;
+        STREAM::socket_type connecting{context};
+    };
+
+    VESKMSG_LINK_STATUS* stat_;
+    std::unique_ptr<base> base_;  // before all that lives by it
     std::shared_ptr<STREAM> stream_;
     LINKTIME time_{LINKTIME_HEARTBEAT};
     std::string where_;

@@ -136,13 +136,18 @@ void UTIL_sched_yield() {
     sched_yield();
 }
 
+BOOL UTIL_is_ignored(int signal) {
+    struct sigaction present {};
+    return sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_IGN;
+}
+
 void UTIL_exit_signal_poll_setup_hup() {
     struct sigaction action {};
     action.sa_handler =
         on_exit_signal;  // no SA_RESTART: a blocking call returns, its caller looks and leaves
     sigemptyset(&action.sa_mask);
     for (int signal : EXIT_SIGNALS)
-        sigaction(signal, &action, nullptr);
+        if (!UTIL_is_ignored(signal)) sigaction(signal, &action, nullptr);
 }
 
 BOOL UTIL_exit_poll() {

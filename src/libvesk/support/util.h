@@ -40,7 +40,10 @@ void UTIL_fsleep(double seconds);
 BOOL UTIL_wait_fds(std::span<pollfd> fds, double seconds);
 void UTIL_sched_yield();
 
-// SIGINT, SIGTERM, SIGQUIT and SIGHUP set an exit request from here on instead of killing the process.
+// The signal is ignored, as SIGHUP is under nohup. A program that starts so leaves it like that.
+[[nodiscard]] BOOL UTIL_is_ignored(int signal);
+// SIGINT, SIGTERM, SIGQUIT and SIGHUP set an exit request from here on instead of killing the process; those
+// that are ignored stay so.
 void UTIL_exit_signal_poll_setup_hup();
 [[nodiscard]] BOOL UTIL_exit_poll();
 // Sets the exit request as a signal would; `requested` FALSE clears it (tests).

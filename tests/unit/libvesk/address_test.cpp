@@ -3,10 +3,12 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 
 namespace {
 
@@ -56,6 +58,41 @@ TEST(Address, LooksForTheLocalServerInOrder) {
     unsetenv("VESK_SOCKET");
     unsetenv("XDG_RUNTIME_DIR");
     EXPECT_EQ(ADDRESS_default().path, "/tmp/vesk-" + std::to_string(getuid()) + "/server.sock");
+}
+
+// The exit status of a process of that user who would connect to his socket in /tmp.
+int may_connect_as(uid_t user) {
+    const pid_t pid = fork();
+    if (pid == 0) {
+        std::string why;
+        const std::string path = "/tmp/vesk-" + std::to_string(user) + "/server.sock";
+        _exit(setuid(user) == 0 && ADDRESS_may_connect(path, &why) ? 0 : 1);
+    }
+    int status = -1;
+    waitpid(pid, &status, 0);
+    return status;
+}
+
+TEST(Address, SocketInTmpOfAnotherUserIsNotTrusted) {
+    if (getuid() != 0) GTEST_SKIP() << "only root can be several users";
+    const uid_t user = 1'000'000'000U + static_cast<uid_t>(getpid());
+    const std::filesystem::path directory = "/tmp/vesk-" + std::to_string(user);
+    const std::filesystem::path socket = directory / "server.sock";
+    std::filesystem::create_directory(directory);
+    std::ofstream(socket) << "";
+    const auto belong_to = [](const std::filesystem::path& path, uid_t owner) {
+        ASSERT_EQ(chown(path.c_str(), owner, 0), 0);
+    };
+    belong_to(directory, user);
+    belong_to(socket, user);
+    EXPECT_EQ(may_connect_as(user), 0);
+    belong_to(socket, user + 1);
+    EXPECT_NE(may_connect_as(user), 0);
+    belong_to(socket, 0);
+    EXPECT_EQ(may_connect_as(user), 0);
+    belong_to(directory, user + 1);
+    EXPECT_NE(may_connect_as(user), 0);
+    std::filesystem::remove_all(directory);
 }
 
 }  // namespace

@@ -159,7 +159,11 @@ TEST(UtilTime, WaitsForADescriptorAsLongAsAsked) {
 
 class UtilExit : public testing::Test {
   protected:
-    void SetUp() override { UTIL_exit_signal_poll_setup_hup(); }
+    void SetUp() override {
+        for (int signal : {SIGINT, SIGTERM, SIGQUIT, SIGHUP})  // whoever runs the tests may ignore some
+            std::signal(signal, SIG_DFL);
+        UTIL_exit_signal_poll_setup_hup();
+    }
     void TearDown() override { UTIL_request_exit(FALSE); }
 };
 
@@ -170,6 +174,13 @@ TEST_F(UtilExit, SignalsRequestExit) {
         EXPECT_TRUE(UTIL_exit_poll()) << signal;
         UTIL_request_exit(FALSE);
     }
+}
+
+TEST_F(UtilExit, SignalThatWasIgnoredAtTheStartStaysSo) {
+    std::signal(SIGHUP, SIG_IGN);
+    UTIL_exit_signal_poll_setup_hup();
+    std::raise(SIGHUP);
+    EXPECT_FALSE(UTIL_exit_poll());
 }
 
 // Once pending before the sleep, once arriving in it; the sleep is far longer than the test may take.

@@ -1,6 +1,7 @@
 // The peer's end of the link, against a server that says exactly what a test wants it to say.
 #include "libvesk/link/veskmsg.h"
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include "libvesk/messages/records/log.h"
@@ -73,6 +74,30 @@ TEST_F(Link, SaysWhyItCannotConnect) {
         const BOOL up = INST_connect(&inst_, &params) && INST_wait_connected(&inst_);
         EXPECT_FALSE(up);
         EXPECT_EQ(VESKMSG_error(link()), row.error);
+    }
+}
+
+TEST_F(Link, PathFromTheEnvironmentThatIsTooLongIsAnErrorLikeAnyOther) {
+    setenv("VESK_SOCKET", ("/\x1b" + std::string(106, 'x')).c_str(), 1);
+    const VESKMSG_connect_params params{"CLIENT", nullptr, FALSE};
+    EXPECT_FALSE(INST_connect(&inst_, &params));
+    EXPECT_THAT(VESKMSG_error(link()), HasSubstr("connect to /?xx"));
+    EXPECT_THAT(VESKMSG_error(link()), HasSubstr("longer than 107 bytes"));
+}
+
+TEST_F(Link, RunningOutOfDescriptorsIsAnErrorLikeAnyOther) {
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    rlimit few = before;
+    const int next = dup(0);
+    close(next);
+    for (int left = 0; left < 4; ++left) {
+        few.rlim_cur = static_cast<rlim_t>(next + left);
+        setrlimit(RLIMIT_NOFILE, &few);
+        const BOOL connected = connect();
+        setrlimit(RLIMIT_NOFILE, &before);
+        EXPECT_FALSE(connected) << left;
+        EXPECT_THAT(VESKMSG_error(link()), HasSubstr("Too many open files")) << left;
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 
 #include <csignal>
@@ -52,6 +53,22 @@ TEST(Options, SaysWhatIsWrong) {
     testing::internal::CaptureStdout();
     EXPECT_EQ(parse({"--help"}, &options), 0);
     EXPECT_THAT(testing::internal::GetCapturedStdout(), testing::HasSubstr("--listen"));
+}
+
+TEST(Server, CannotRunWithoutDescriptorsAndSaysSo) {
+    const TemporaryFolder folder;
+    const pid_t pid = fork();
+    if (pid == 0) {
+        const rlimit few{6, 6};
+        setrlimit(RLIMIT_NOFILE, &few);
+        SERVER_options options;
+        options.socket.path = folder / "run/server.sock";
+        _exit(SERVER_run(options));
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(pid, &status, 0), pid);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 1);
 }
 
 TEST(Server, RunsUntilASignalAndLeavesNothingBehind) {
