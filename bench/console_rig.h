@@ -18,6 +18,9 @@ class CONSOLE_rig {
     // Hands messages to the displays as the link does, and sets the console's clock.
     static void deliver(const std::vector<STATION_message>& messages, FTIME now);
 
+    // The console's screen is the one that curses works on from here on.
+    void use_screen() { screen_.use(); }
+
     STATION_feed station;
 
   private:

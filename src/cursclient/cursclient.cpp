@@ -207,7 +207,6 @@ void distribute_key(int key) {
 }
 
 void redraw() {
-    werase(stdscr);
     STATUS_update();
     WINS_update();
     MAINMENU_update();
@@ -216,6 +215,7 @@ void redraw() {
     OVERVIEW_update();
     RECONNECT_update();
     DEBUG_update();
+    WINS_show_pictures();
     update_panels();
     WINSCREEN_title(OVERVIEW_title());
     WINSCREEN_update();

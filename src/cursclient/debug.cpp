@@ -85,8 +85,7 @@ void read_stderr() {
 }
 
 char shown_character(int key) {
-    const auto c = static_cast<unsigned char>(key & 0x7F);
-    return UTIL_is_printable(c) ? static_cast<char>(c) : ' ';
+    return UTIL_shown(static_cast<char>(key & 0x7F));
 }
 
 SFMT_buffer g_line;  // for building lines

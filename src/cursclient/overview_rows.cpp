@@ -1,7 +1,5 @@
 #include "cursclient/overview_rows.h"
 
-#include <langinfo.h>
-
 #include <algorithm>
 #include <cctype>
 #include <cmath>
@@ -102,18 +100,11 @@ int attr_of(WATCH_state state) {
 constexpr int LEVELS = 8;
 
 // One cell of a trend: an eighth block as high as the level (1 to 8), or what comes nearest in ASCII.
-void put_level(WINDOW* win, int y, int x, int attr, int level) {
-    static const bool utf8 = std::string_view(nl_langinfo(CODESET)) == "UTF-8";
-    if (wmove(win, y, x) == ERR) return;
-    if (utf8) {
-        const wchar_t block[] = {static_cast<wchar_t>(0x2580 + level), 0};
-        cchar_t cell{};
-        setcchar(&cell, block, static_cast<attr_t>(attr), static_cast<short>(PAIR_NUMBER(attr)), nullptr);
-        wadd_wch(win, &cell);
-    } else {
-        static constexpr char ASCII[] = "_.,-~=+*#";
-        waddch(win, static_cast<chtype>(ASCII[level]) | static_cast<chtype>(attr));
-    }
+void put_level(WINS_window* win, int y, int x, int attr, int level) {
+    static constexpr char ASCII[] = "_.,-~=+*#";
+    if (CURSGRID* const picture = WINS_picture(win))
+        picture->put_special(picture->inside(), y, x, static_cast<chtype>(attr),
+                             static_cast<wchar_t>(0x2580 + level), static_cast<chtype>(ASCII[level]));
 }
 
 // The last hour in `width` cells, each the mean of its share of it, scaled between the least and the
@@ -143,7 +134,7 @@ void draw_trend(WINS_window* win, int y, int x, int width, const WATCH_instrumen
         const double mean = cells[static_cast<std::size_t>(c)];
         if (VESK_is_missing(mean)) continue;
         const double share = greatest > least ? (mean - least) / (greatest - least) : 0.5;
-        put_level(win->win, y, x + c, attr, 1 + static_cast<int>(std::lround(share * (LEVELS - 1))));
+        put_level(win, y, x + c, attr, 1 + static_cast<int>(std::lround(share * (LEVELS - 1))));
     }
 }
 

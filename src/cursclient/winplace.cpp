@@ -73,11 +73,6 @@ WINPLACE_box WINPLACE_centered(int sx, int sy) {
     return {COLS / 2 - sx / 2, LINES / 2 - sy / 2, sx, sy};
 }
 
-int WINPLACE_centered_text(int width, std::size_t length) {
-    const auto columns = static_cast<int>(std::min<std::size_t>(length, INT_MAX));
-    return std::max(width / 2 - columns / 2, 1);
-}
-
 WINPLACE_scan_line::WINPLACE_scan_line()
     : bits_(static_cast<BYTE*>(std::calloc(static_cast<std::size_t>(COLS) / 8 + 1, 1)), std::free) {}
 

@@ -20,8 +20,6 @@ struct WINPLACE_box {
 [[nodiscard]] WINPLACE_box WINPLACE_fit(const WINPLACE_box& wanted);
 // A box of that size in the middle of the screen; it may start above or left of it.
 [[nodiscard]] WINPLACE_box WINPLACE_centered(int sx, int sy);
-// Column where a text of that length is centred in `width` columns, never on the left border.
-[[nodiscard]] int WINPLACE_centered_text(int width, std::size_t length);
 
 // Places boxes of the given sizes, the largest first, so that they overlap least; what overlaps alike goes to
 // the top and to the left. Writes x and y, in the order given.

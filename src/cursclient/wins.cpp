@@ -30,8 +30,10 @@ WINPLACE_box box_of(WINDOW* win) {
     return {getbegx(win), getbegy(win), getmaxx(win), getmaxy(win)};
 }
 
-// Cells that nothing was drawn into look like the screen behind.
+// Cells that nothing was drawn into look like the screen behind. A new window may have the address of an old
+// one.
 WINDOW* new_curses_window(const WINPLACE_box& b) {
+    CURSGRID::forget_shown();
     WINDOW* win = newwin(b.sy, b.sx, b.y, b.x);
     if (win != nullptr) wbkgd(win, ' ' | static_cast<chtype>(WINS_attr_normal()));
     return win;
@@ -64,8 +66,10 @@ bool rebuild_in_place(WINS_window* win, const WINPLACE_box& b) {
 void free_curses_parts(WINS_window* win) {
     if (win->pan != nullptr) del_panel(win->pan);
     if (win->win != nullptr) delwin(win->win);
+    delete win->picture;
     win->pan = nullptr;
     win->win = nullptr;
+    win->picture = nullptr;
 }
 
 // ---- arguments
@@ -353,6 +357,7 @@ void WINS_arrange() {
 }
 
 void WINS_screen_resized() {
+    CURSGRID::forget_shown();
     for (WINS_window& win : LL_each<WINS_window>(g_window_list)) {
         if (!has_curses_parts(&win)) continue;
         const WINPLACE_box wanted = WINPLACE_fit({win.wish_x, win.wish_y, win.wish_sx, win.wish_sy});
@@ -458,30 +463,31 @@ BOOL WINS_default_keyhandler(WINS_window* win, int key) {
     return TRUE;
 }
 
+CURSGRID* WINS_picture(WINS_window* win) {
+    if (win == nullptr || win->win == nullptr) return nullptr;
+    if (win->picture == nullptr) win->picture = new CURSGRID(win->win);
+    win->picture->attach(win->win);
+    return win->picture;
+}
+
+void WINS_show_pictures() {
+    for (WINS_window& win : LL_each<WINS_window>(g_window_list))
+        if (win.visible && win.picture != nullptr) WINS_picture(&win)->show();
+}
+
 void WINS_center_string(WINS_window* win, const char* str, int y) {
     if (!checked(win) || str == nullptr) return;
-    const int width = getmaxx(win->win);
-    const int x = WINPLACE_centered_text(width, std::strlen(str));
-    if (x < width - 1 && wmove(win->win, y, x) != ERR) waddnstr(win->win, str, width - 1 - x);
+    CURSGRID* const picture = WINS_picture(win);
+    const CURSGRID_box place{0, 1, picture->whole().rows, picture->whole().cols - 2};
+    picture->put_centered(place, y, static_cast<chtype>(getattrs(win->win)), str);
 }
 
 void WINS_window_border(WINS_window* win, int attr) {
-    if (!checked(win)) return;
-    const auto a = static_cast<chtype>(attr);
-    // In a window of one column curses looks for, and may write to, the cell behind it.
-    if (getmaxx(win->win) < 2) {
-        mvwvline(win->win, 0, 0, ACS_VLINE | a, getmaxy(win->win));
-        return;
-    }
-    wborder(win->win, ACS_VLINE | a, ACS_VLINE | a, ACS_HLINE | a, ACS_HLINE | a, ACS_ULCORNER | a,
-            ACS_URCORNER | a, ACS_LLCORNER | a, ACS_LRCORNER | a);
+    if (checked(win)) WINS_picture(win)->put_border(static_cast<chtype>(attr));
 }
 
 void WINS_blank_window(WINS_window* win) {
-    if (!checked(win)) return;
-    const WINPLACE_box b = box_of(win->win);
-    for (int y = 0; y < b.sy; ++y)
-        mvwhline(win->win, y, 0, ' ', b.sx);
+    if (checked(win)) WINS_picture(win)->fill(static_cast<chtype>(getattrs(win->win)));
 }
 
 void WINS_save_window_setup() {

@@ -8,6 +8,7 @@
 #include "cursclient/wincolor.h"
 #include "libvesk/support/ll.h"
 #include "libvesk/support/types.h"
+#include "libveskcurs/cursgrid.h"
 
 using WINS_UID = char[65];  // a window's identity: at most 64 characters, terminated
 
@@ -28,6 +29,7 @@ struct WINS_window {
     // What the owner and the operator asked for; the curses window is this, cut and moved only as far as the
     // present screen demands.
     int wish_x, wish_y, wish_sx, wish_sy;
+    CURSGRID* picture;  // owned; null until something is drawn
 };
 
 extern LL_TYPE g_window_list;    // of WINS_window, in order of creation; owns the records
@@ -78,6 +80,10 @@ void WINS_update();
 [[nodiscard]] BOOL WINS_keypress(int key);
 [[nodiscard]] BOOL WINS_default_keyhandler(WINS_window* win, int key);
 
+// What the window shall show; null for a null window and one without a curses window.
+[[nodiscard]] CURSGRID* WINS_picture(WINS_window* win);
+// Once per pass, when everything is drawn: brings the windows in view up to date with their pictures.
+void WINS_show_pictures();
 // Text centred on row y, cut to the columns between the side borders.
 void WINS_center_string(WINS_window* win, const char* str, int y);
 void WINS_window_border(WINS_window* win, int attr);

@@ -1,16 +1,15 @@
 // Text inside managed windows: clipped to the inner side of the borders, never wrapped, and made of printable
-// characters only, whatever came in.
+// characters only, whatever came in. It is drawn into the window's picture (cursgrid.h).
 #pragma once
 
 #include <string_view>
 
 #include "cursclient/wins.h"
 
-// Writes `text` from (y, x) in the window's current attribute. What lies on or beyond the inner right border
-// is cut; rows outside the inside (the border rows included) draw nothing. Bytes that are not printable ASCII
-// are drawn as blanks.
+// Writes `text` from (y, x) in the window's current attribute, as far as it lies within the borders. Bytes
+// that are not printable ASCII are drawn as blanks.
 void WINTEXT_put(WINS_window* win, int y, int x, std::string_view text);
-// The same in another attribute; the window's current attribute stays.
+// The same in another attribute.
 void WINTEXT_put_attr(WINS_window* win, int y, int x, int attr, std::string_view text);
 // Centred between the side borders.
 void WINTEXT_put_centered(WINS_window* win, int y, int attr, std::string_view text);

@@ -55,16 +55,16 @@ void settle_view(CURSDIALOG_type& dlg, const Layout& layout) {
 }
 
 // A text with a blank at either end, centred in the border on row y; cut where the border ends.
-void draw_in_border(const Canvas& whole, int y, const std::string& text, chtype attr) {
+void draw_in_border(const View& whole, int y, const std::string& text, chtype attr) {
     if (text.empty()) return;
-    const int room = whole.view.cols - 2;
+    const int room = whole.box.cols - 2;
     std::string shown = length(text) + 2 <= room ? ' ' + text + ' ' : text;
     shown.resize(static_cast<std::size_t>(std::min(length(shown), room)));
     whole.put(y, 2 + centred(room, length(shown)), shown, attr);
 }
 
 // Marks where the contents go on beyond the view.
-void draw_marks(const CURSDIALOG_type& dlg, const Layout& layout, const Canvas& whole, chtype attr) {
+void draw_marks(const CURSDIALOG_type& dlg, const Layout& layout, const View& whole, chtype attr) {
     const int rows = layout.box.rows;
     const int cols = layout.box.cols;
     const int middle = (rows + 1) / 2;
@@ -75,12 +75,10 @@ void draw_marks(const CURSDIALOG_type& dlg, const Layout& layout, const Canvas& 
 }
 
 void draw_frame(const CURSDIALOG_type& dlg, const Layout& layout, const Look& look, bool on_top) {
-    WINDOW* win = dlg.window->get();
+    CURSGRID& picture = dlg.window->picture();
     const chtype attr = on_top ? look.highlight : look.normal;
-    wattrset(win, static_cast<int>(attr));
-    if (getmaxx(win) > 1) box(win, 0, 0);  // in one column curses would write behind it
-    wattrset(win, A_NORMAL);               // they would be mixed into every cell written from here on
-    const Canvas whole{win, {0, 0, layout.box.rows, layout.box.cols}, 0, 0};
+    picture.put_border(attr);
+    const View whole{&picture, picture.whole(), 0, 0};
     draw_in_border(whole, 1, dlg.title, attr);
     draw_in_border(whole, layout.box.rows, dlg.reason, look.highlight);
     draw_marks(dlg, layout, whole, look.highlight);
@@ -126,14 +124,13 @@ void draw(CURSDIALOG_type& dlg, bool on_top) {
     settle_view(dlg, layout);
 
     const Look look = look_of(dlg.attr, dlg.hl_attr);
-    WINDOW* win = dlg.window->get();
-    for (int y = 0; y < layout.box.rows; ++y)
-        mvwhline(win, y, 0, look.normal | ' ', layout.box.cols);
+    CURSGRID& picture = dlg.window->picture();
+    picture.fill(look.normal);
     if (layout.framed) draw_frame(dlg, layout, look, on_top);
-    const Canvas canvas{win, layout.view, dlg.top, dlg.left};
+    const View view{&picture, layout.view, dlg.top, dlg.left};
     for (const auto& wd : dlg.widgets) {
         const bool focused = wd.get() == dlg.focus;
-        draw(*wd, canvas, look, dlg.width, focused, focused && dlg.editor ? &*dlg.editor : nullptr);
+        draw(*wd, view, look, dlg.width, focused, focused && dlg.editor ? &*dlg.editor : nullptr);
     }
     dlg.window->raise();
 }

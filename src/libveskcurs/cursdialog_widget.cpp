@@ -56,26 +56,26 @@ std::size_t hot_position(const CURSDIALOG_widget& wd) {
     return wd.label.find(static_cast<char>(other));
 }
 
-void draw_hot_key(const CURSDIALOG_widget& wd, const Canvas& canvas, int label_x, int last_x, chtype attr) {
+void draw_hot_key(const CURSDIALOG_widget& wd, const View& view, int label_x, int last_x, chtype attr) {
     const std::size_t at = hot_position(wd);
     if (at == std::string::npos || label_x + static_cast<int>(at) > last_x) return;
-    canvas.put(wd.y, label_x + static_cast<int>(at), wd.label[at], attr | A_UNDERLINE);
+    view.put(wd.y, label_x + static_cast<int>(at), wd.label[at], attr | A_UNDERLINE);
 }
 
-void draw_button(const CURSDIALOG_widget& wd, const Canvas& canvas, const Look& look, int dialog_width,
+void draw_button(const CURSDIALOG_widget& wd, const View& view, const Look& look, int dialog_width,
                  bool focused) {
     const Face face = face_of(wd, dialog_width);
     const chtype plain = look.normal | (wd.style == CURSDIALOG_STYLE_CLOSE ? A_BOLD : A_NORMAL);
-    canvas.put(wd.y, wd.x, face.text, focused ? look.focus : plain);
-    draw_hot_key(wd, canvas, wd.x + static_cast<int>(face.label_start), wd.x + length(face.text) - 1,
+    view.put(wd.y, wd.x, face.text, focused ? look.focus : plain);
+    draw_hot_key(wd, view, wd.x + static_cast<int>(face.label_start), wd.x + length(face.text) - 1,
                  focused ? look.focus : look.highlight);
 }
 
-void draw_entry(const CURSDIALOG_widget& wd, const Canvas& canvas, const Look& look, int dialog_width,
+void draw_entry(const CURSDIALOG_widget& wd, const View& view, const Look& look, int dialog_width,
                 bool focused, LineEditor* editor) {
     const chtype attr = focused ? look.focus : look.normal;
-    canvas.put(wd.y, wd.x, wd.label, attr);
-    draw_hot_key(wd, canvas, wd.x, wd.x + length(wd.label) - 1, focused ? look.focus : look.highlight);
+    view.put(wd.y, wd.x, wd.label, attr);
+    draw_hot_key(wd, view, wd.x, wd.x + length(wd.label) - 1, focused ? look.focus : look.highlight);
 
     const auto columns = static_cast<std::size_t>(field_columns(wd, dialog_width));
     const int field_x = wd.x + length(wd.label);
@@ -84,12 +84,12 @@ void draw_entry(const CURSDIALOG_widget& wd, const Canvas& canvas, const Look& l
     if ((wd.style & CURSDIALOG_STYLE_HIDDEN) != 0) text.assign(text.size(), '*');
     text.erase(0, first);
     text.resize(columns, '_');
-    canvas.put(wd.y, field_x, text, attr | A_UNDERLINE);
+    view.put(wd.y, field_x, text, attr | A_UNDERLINE);
     if (editor == nullptr) return;
     // The terminal's own cursor is off: a cell in reverse shows where typing goes.
     const std::size_t at = editor->cursor() - first;
     const char under = text[at] == '_' && editor->cursor() == editor->text().size() ? ' ' : text[at];
-    canvas.put(wd.y, field_x + static_cast<int>(at), under, attr ^ A_REVERSE);
+    view.put(wd.y, field_x + static_cast<int>(at), under, attr ^ A_REVERSE);
 }
 
 // The pair's two colours are those of the other one: colours are off, or the terminal has none.
@@ -133,15 +133,15 @@ int columns_of(const CURSDIALOG_widget& wd, int dialog_width) {
     return length(wd.label) + (brackets(wd).empty() ? 0 : 4);
 }
 
-void draw(const CURSDIALOG_widget& wd, const Canvas& canvas, const Look& look, int dialog_width, bool focused,
+void draw(const CURSDIALOG_widget& wd, const View& view, const Look& look, int dialog_width, bool focused,
           LineEditor* editor) {
     switch (wd.kind) {
         case Kind::BUTTON:
-            return draw_button(wd, canvas, look, dialog_width, focused);
+            return draw_button(wd, view, look, dialog_width, focused);
         case Kind::ENTRY:
-            return draw_entry(wd, canvas, look, dialog_width, focused, editor);
+            return draw_entry(wd, view, look, dialog_width, focused, editor);
         case Kind::LABEL:
-            return canvas.put(wd.y, wd.x, face_of(wd, dialog_width).text, look.normal);
+            return view.put(wd.y, wd.x, face_of(wd, dialog_width).text, look.normal);
     }
 }
 

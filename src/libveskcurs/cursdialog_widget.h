@@ -57,7 +57,7 @@ namespace cursdialog {
 // Those of them that an entry's value has, behind its label.
 [[nodiscard]] int field_columns(const CURSDIALOG_widget& wd, int dialog_width);
 // `editor` is that of an entry being edited, else null.
-void draw(const CURSDIALOG_widget& wd, const Canvas& canvas, const Look& look, int dialog_width, bool focused,
+void draw(const CURSDIALOG_widget& wd, const View& view, const Look& look, int dialog_width, bool focused,
           LineEditor* editor);
 
 }  // namespace cursdialog

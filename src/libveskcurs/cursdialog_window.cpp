@@ -2,8 +2,6 @@
 // one on its own when the terminal was resized.
 #include "libveskcurs/cursdialog_window.h"
 
-#include "libvesk/support/util.h"
-
 namespace cursdialog {
 
 Window::Window() {
@@ -30,23 +28,13 @@ bool Window::place(const Box& box) {
     }
     if (win_ != nullptr) delwin(win_);
     win_ = fresh;
+    picture_.emplace(fresh);
     return true;
 }
 
 void Window::raise() {
+    picture_->show();
     top_panel(panel_);
-}
-
-void Canvas::put(int y, int x, std::string_view text, chtype attr) const {
-    const int row = y - 1 - top;
-    if (row < 0 || row >= view.rows) return;
-    int col = x - 1 - left;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        const chtype shown = UTIL_is_printable(byte) ? byte : ' ';
-        if (col >= 0 && col < view.cols) mvwaddch(win, view.y + row, view.x + col, shown | attr);
-        ++col;
-    }
 }
 
 }  // namespace cursdialog

@@ -64,11 +64,11 @@ void ConsoleTest::type(std::string_view text) {
 namespace {
 
 void draw() {
-    werase(stdscr);
     STATUS_update();
     WINS_update();
     MAINMENU_update();
     CURSDIALOG_update();
+    WINS_show_pictures();
     // The panel library knows the standard screen only once there was a panel.
     if (panel_above(nullptr) == nullptr) wnoutrefresh(stdscr);
 }

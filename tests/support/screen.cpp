@@ -127,6 +127,10 @@ TestScreen::~TestScreen() {
     std::fclose(impl_->out);
 }
 
+void TestScreen::use() {
+    set_term(impl_->screen);
+}
+
 void TestScreen::type(std::string_view bytes) {
     while (!bytes.empty()) {
         const ssize_t n = write(impl_->keys_fd, bytes.data(), bytes.size());

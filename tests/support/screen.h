@@ -17,6 +17,8 @@ class TestScreen {
     TestScreen(const TestScreen&) = delete;
     TestScreen& operator=(const TestScreen&) = delete;
 
+    // Makes it the screen that curses is working on, where there are several.
+    void use();
     // Bytes that the next key read finds waiting.
     void type(std::string_view bytes);
     // Ends the input, as a terminal that went away does.

@@ -1,31 +1,8 @@
-// Drawing inside windows for displays: attributes set around each write, everything clipped by the text
-// layer.
+// Drawing inside windows for displays.
 #include "cursclient/kit/canvas.h"
-
-#include <langinfo.h>
 
 #include "cursclient/wintext.h"
 #include "libvesk/messages/records/shared.h"
-
-namespace {
-
-bool locale_is_utf8() {
-    return std::string_view(nl_langinfo(CODESET)) == "UTF-8";
-}
-
-void add_block(WINDOW* win, int attr) {
-    if (locale_is_utf8()) {
-        static constexpr wchar_t FULL_BLOCK[] = L"\u2588";
-        cchar_t cell{};
-        setcchar(&cell, FULL_BLOCK, static_cast<attr_t>(attr), static_cast<short>(PAIR_NUMBER(attr)),
-                 nullptr);
-        wadd_wch(win, &cell);
-    } else {
-        waddch(win, ACS_BLOCK | static_cast<chtype>(attr));
-    }
-}
-
-}  // namespace
 
 CANVAS::CANVAS(WINS_window* win, SFMT_buffer* sbfr) : win_(win), sbfr_(sbfr), attr_(WINS_attr_normal()) {}
 
@@ -51,10 +28,9 @@ void CANVAS::rule(int row, std::string_view title) const {
 }
 
 void CANVAS::block(int row, int col) const {
-    if (win_ == nullptr || win_->win == nullptr) return;
-    const bool inside =
-        row >= 1 && row <= getmaxy(win_->win) - 2 && col >= 1 && col <= getmaxx(win_->win) - 2;
-    if (inside && wmove(win_->win, row, col) != ERR) add_block(win_->win, attr_);
+    static constexpr wchar_t FULL_BLOCK = L'\u2588';
+    if (CURSGRID* const picture = WINS_picture(win_))
+        picture->put_special(picture->inside(), row, col, static_cast<chtype>(attr_), FULL_BLOCK, ACS_BLOCK);
 }
 
 void CANVAS::meaning(int row, int col, const NETDSD_meaning& m) const {

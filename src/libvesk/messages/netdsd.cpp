@@ -8,14 +8,10 @@
 
 namespace {
 
-char printable(char c) {
-    return UTIL_is_printable(static_cast<unsigned char>(c)) ? c : ' ';
-}
-
 void sanitize_text(char* text, std::size_t capacity, std::size_t size) {
     const void* terminator = std::memchr(text, '\0', capacity);
     const std::size_t length = terminator != nullptr ? static_cast<const char*>(terminator) - text : capacity;
-    std::transform(text, text + length, text, printable);
+    std::transform(text, text + length, text, UTIL_shown);
     std::memset(text + length, 0, size - length);
 }
 
@@ -26,7 +22,7 @@ void sanitize_field(const NETDSD_field& f, char* at) {
             std::transform(at, at + f.count, at, [](char c) -> char { return c != 0; });
             break;
         case NETDSD_FT_CHAR:
-            if (*at != 0) *at = printable(*at);
+            if (*at != 0) *at = UTIL_shown(*at);
             break;
         case NETDSD_FT_A_CHAR:
         case NETDSD_FT_STRING:

@@ -97,6 +97,10 @@ void UTIL_shift_array(void* array, std::size_t total, std::ptrdiff_t shift);
 [[nodiscard]] constexpr BOOL UTIL_is_printable(unsigned char c) {
     return c >= 32 && c < 127;
 }
+// The character, or a blank in place of a byte that is none of those.
+[[nodiscard]] constexpr char UTIL_shown(char c) {
+    return UTIL_is_printable(static_cast<unsigned char>(c)) ? c : ' ';
+}
 // The text with a '?' in place of every other byte, newlines included: one line, whatever it was.
 [[nodiscard]] std::string UTIL_printable(std::string_view text);
 // The name of an instrument or its refusal: 1 to 31 printable characters, no blank at either end.

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "cursclient/cursclient.h"
+#include "cursclient/wintext.h"
 #include "libvesk/support/util.h"
 #include "libveskcurs/curskeys.h"
 #include "support/console.h"
@@ -359,15 +360,16 @@ TEST_F(Wins, WishesOfASmallScreen) {
 TEST_F(Wins, Frame) {
     WINS_window* w = shown("w", {0, 0, 12, 3});
     WINS_draw_frame(w, "CPC");
-    EXPECT_EQ(TestScreen::dump(w->win), "+----CPC---+\n|          |\n+----------+\n");
+    WINTEXT_put(w, 1, 1, "stale");
+    WINS_show_pictures();
+    EXPECT_EQ(TestScreen::dump(w->win), "+----CPC---+\n|stale     |\n+----------+\n");
     EXPECT_EQ(TestScreen::color_pair(w->win, 0, 0), CP_YELLOW_BLUE);
     EXPECT_TRUE(TestScreen::attributes(w->win, 0, 0) & A_BOLD);
-    waddch(w->win, 'x');
-    EXPECT_EQ(TestScreen::color_pair(w->win, 0, 8), CP_WHITE_BLUE) << "text that follows is plain";
+    EXPECT_EQ(TestScreen::color_pair(w->win, 1, 1), CP_WHITE_BLUE) << "text that follows is plain";
 
-    mvwaddstr(w->win, 1, 1, "stale");
     WINS_focus_window(shown("other", {0, 5, 12, 3}));
     WINS_draw_frame(w, "0123456789abc");
+    WINS_show_pictures();
     EXPECT_EQ(TestScreen::dump(w->win), "+0123456789+\n|          |\n+----------+\n");
     EXPECT_EQ(TestScreen::color_pair(w->win, 0, 0), CP_WHITE_BLUE) << "not focused";
     EXPECT_FALSE(TestScreen::attributes(w->win, 0, 0) & A_BOLD);

@@ -61,7 +61,6 @@ class DialogTest : public testing::Test {
 
     // The screen after one pass of the main loop.
     static std::string shown() {
-        werase(stdscr);
         CURSDIALOG_update();
         update_panels();
         doupdate();
