@@ -120,14 +120,16 @@ std::string DESCRIBE_all(DESCRIBE_form form) {
 
 BOOL DESCRIBE_name(std::string_view name, DESCRIBE_form form, std::string* text) {
     const bool as_json = form == DESCRIBE_JSON;
-    if (const KINDS_row* kind = KINDS_by_name(name))
+    const KINDS_row* const kind = KINDS_by_name(name);
+    const NETMSG_entry* const msg = NETMSG_by_name(name);
+    const NETDSD_entry* const dsd = NETDSD_by_name(name);
+    if (kind != nullptr)
         *text = as_json ? JSONDESC_kind(*kind) + '\n' : kind_text(*kind);
-    else if (const NETMSG_entry* msg = NETMSG_by_name(name))
+    else if (msg != nullptr)
         *text = as_json ? JSONDESC_message(*msg) + '\n' : message_text(*msg);
-    else if (const NETDSD_entry* dsd = NETDSD_by_name(name))
+    else if (dsd != nullptr)
         *text = as_json ? JSONDESC_record(dsd) + '\n' : record_text(dsd);
     else
         *text = unknown(name);
-    return KINDS_by_name(name) != nullptr || NETMSG_by_name(name) != nullptr ||
-           NETDSD_by_name(name) != nullptr;
+    return kind != nullptr || msg != nullptr || dsd != nullptr;
 }

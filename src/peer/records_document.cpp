@@ -61,11 +61,9 @@ std::string kinds() {
     for (const KINDS_row& kind : KINDS_all()) {
         if (kind.origin == KINDS_AT_START) continue;
         std::string families;
-        for (std::string_view left = kind.families; !left.empty();) {
-            const std::string_view family = left.substr(0, left.find(' '));
+        KINDS_for_each_family(kind, [&](std::string_view family) {
             families += (families.empty() ? "`MSG_" : ", `MSG_") + std::string(family) + "_*`";
-            left.remove_prefix(std::min(family.size() + 1, left.size()));
-        }
+        });
         const char* const display = kind.origin == KINDS_MATCHED ? "one for the station" : "";
         text += row({code(kind.name), kind.purpose, kind.has_display ? display : "none yet", families});
     }

@@ -28,12 +28,11 @@ bool KINDS_has_message(const KINDS_row& kind, std::string_view message) {
     constexpr std::string_view PREFIX = "MSG_";
     if (!message.starts_with(PREFIX)) return false;
     message.remove_prefix(PREFIX.size());
-    for (std::string_view left = kind.families; !left.empty();) {
-        const std::string_view family = left.substr(0, left.find(' '));
-        if (message.starts_with(family) && message.substr(family.size()).starts_with('_')) return true;
-        left.remove_prefix(std::min(family.size() + 1, left.size()));
-    }
-    return false;
+    bool found = false;
+    KINDS_for_each_family(kind, [&](std::string_view family) {
+        found |= message.starts_with(family) && message.substr(family.size()).starts_with('_');
+    });
+    return found;
 }
 
 KINDS_known KINDS_find(std::string_view kind) {

@@ -84,6 +84,15 @@ struct KINDS_row {
 [[nodiscard]] std::span<const KINDS_row> KINDS_all();
 // The row of exactly that name, or null.
 [[nodiscard]] const KINDS_row* KINDS_by_name(std::string_view name);
+// Calls each(family) for each of the kind's families.
+template <class F>
+void KINDS_for_each_family(const KINDS_row& kind, F&& each) {
+    for (std::string_view left = kind.families; !left.empty();) {
+        const std::string_view family = left.substr(0, left.find(' '));
+        each(family);
+        left.remove_prefix(family.size() + (family.size() < left.size() ? 1 : 0));
+    }
+}
 // Whether a message of that name belongs to one of the kind's families.
 [[nodiscard]] bool KINDS_has_message(const KINDS_row& kind, std::string_view message);
 
