@@ -36,6 +36,9 @@
     X(lasair,      "S12", "Lasair OPC",     'R', "sizer", FALSE) \
     X(sems,        "S13", "Mobility sizer", 'S', "sizer", FALSE) \
     X(ccn,         "N71", "CCN counter",    'D', "ccn", FALSE) \
+    X(hygrometer,  "H11", "Hygrometer",     'h', "met", FALSE) \
+    X(tsitmf,      "Q11", "Mass flow meter", 'f', "flow", FALSE) \
+    X(bestups,     "U11", "Power supply",   'u', "power", FALSE) \
     X(inst_skel,   "X11", "Skeleton",       'K', "",    TRUE)
 // clang-format on
 

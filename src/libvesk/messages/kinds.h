@@ -16,7 +16,7 @@
     NONE(AINALL, MATCHED, "IO", "all analog inputs together") \
     NONE(ain_simple, ANNOUNCED, "AINSIMPLE", "analog inputs") \
     KIND(AVGSTATUS, MATCHED, "CONTAMINATION LOG_AVG", "contamination, bypass and flush of the averages") \
-    NONE(bestups, ANNOUNCED, "BESTUPS", "uninterruptible power supply") \
+    KIND(bestups, ANNOUNCED, "BESTUPS", "uninterruptible power supply") \
     KIND(caps, ANNOUNCED, "CAPS", "cavity extinction monitor") \
     KIND(ccn, ANNOUNCED, "CCN", "cloud condensation nuclei counter") \
     KIND(clap3w, ANNOUNCED, "CLAP3W", "three-wavelength absorption photometer with eight spots") \
@@ -39,7 +39,7 @@
     KIND(grimm, ANNOUNCED, "GRIMM COMMON_CNC", "Grimm optical particle counter") \
     KIND(PERSISTENT_HELP, AT_START, "", "the help window") \
     NONE(HUMIDOGRAPH, MATCHED, "HUMIDOGRAPH", "scattering over a scan of humidity") \
-    NONE(hygrometer, ANNOUNCED, "HYGROMETER", "hygrometer") \
+    KIND(hygrometer, ANNOUNCED, "HYGROMETER", "hygrometer") \
     KIND(lasair, ANNOUNCED, "LASAIR", "PMS Lasair optical particle counter") \
     KIND(PERSISTENT_LOGENTRY, AT_START, "", "the online log entry") \
     KIND(lovepid, ANNOUNCED, "LOVEPID", "up to four Love loop controllers") \
@@ -59,7 +59,7 @@
     KIND(PERSISTENT_SCRESULTS, AT_START, "", "results of a span check") \
     KIND(sems, ANNOUNCED, "SEMS", "scanning electrical mobility spectrometer") \
     KIND(inst_skel, ANNOUNCED, "", "skeleton for developers") \
-    NONE(tsitmf, ANNOUNCED, "TSITMF", "thermal mass flow meter") \
+    KIND(tsitmf, ANNOUNCED, "TSITMF", "thermal mass flow meter") \
     NONE(umac, ANNOUNCED, "UMAC", "data acquisition unit") \
     KIND(verticalprofile, ANNOUNCED, "VERTICALPROFILE GPS", "schedule of a vertical profile") \
     KIND(watlow, ANNOUNCED, "WATLOW", "Watlow loop controller with two channels") \

@@ -23,6 +23,7 @@ struct UNIT {
     X(counts, "counts", "counts of a detector", "") \
     X(epoch, "s since 1970", "seconds since 1970-01-01 00:00 UTC", "") \
     X(s, "s", "seconds") \
+    X(min, "min", "minutes") \
     X(Hz, "Hz", "hertz") \
     X(nm, "nm", "nanometres") \
     X(um, "um", "micrometres") \

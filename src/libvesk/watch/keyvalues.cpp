@@ -44,6 +44,9 @@ consteval KEYVALUE value(NETMSG_type msg, std::size_t offset, const char* label,
 constexpr KEYVALUE AETHALOMETER[] = {
     VALUE(MSG_AETHALOMETER_REPORT, NET_AETHALOMETER_Report, conc[5], "BC 880", 0),
     VALUE(MSG_AETHALOMETER_REPORT, NET_AETHALOMETER_Report, Q, "Q", 2)};
+constexpr KEYVALUE BESTUPS[] = {VALUE(MSG_BESTUPS_INSTANT, NET_BESTUPS_Instant, in.V_mains, "mains", 0),
+                                VALUE(MSG_BESTUPS_INSTANT, NET_BESTUPS_Instant, in.charge, "bat", 0),
+                                VALUE(MSG_BESTUPS_INSTANT, NET_BESTUPS_Instant, in.time_left, "left", 0)};
 constexpr KEYVALUE CAPS[] = {VALUE(MSG_CAPS_INSTANT, NET_CAPS_Instant, in.ext, "Bext", 2),
                              VALUE(MSG_CAPS_INSTANT, NET_CAPS_Instant, in.temp, "T", 1)};
 constexpr KEYVALUE CCN[] = {VALUE(MSG_CCN_INSTANT, NET_CCN_Instant, cnc, "N", 1),
@@ -62,6 +65,8 @@ constexpr KEYVALUE CPC_PULSE[] = {VALUE(MSG_CPC_PULSE_INSTANT, NET_CPC_Pulse_Ins
 constexpr KEYVALUE GENERICPID[] = {VALUE(MSG_GENERICPID_INSTANT, NET_GENERICPID_Instant, pv, "PV", 2)};
 constexpr KEYVALUE GRIMM[] = {VALUE(MSG_GRIMM_INSTANT, NET_GRIMM_Instant, N, "N", 1),
                               VALUE(MSG_GRIMM_INSTANT, NET_GRIMM_Instant, Q, "Q", 2)};
+constexpr KEYVALUE HYGROMETER[] = {VALUE(MSG_HYGROMETER_INSTANT, NET_HYGROMETER_Instant, in.T_dew, "Td", 1),
+                                   VALUE(MSG_HYGROMETER_INSTANT, NET_HYGROMETER_Instant, in.RH, "RH", 1)};
 constexpr KEYVALUE LASAIR[] = {VALUE(MSG_LASAIR_INSTANT, NET_LASAIR_Instant, N, "N", 1),
                                VALUE(MSG_LASAIR_INSTANT, NET_LASAIR_Instant, Q, "Q", 2)};
 constexpr KEYVALUE LOVEPID[] = {VALUE(MSG_LOVEPID_INSTANT, NET_LOVEPID_Instant, pv[0], "PV 1", 2)};
@@ -83,6 +88,8 @@ constexpr KEYVALUE PSAP3[] = {VALUE(MSG_PSAP3_INSTANT, NET_PSAP3_Instant, bap[1]
                               VALUE(MSG_PSAP3_INSTANT, NET_PSAP3_Instant, tr[1], "Tr G", 3)};
 constexpr KEYVALUE SEMS[] = {VALUE(MSG_SEMS_INFO, NET_SEMS_Info, Q_sheath, "Q sh", 2),
                              VALUE(MSG_SEMS_INFO, NET_SEMS_Info, rh, "RH", 1)};
+constexpr KEYVALUE TSITMF[] = {VALUE(MSG_TSITMF_INSTANT, NET_TSITMF_Instant, in.Q, "Q", 2),
+                               VALUE(MSG_TSITMF_INSTANT, NET_TSITMF_Instant, in.T, "T", 1)};
 constexpr KEYVALUE VERTICALPROFILE[] = {
     VALUE(MSG_VERTICALPROFILE_ALL, NET_VERTICALPROFILE_All, wp_site.distance, "site", 1)};
 constexpr KEYVALUE WATLOW[] = {VALUE(MSG_WATLOW_INSTANT, NET_WATLOW_Channels, chA, "A", 1),
@@ -91,6 +98,7 @@ constexpr KEYVALUE WATLOW[] = {VALUE(MSG_WATLOW_INSTANT, NET_WATLOW_Channels, ch
 // In the order of the kinds. Reports that come by themselves every few minutes may be quiet for two of them.
 constexpr KEYVALUES_kind ROWS[] = {
     {.kind = "aethalometer", .quiet = 900, .values = AETHALOMETER},
+    {.kind = "bestups", .quiet = 15, .values = BESTUPS},
     {.kind = "caps", .quiet = 15, .values = CAPS},
     {.kind = "ccn", .quiet = 15, .values = CCN},
     {.kind = "clap3w", .quiet = 15, .values = CLAP3W},
@@ -104,6 +112,7 @@ constexpr KEYVALUES_kind ROWS[] = {
     {.kind = "cpc_pulse", .quiet = 15, .values = CPC_PULSE},
     {.kind = "genericpid", .quiet = 15, .values = GENERICPID},
     {.kind = "grimm", .quiet = 150, .values = GRIMM},
+    {.kind = "hygrometer", .quiet = 15, .values = HYGROMETER},
     {.kind = "lasair", .quiet = 150, .values = LASAIR},
     {.kind = "lovepid", .quiet = 30, .values = LOVEPID},
     {.kind = "maap", .quiet = 150, .values = MAAP},
@@ -115,6 +124,7 @@ constexpr KEYVALUES_kind ROWS[] = {
     {.kind = "psap", .quiet = 15, .values = PSAP},
     {.kind = "psap3", .quiet = 15, .values = PSAP3},
     {.kind = "sems", .quiet = 900, .values = SEMS},
+    {.kind = "tsitmf", .quiet = 15, .values = TSITMF},
     {.kind = "verticalprofile", .quiet = 60, .values = VERTICALPROFILE},
     {.kind = "watlow", .quiet = 30, .values = WATLOW},
 };

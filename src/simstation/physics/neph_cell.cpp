@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "simstation/physics/humidity.h"
+
 namespace {
 
 constexpr double PER_MM = 1e-6;  // 1/Mm in 1/m
@@ -43,14 +45,9 @@ constexpr channel_row g_channels[SIM_NEPH_SIX] = {
 constexpr double WALL_DRIFT = 0.7;  // relative to the noise of one second
 constexpr double WALL_MEMORY = 86400;
 
-// Saturation pressure over water, hPa (Magnus, with the constants of Sonntag 1990).
-double saturation(double celsius) {
-    return 6.112 * std::exp(17.62 * celsius / (243.12 + celsius));
-}
-
 // The same air at another temperature.
 double humidity_at(double humidity, double from, double to) {
-    return std::clamp(humidity * saturation(from) / saturation(to), 0.0, 100.0);
+    return std::clamp(humidity * SIM_OVER_WATER.pressure(from) / SIM_OVER_WATER.pressure(to), 0.0, 100.0);
 }
 
 }  // namespace

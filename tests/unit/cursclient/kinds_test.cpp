@@ -40,6 +40,7 @@ struct first_screen {
 
 const std::map<std::string, first_screen> FIRST_SCREENS{
     {"aethalometer", {"75x11", 9, ""}},
+    {"bestups", {"46x13", 9, ""}},
     {"caps", {"37x13", 11, "0000"}},
     {"ccn", {"41x23", 11, ""}},
     {"clap3w", {"52x15", 13, "0 0000"}},
@@ -53,6 +54,7 @@ const std::map<std::string, first_screen> FIRST_SCREENS{
     {"cpc_pulse", {"31x7", 5, ""}},
     {"genericpid", {"31x6", 0, ""}},
     {"grimm", {"54x22", 11, ""}},
+    {"hygrometer", {"46x9", 7, ""}},
     {"lasair", {"34x22", 11, ""}},
     {"lovepid", {"43x7", 0, ""}},
     {"maap", {"34x18", 16, ""}},
@@ -65,6 +67,7 @@ const std::map<std::string, first_screen> FIRST_SCREENS{
     {"psap3", {"58x14", 12, ""}},
     {"sems", {"69x22", 11, ""}},
     {"inst_skel", {"30x6", 0, ""}},
+    {"tsitmf", {"46x7", 5, ""}},
     {"verticalprofile", {"29x9", 0, ""}},
     {"watlow", {"27x6", 4, ""}},
 };

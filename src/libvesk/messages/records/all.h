@@ -2,6 +2,7 @@
 // alike include this; a unit that knows its records includes their header.
 #pragma once
 
+#include "libvesk/messages/records/bestups.h"
 #include "libvesk/messages/records/carbon.h"
 #include "libvesk/messages/records/ccn.h"
 #include "libvesk/messages/records/clap3w.h"
@@ -9,6 +10,7 @@
 #include "libvesk/messages/records/cpc.h"
 #include "libvesk/messages/records/extinction.h"
 #include "libvesk/messages/records/genericpid.h"
+#include "libvesk/messages/records/hygrometer.h"
 #include "libvesk/messages/records/io.h"
 #include "libvesk/messages/records/log.h"
 #include "libvesk/messages/records/loopctl.h"
@@ -17,6 +19,7 @@
 #include "libvesk/messages/records/psap.h"
 #include "libvesk/messages/records/server.h"
 #include "libvesk/messages/records/sizers.h"
+#include "libvesk/messages/records/tsitmf.h"
 #include "libvesk/messages/records/verticalprofile.h"
 
 // Records that no message is tied to and no other record nests, yet that may travel with an untied message:
