@@ -60,5 +60,5 @@ class CONSOLE_load {
     std::thread thread_;
 };
 
-// What a station sends in a minute.
+// The messages that a station sends in a minute.
 [[nodiscard]] std::vector<STATION_message> CONSOLE_minute(STATION_feed& feed);

@@ -1,4 +1,4 @@
-// What a message costs the console from the socket to the displays with every kind open: reading, decoding,
+// The cost of a message from the socket to the console's displays with every kind open: reading, decoding,
 // checking, cleaning, and the offer to each display. The messages are those of a whole simulated station.
 #include <benchmark/benchmark.h>
 

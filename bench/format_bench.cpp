@@ -1,4 +1,4 @@
-// What one value on the screen costs: a field of the extended format beside the C library's printf of the
+// The cost of one value on the screen: a field of the extended format beside the C library's printf of the
 // same width. Values differ from call to call, as measurements do, and stay in the range that fits the field.
 #include <benchmark/benchmark.h>
 

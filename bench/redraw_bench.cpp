@@ -1,4 +1,4 @@
-// What one pass of the console costs with a window of every kind in view at 200x60 and values that change,
+// The cost of one pass of the console with a window of every kind in view at 200x60 and values that change,
 // beside a bare curses loop that draws the same boxes and texts: a record of what the windows showed, drawn
 // again with box and waddnstr. Both draw for terminals of the same kind, which throw their output away, and
 // the bare loop's screen is compared with the console's before anything is timed.

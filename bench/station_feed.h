@@ -19,7 +19,7 @@ class STATION_feed {
   public:
     STATION_feed();
 
-    // What the instruments say when they join: announcements and states. Once, before the first second.
+    // The first messages of the instruments: announcements and states. Once, before the first second.
     [[nodiscard]] std::vector<STATION_message> join();
     // Everything that they send in the next second.
     [[nodiscard]] std::vector<STATION_message> next_second();

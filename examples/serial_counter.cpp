@@ -136,7 +136,7 @@ class driver {
         return FALSE;
     }
 
-    // What is queued leaves first; then everybody is told that the instrument is gone.
+    // The queued messages leave first; then everybody is told that the instrument is gone.
     void leave() {
         VESKMSG_flush(&link_.msg_lnk, 1.0);
         INST_disconnect(&link_);

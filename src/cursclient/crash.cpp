@@ -43,7 +43,7 @@ void add_sequence(const char* sequence) {
     if (sequence != nullptr) tputs(sequence, 1, add_character);
 }
 
-// What endwin() would write, in its order; no colour was redefined.
+// Writes the same as endwin(), in its order; no colour was redefined.
 void prepare_sequences() {
     g_sequences_used = 0;
     add_sequence(exit_alt_charset_mode);

@@ -1,4 +1,4 @@
-// What is left to do when the console dies of a fault of its own: the terminal is given back and the reason,
+// Cleans up when the console dies of a fault of its own: the terminal is given back and the reason,
 // which lies in the captured standard error, is let out, before the process ends of its signal as it would
 // have. Everything that this needs is prepared while all is well.
 #pragma once

@@ -44,7 +44,7 @@ struct ring {
     [[nodiscard]] const T& oldest(int i) const { return entries[(next + i) % RING_LINES]; }
 };
 
-// What is shown of a message, kept as it is: thousands may come for each one that is drawn.
+// The parts of a message that are shown, kept as they are: thousands may come for each one that is drawn.
 struct DEBUG_message {
     FTIME tm;
     const NETMSG_entry* msg;  // null in a slot that was never filled

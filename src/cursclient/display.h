@@ -15,7 +15,7 @@ struct DISPLAY_common_params {
     DWORD uid;           // of the display being called
 };
 
-// What an announcement says; absent (null) for persistent displays.
+// The contents of an announcement; absent (null) for persistent displays.
 struct DISPLAY_match_params {
     const char* src_name;
     const char* type;

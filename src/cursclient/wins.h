@@ -26,8 +26,8 @@ struct WINS_window {
     DWORD flags;
     WINS_UID ident;  // also the key of its section in the settings
     BOOL saveable;   // the identity came from the caller and was free
-    // What the owner and the operator asked for; the curses window is this, cut and moved only as far as the
-    // present screen demands.
+    // The place and size that the owner and the operator asked for; the curses window is this, cut and moved
+    // only as far as the present screen demands.
     int wish_x, wish_y, wish_sx, wish_sy;
     CURSGRID* picture;  // owned; null until something is drawn
 };

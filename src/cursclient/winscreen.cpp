@@ -150,7 +150,7 @@ void take_from_memory() {
     lseek(g_memory, 0, SEEK_SET);
 }
 
-// What `write` makes curses write waits for the terminal.
+// Queues the bytes that curses writes in `write` until the terminal takes them.
 template <class WRITE>
 void collect(WRITE write) {
     if (g_memory == -1) {

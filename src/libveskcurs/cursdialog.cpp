@@ -18,7 +18,7 @@ namespace {
 
 constexpr int FARTHEST = 9999;  // row, column and width that a widget may ask for
 
-// What stands on the callers' side of the border has no exceptions: no memory means null.
+// No exception crosses to the callers: a failed allocation gives null.
 template <class F>
 auto null_without_memory(F make) -> decltype(make()) {
     try {

@@ -84,7 +84,7 @@ std::string shown_again(const CURSDIALOG_DEFAULT_entry_numeric_param& param, con
     return within(param, read_back) ? text : typed;
 }
 
-// What an entry with these limits takes. Static: it outlives the callback, and the toolkit copies it.
+// The hint of an entry with these limits. Static: it outlives the callback, and the toolkit copies it.
 const char* what_is_wanted(const CURSDIALOG_DEFAULT_entry_numeric_param* param) {
     static char reason[LONGEST_NUMBER];
     if (param == nullptr || !std::isfinite(param->min) || !std::isfinite(param->max)) return "a number";

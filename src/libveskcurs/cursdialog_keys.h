@@ -1,4 +1,4 @@
-// What each key does in a dialog.
+// The keys of a dialog.
 #pragma once
 
 #include "libveskcurs/cursdialog_dialog.h"

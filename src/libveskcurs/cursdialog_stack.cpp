@@ -1,4 +1,4 @@
-// Who owns a dialog when, and in which order the callbacks of closing run. Nothing here holds an iterator
+// Ownership of dialogs, and the order in which the callbacks of closing run. Nothing here holds an iterator
 // across one.
 #include "libveskcurs/cursdialog_stack.h"
 

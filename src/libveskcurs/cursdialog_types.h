@@ -1,4 +1,4 @@
-// What the callers of the dialog toolkit and its inner parts both name: handles, the callbacks with the
+// Types that the callers of the dialog toolkit and its inner parts share: handles, the callbacks with the
 // records that they fill in, and the styles of widgets.
 #pragma once
 

@@ -1,5 +1,5 @@
-// What a dialog is drawn on: a curses window with its panel and its picture, and the part of that which shows
-// a dialog's contents, scrolled. Knows neither dialogs nor widgets.
+// The drawing surface of a dialog: a curses window with its panel and its picture, and the part of that which
+// shows a dialog's contents, scrolled. Knows neither dialogs nor widgets.
 #pragma once
 
 #include <curses.h>

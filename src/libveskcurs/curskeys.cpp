@@ -114,7 +114,7 @@ class Reader {
         if (c != ERR && raw_cb_ != nullptr) raw_cb_(c);
         return c;
     }
-    // What is left of an Escape's time: curses has waited too, if its terminal has keys that begin with one.
+    // The rest of an Escape's time: curses has waited too, if its terminal has keys that begin with one.
     [[nodiscard]] int rest_of_escape() const {
         const auto passed = std::chrono::ceil<std::chrono::milliseconds>(steady::now() - asked_);
         return static_cast<int>(std::clamp<long>(CURSKEYS_ESCAPE_MS - passed.count(), 0, CURSKEYS_ESCAPE_MS));

@@ -12,7 +12,7 @@ struct TerminalSize {
     bool operator==(const TerminalSize&) const = default;
 };
 
-// What one cell shows. Colours are 0xRRGGBB, after reverse video was applied.
+// The contents of one cell. Colours are 0xRRGGBB, after reverse video was applied.
 struct TerminalCell {
     std::string text;  // one character in UTF-8, a blank for an empty cell
     std::uint32_t fg = 0;
@@ -21,7 +21,7 @@ struct TerminalCell {
     bool reverse = false;
 };
 
-// What the colours that the console uses come out as: readable on each other in documents.
+// The console's colours in pictures: readable on each other in documents.
 enum TerminalColor : std::uint32_t {
     TERMINAL_BLACK = 0x000000,
     TERMINAL_RED = 0xff5f5f,

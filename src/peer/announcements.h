@@ -1,4 +1,4 @@
-// What is wrong with an announcement though it may be sent: nobody shows such an instrument, or another one
+// Warns of an announcement that may be sent all the same: nobody shows such an instrument, or another one
 // answers to its hot key.
 #pragma once
 
@@ -8,7 +8,7 @@
 
 #include "libvesk/link/veskmsg.h"
 
-// What is wrong with that kind, "" for nothing.
+// The warning about that kind, "" for none.
 [[nodiscard]] std::string ANNOUNCEMENTS_kind_fault(std::string_view kind);
 
 // The hot keys of the instruments that are there, from the messages that one link receives.

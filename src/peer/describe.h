@@ -1,4 +1,4 @@
-// What an instrument's author asks vesk.peer without any connection: what there is, and what is in it.
+// Lists and describes messages, records and kinds for authors of drivers; needs no connection.
 #pragma once
 
 #include <string>

@@ -16,7 +16,7 @@ inline constexpr std::size_t INPUT_READ_BYTES = std::size_t{16} << 10;
 [[nodiscard]] BOOL INPUT_read(const LINES_line& line, JSONLINE_message* message, std::string* error);
 // TRUE when a peer may send that message; FALSE with the reason in `error`.
 [[nodiscard]] BOOL INPUT_may_send(const JSONLINE_message& message, std::string* error);
-// What is wrong with a message that may be sent all the same; "" for nothing.
+// A warning about a message that may be sent all the same; "" for none.
 [[nodiscard]] std::string INPUT_warning(const JSONLINE_message& message);
 // "line 3: unknown field ..." on standard error.
 void INPUT_complain(const LINES_line& line, const std::string& error);

@@ -56,7 +56,7 @@ void print_message(VESKMSG_proc_msg* pm, void* param) {
     if (++p->printed == p->options.count) finish(p, PEER_EXIT_OK);
 }
 
-// What makes sense to script as "send this and end" has none of the options that ask to see something.
+// A one-shot command ("send this and end") has none of the options that ask to see something.
 BOOL is_watching(const PEER_options& options) {
     return options.monitor || !options.only.empty() || options.count > 0 || options.timeout > 0;
 }
@@ -207,7 +207,7 @@ BOOL connect(peer* p) {
     return p->link.stat == VESKMSG_S_OPEN;
 }
 
-// What did not leave is lost, and that is said.
+// Lines that were not sent are lost; the program says so.
 void send_the_rest(peer* p) {
     if (p->unsent == 0 || flush(p, UTIL_exit_poll() ? PASS_SECONDS : LAST_FLUSH_SECONDS)) return;
     UTIL_complain("%zu of %zu messages may not have been sent: %s", p->unsent, p->given - p->refused,

@@ -4,7 +4,8 @@
 
 #include "peer/options.h"
 
-// What scripts rely on; described in vesk.peer(1). An earlier failure of the link outweighs the rest.
+// The exit statuses that scripts rely on; described in vesk.peer(1). An earlier failure of the link outweighs
+// the rest.
 enum PEER_exit {
     PEER_EXIT_OK = 0,
     PEER_EXIT_WRONG_INPUT = 1,  // some input was wrong and has not been sent, or could not be read

@@ -99,8 +99,8 @@ BOOL play::connect(const std::string& source, actor& a) const {
     return VESKMSG_connect(&a.link, &params);
 }
 
-// What is due is said, up to one whose source has to connect or to leave: that is done when all before it has
-// left.
+// Sends the lines that are due, up to one whose source has to connect or to leave: that is done when all
+// before it has left.
 void play::perform() {
     std::deque<RECORDING_event>& events = reader_.events();
     for (int i = 0; i < MOST_PER_PASS && !events.empty() && events.front().at <= at_; ++i) {

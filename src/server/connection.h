@@ -38,12 +38,12 @@ class CONNECTION final : public std::enable_shared_from_this<CONNECTION>, privat
         ~owner() = default;
     };
 
-    // What waits takes its memory from `memory`.
+    // The queue takes its memory from `memory`.
     CONNECTION(STREAM::socket_type socket, CONNECTION_origin origin, owner* hub, CONNECTION_limits limits,
                const std::shared_ptr<std::pmr::memory_resource>& memory);
     void start();
 
-    // Who it is, from its hello on.
+    // The peer's kind and name, from its hello on.
     standing stands = GREETING;
     FRAME_peer_kind kind = FRAME_PEER_CLIENT;
     std::string name;

@@ -198,7 +198,7 @@ void HUB::keep(CONNECTION& from, const FRAME_message& m, FRAME_span bytes) {
     }
 }
 
-// Who is there already could make nothing of what an instrument kept before it said what it is.
+// Consoles that are connected already cannot use messages that an instrument kept before its announcement.
 void HUB::announce(CONNECTION& from, KEEP::entry announcement) {
     if (!keep_.announce(std::move(announcement))) return;
     keep_.for_messages_of(from.name, [&](const KEEP::entry& e) {

@@ -1,5 +1,5 @@
-// What the server remembers for those who come later: the announcement of every living instrument, and the
-// latest kept message per source and type, as the frames that carried them.
+// The messages that the server keeps for peers that join later: the announcement of every living instrument,
+// and the latest kept message per source and type, as the frames that carried them.
 #pragma once
 
 #include <compare>
@@ -11,7 +11,7 @@
 
 class KEEP {
   public:
-    // What an entry counts beside its frame, so that many small ones are bounded too.
+    // Bytes that an entry counts beside its frame, so that many small ones are bounded too.
     static constexpr std::size_t ENTRY_BYTES = 256;
 
     struct entry {

@@ -26,7 +26,7 @@ class LISTENER_path {
     [[nodiscard]] int bind(const std::string& path, std::string* why);
     // Removes the socket, if it is still the one that was made, and the lock.
     void release();
-    // What is not ideal about the place, for the log, or "".
+    // A warning about the place for the log, or "".
     [[nodiscard]] const std::string& warning() const { return warning_; }
 
   private:

@@ -76,7 +76,7 @@ BOOL LISTENER_path::prepare_directory(std::string* why) {
     struct stat st = {};
     if (stat(directory.c_str(), &st) != 0) return fail_errno(why, "cannot look at " + directory);
     if (!S_ISDIR(st.st_mode)) return fail(why, directory + " is not a directory");
-    // Whoever owns the directory can put another socket in place of ours.
+    // The owner of the directory can put another socket in place of ours.
     if (st.st_uid != geteuid() && st.st_uid != 0) return fail(why, directory + " belongs to another user");
     if ((st.st_mode & S_IWOTH) != 0 && (st.st_mode & S_ISVTX) == 0)
         return fail(why, directory + " can be changed by everybody");

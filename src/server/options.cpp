@@ -1,4 +1,4 @@
-// What can be said on the command line, and the checks of it.
+// The options of the command line and the checks of their values.
 #include "server/options.h"
 
 #include "libvesk/support/cmdline.h"

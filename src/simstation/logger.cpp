@@ -24,7 +24,7 @@ constexpr const char* g_answers[] = {
     "I see the same here.", "Will check at the next round.",
 };
 
-// What the message asks for, in words; "" when nothing but its name is known.
+// The request of the message in words; "" when only its name is known.
 std::string description(const VESKMSG_proc_msg* pm) {
     if (const auto* const r = VESKMSG_payload<NET_LOG_SwitchFiles>(pm))
         return "data files rotated at " + SIM_utc_text(r->switchtime);

@@ -66,7 +66,7 @@ void declare(CLI::App& app, SIM_options* o, raw_options* raw) {
     app.add_flag("--list", raw->list, "Print the kinds of instruments and what a scenario can set, and exit");
 }
 
-// What is wrong beyond what the parser itself sees.
+// Faults that the parser itself does not see.
 std::vector<std::string> complete(const raw_options& raw, SIM_options* options) {
     std::vector<std::string> errors;
     options->members = SIM_roster(raw.kinds, &errors);

@@ -70,7 +70,7 @@ void add_one(const SIM_kind& kind, const std::string& name, std::vector<SIM_memb
     members->push_back({&kind, name, title, free_id(*members, kind, which)});
 }
 
-// What is wrong with the request, "" for nothing.
+// The fault of the request, "" for none.
 std::string add_requested(std::string_view item, std::vector<SIM_member>* members) {
     request r;
     if (!parse_request(item, &r)) return "a count from 1 to " + std::to_string(MOST_OF_A_KIND) + " follows *";

@@ -1,4 +1,4 @@
-// Which instruments the station has: every kind once, or what the operator listed.
+// The instruments of the station: every kind once, or those that the operator listed.
 #pragma once
 
 #include <string>

@@ -89,7 +89,7 @@ BOOL parse_flags(std::string_view text, double* flags) {
     return *flags <= HIGHEST_FLAGS;
 }
 
-// What is wrong with the argument, "" for nothing.
+// The fault of the argument, "" for none.
 std::string take_argument(argument what, std::string_view text, SIM_event* event) {
     switch (what) {
         case NOTHING:
@@ -120,7 +120,7 @@ std::string check_scope(scope who, std::string_view target) {
     return "";
 }
 
-// What is wrong with the line, "" for nothing.
+// The fault of the line, "" for none.
 std::string parse_line(std::string_view line, double before, SIM_event* event) {
     const std::string_view when = next_word(line);
     if (!parse_when(when, before, &event->at)) return quoted(when) + " is no time";
@@ -145,7 +145,7 @@ BOOL is_for(const SIM_event& event, const SIM_member& member) {
     return event.target == SIM_EVERYONE_TARGET || event.target == member.name;
 }
 
-// What is wrong with the setting for that kind, "" for nothing.
+// The fault of the setting for that kind, "" for none.
 std::string check_setting(const SIM_event& event, const SIM_kind& kind) {
     const auto settings = kind.dcl->settings;
     const auto found = std::find_if(settings.begin(), settings.end(),

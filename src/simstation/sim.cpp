@@ -1,4 +1,4 @@
-// What all simulated instruments do alike.
+// The behaviour that all simulated instruments share.
 #include "simstation/sim.h"
 
 #include <cmath>
@@ -102,7 +102,7 @@ BOOL SIM_instrument::receive(const VESKMSG_proc_msg* pm) {
         say_status();
         return TRUE;
     }
-    // What is said to all need not be for this instrument.
+    // A message to all need not be for this instrument.
     const BOOL unanswered = !dest.empty() && refusals() == refused_before;
     return unanswered && refuse(pm->msg->name, comms_ ? "not understood" : SIM_NO_COMMS);
 }
@@ -117,7 +117,7 @@ BOOL SIM_instrument::take(const VESKMSG_proc_msg* pm) {
     if (!comms_ || dcl.command == nullptr) return FALSE;
     const auto [field, value] = pm->dsd != nullptr ? first_out_of_range(pm->dsd, pm->pds) : wrong_number{};
     if (field == nullptr) return dcl.command(state_.get(), *this, pm);
-    // What is said to all may be another's own numbers.
+    // A message to all may carry another instrument's own numbers.
     return pm->dest_name == name() && refuse(pm->msg->name, "%g is not within %g to %g (%s)", value,
                                              field->min, field->max, field->comment);
 }

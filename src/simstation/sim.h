@@ -30,8 +30,8 @@ class SIM_instrument;
 // Why an order that needs the instrument itself is refused while its communications are lost.
 inline constexpr const char* SIM_NO_COMMS = "no communications with the instrument";
 
-// What a scenario sets: a text, and the number that it says ("on", "yes", "true" are 1; "off", "no", "false"
-// are 0; NaN when it says none).
+// A value that a scenario sets: a text, and the number that it says ("on", "yes", "true" are 1; "off", "no",
+// "false" are 0; NaN when it says none).
 struct SIM_value {
     explicit SIM_value(std::string_view t);
     std::string text;

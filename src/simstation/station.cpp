@@ -221,7 +221,7 @@ void station::play(const SIM_event& event) {
     }
 }
 
-// What has happened when the station begins to speak. It takes a while, and the clock of a station in real
+// The station's past when it begins to send. It takes a while, and the clock of a station in real
 // time must be right afterwards.
 void station::warm_up() {
     constexpr int TICKS_PER_PUMP = 100;

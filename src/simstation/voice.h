@@ -1,6 +1,6 @@
-// What lets an instrument (or the station itself) speak: messages under its own name in the three ways that
-// the system knows, error lines for every operator, and lines of the program's own output. Where messages
-// go is the sink's business: a link to the server, or a test that collects them.
+// Sends messages for an instrument (or for the station itself): messages under its own name in the three ways
+// that the system knows, error lines for every operator, and lines of the program's own output. Where
+// messages go is the sink's business: a link to the server, or a test that collects them.
 #pragma once
 
 #include <map>

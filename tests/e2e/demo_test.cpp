@@ -9,7 +9,7 @@ namespace {
 
 constexpr TerminalSize PICTURE{32, 92};
 
-// What stands open in the demo on a terminal of that size.
+// The windows that are open in the demo on a terminal of that size.
 std::size_t windows_of(TerminalSize size) {
     Process layout(
         {{VESK_SCRIPTS "/demo_layout.sh", std::to_string(size.rows), std::to_string(size.cols)}, {}});

@@ -1,4 +1,5 @@
-// What many journeys do: an instrument that reports, and the operator's ways through menus and windows.
+// Steps that many journeys share: an instrument that reports, and the operator's ways through menus and
+// windows.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // Operators at work on a whole station: commands that cross the real link, and what all consoles see of them.
-// What each display sends, and each simulated instrument answers, the unit tests say.
+// The unit tests cover the commands of each display and the answers of each simulated instrument.
 #include <csignal>
 
 #include "journey.h"

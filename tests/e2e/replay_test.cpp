@@ -39,7 +39,7 @@ TEST(Replay, ShowsTheSameScreenAsTheStationDid) {
     for (int block = 0; block < 4; ++block)
         ASSERT_TRUE(monitor->wait_line({"MSG_CPC_3010_AVERAGE"}));
     simulated->signal(SIGSTOP);
-    // What a console says comes last: whoever has it has all.
+    // The console's message comes last: a peer that has it has all.
     auto marker = station.peer();
     ASSERT_TRUE(marker->write_line(R"({"msg":"MSG_LOG_FLUSH"})"));
     ASSERT_TRUE(monitor->wait_line({"MSG_LOG_FLUSH"}));

@@ -59,7 +59,7 @@ TEST_F(Storm, OfSizesLeavesAWholeScreen) {
 
 // ---- keys
 
-// What a keyboard can send, without what stops or ends a program from outside.
+// The keys of a keyboard, without those that stop or end a program from outside.
 std::string any_key(Random& random) {
     static constexpr const char* SEQUENCES[] = {
         "\r",      "\t",      "\033",     "\033[A",     "\033[B",      "\033[C",
@@ -153,7 +153,7 @@ class RawInstrument {
         return wire::until([this] { look(); }, [this] { return end_.unsent() == 0 || end_.ended(); }) &&
                !end_.ended();
     }
-    // What it said to all has come back to it.
+    // Its messages to all have come back to it.
     [[nodiscard]] bool is_heard() {
         return wire::until([this] { look(); }, [this] { return heard_; });
     }

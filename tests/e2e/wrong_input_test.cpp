@@ -1,4 +1,4 @@
-// What goes wrong for a new user or an old file: a clear error each time, and nothing lost.
+// Mistakes of new users, and old files: a clear error each time, and nothing lost.
 #include <sstream>
 
 #include "journey.h"

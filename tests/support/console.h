@@ -33,7 +33,7 @@ class ConsoleTest : public testing::Test {
     // Row y of that, whole.
     static std::string look_at_row(int y);
 
-    // What `action` writes to standard error.
+    // The text that `action` writes to standard error.
     template <class F>
     static std::string complaints_of(F action) {
         testing::internal::CaptureStderr();

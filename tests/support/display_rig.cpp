@@ -1,4 +1,4 @@
-// What displays send is read at the other end of the link; time stands still until a test moves it.
+// Tests read the commands of displays at the other end of the link; time stands still until a test moves it.
 #include "support/display_rig.h"
 
 #include <optional>
@@ -103,7 +103,7 @@ void DisplayRig::redraw() {
     look();
 }
 
-// What is hidden is not drawn: the window is in view for this one pass.
+// A hidden window is not drawn: it is in view for this one pass.
 WINS_window* DisplayRig::redrawn(const char* ident) {
     WINS_window* win = window(ident);
     const BOOL was_visible = win != nullptr && std::exchange(win->visible, TRUE);

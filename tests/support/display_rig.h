@@ -61,6 +61,6 @@ class DisplayRig : public ConsoleTest {
     // The whole screen, dialogs included.
     static std::string screen_text();
 
-    // What the console sent since the last call; ServerEnd::received says how it is written.
+    // The messages that the console sent since the last call; ServerEnd::received says how it is written.
     static std::vector<std::string> take_sent();
 };

@@ -181,7 +181,7 @@ std::optional<int> Process::wait_exit(std::chrono::milliseconds wait) {
     if (exit_) return exit_;
     exit_ = reap(pid_, Deadline(wait), [&] { take_output(5); });
     if (!exit_) return exit_;
-    // What it wrote last is still in the pipes; a grandchild may hold them open, so do not wait for their
+    // Its last output is still in the pipes; a grandchild may hold them open, so do not wait for their
     // end.
     for (std::size_t before = 1; before != 0;) {
         before = out_.size() + err_.size();

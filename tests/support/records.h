@@ -58,7 +58,7 @@ inline BOOL is_clean_value(const NETDSD_field& f, const char* at) {
     }
 }
 
-// What NETDSD_sanitize promises about every text, character and BOOL.
+// The promises of NETDSD_sanitize about every text, character and BOOL.
 inline BOOL is_clean(const NETDSD_entry* dsd, const char* record) {
     BOOL clean = TRUE;
     NETDSD_for_each_leaf(

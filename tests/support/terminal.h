@@ -36,7 +36,7 @@ class Terminal {
     void resize(TerminalSize size);
     // The line is held, as by Ctrl-S, or goes on.
     void hold(bool on) const;
-    // What another program writes to the same terminal.
+    // Text that another program writes to the same terminal.
     void scribble(std::string_view bytes) const;
     // The terminal goes away, as a closed window or a lost remote line does.
     void hang_up();

@@ -288,7 +288,7 @@ constexpr INSTDISP_menu_row<CLAP3W_prv_data> MENU[] = {
 
 // ---- the messages
 
-// What the instrument demands comes to the operator's eyes, once.
+// Brings the window up once when the instrument demands the operator.
 void filter_status_stored(CLAP3W_prv_data* pd, FTIME /*curtime*/) {
     const std::int32_t state = pd->filter_status.status;
     const bool demands = state == NET_CLAP3W_CHANGE_REQUIRED || state == NET_CLAP3W_WHITE_REQUIRED;

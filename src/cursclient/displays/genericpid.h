@@ -1,5 +1,6 @@
-// What the units of the PID controller's display share: its private record, and the dialogs that its menu
-// opens. Each dialog sends its message only if the display is still there when the operator has answered.
+// Parts that the units of the PID controller's display share: its private record, and the dialogs that its
+// menu opens. Each dialog sends its message only if the display is still there when the operator has
+// answered.
 #pragma once
 
 #include "cursclient/kit/form.h"

@@ -70,7 +70,7 @@ void take_results(SCRESULTS_prv_data* pd, const VESKMSG_proc_msg* pm, FTIME curt
     WINS_focus_window(pd->win);
 }
 
-// What one redraw has come to.
+// The state of one redraw.
 struct SCRESULTS_display_trv_param {
     int cy;  // next row
     double err_sum, err_cnt;

@@ -1,5 +1,6 @@
-// What displays draw on: a window with a formatting buffer and an attribute. A row of the screen is one call;
-// every call is clipped to the inside of the window, so that a display does no arithmetic of widths.
+// The drawing surface of displays: a window with a formatting buffer and an attribute. A row of the screen is
+// one call; every call is clipped to the inside of the window, so that a display does no arithmetic of
+// widths.
 #pragma once
 
 #include <span>

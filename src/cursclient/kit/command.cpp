@@ -15,7 +15,7 @@
 
 namespace {
 
-// What a button, a confirmation and the password carry.
+// The parameter of a button, a confirmation and the password prompt.
 struct pending {
     DWORD uid;
     COMMAND_action action;

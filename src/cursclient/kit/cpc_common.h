@@ -1,5 +1,5 @@
-// What the condensation particle counters share: the shape of their records, the messages that fill them and
-// the rows that several of them show.
+// Parts that the condensation particle counters share: the shape of their records, the messages that fill
+// them and the rows that several of them show.
 #pragma once
 
 #include <array>

@@ -13,7 +13,7 @@
 
 namespace {
 
-// What lives as long as the dialog.
+// State that lives as long as the dialog.
 struct form_state {
     const FORM_body* body;
     DWORD uid;

@@ -103,7 +103,7 @@ struct INSTDISP_clock {
 };
 [[nodiscard]] INSTDISP_clock INSTDISP_time(FTIME t);
 
-// Which of its data a kind with a member `int display_mode` shows.
+// The data set that a kind with a member `int display_mode` shows.
 enum INSTDISP_mode { INSTDISP_INSTANTANEOUS, INSTDISP_RUNNING_AVERAGE, INSTDISP_LAST_AVERAGE };
 [[nodiscard]] int INSTDISP_next_mode(int mode);  // 0, 1, 2, 0; any other number becomes 0
 // "D Displaying instantanous data" and so on, for the key 'D'.

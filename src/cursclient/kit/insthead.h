@@ -1,4 +1,4 @@
-// What the private record of every instrument display begins with (as its base): what the registry announced
+// The base of every instrument display's private record: what the registry announced
 // and what the display made of it.
 #pragma once
 

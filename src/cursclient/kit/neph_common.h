@@ -1,4 +1,4 @@
-// What the three-wavelength nephelometers share: the view of one record, its modes, the rows of three
+// Parts that the three-wavelength nephelometers share: the view of one record, its modes, the rows of three
 // colours, the status row, the keys and the command that starts a zero.
 #pragma once
 

@@ -1,5 +1,5 @@
-// What the two particle soot absorption photometers share: the shape of their records, the status line and
-// the filter change, which the instrument must confirm before the screen shows it.
+// Parts that the two particle soot absorption photometers share: the shape of their records, the status line
+// and the filter change, which the instrument must confirm before the screen shows it.
 #pragma once
 
 #include <array>

@@ -1,4 +1,4 @@
-// What the instruments that sort particles by size have in common: values over bins, a bar graph, a table, a
+// Parts that the displays of particle sizers share: values over bins, a bar graph, a table, a
 // housekeeping screen, and the keys and buttons that lead from one to the other. A kind is a row of
 // parameters and a record: SIZER_head (or SIZER_optical) and what the instrument sends, with these members:
 //
@@ -97,7 +97,7 @@ struct SIZER_row {
     std::span<const SIZER_column> columns;
 };
 
-// What the modes' keys change.
+// The state that the modes' keys change.
 struct SIZER_head : INSTDISP_head {
     int dm;            // SIZER_DISPLAY_MODE
     int gm;            // index into the graphs
@@ -198,7 +198,7 @@ template <class R>
 bool SIZER_optical_key(R* pd, DWORD /*uid*/, int key) {
     if (SIZER_mode_key(R::ROW, pd, key)) return true;
     if (key != 'A' && key != 'a') return false;
-    // What is shown changes with the next message.
+    // The screen changes with the next message.
     pd->am = INSTDISP_next_mode(pd->am);
     return true;
 }

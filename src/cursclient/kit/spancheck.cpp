@@ -1,4 +1,5 @@
-// What a display shows of its instrument's span check, and the list of the nephelometers that can take part.
+// Shows an instrument's span check on its display, and keeps the list of the nephelometers that can take
+// part.
 #include "cursclient/kit/spancheck.h"
 
 #include <cstdio>

@@ -14,7 +14,7 @@
 #include "cursclient/kit/instdisp.h"
 #include "libvesk/messages/records/common_neph.h"
 
-// What the private record of every nephelometer display begins with: a span check reaches the displays of
+// The base of every nephelometer display's private record: a span check reaches the displays of
 // other kinds through it.
 struct SPANCHECK_head : INSTDISP_head {
     WINS_window* scwin;                           // phase, instructions and results

@@ -11,7 +11,7 @@
 
 #include "libvesk/link/veskmsg.h"
 
-// What a line says is to be sent.
+// The message that a line asks to send.
 struct JSONLINE_message {
     const NETMSG_entry* msg = nullptr;
     const NETDSD_entry* dsd = nullptr;  // of the payload, null without one

@@ -35,7 +35,7 @@ enum FRAME_kind : BYTE {
     FRAME_HEARTBEAT = 4,
     FRAME_MESSAGE = 5,
 };
-// What a peer is, as its hello says.
+// The kind of a peer, as its hello says.
 enum FRAME_peer_kind : BYTE {
     FRAME_PEER_CLIENT = 1,
     FRAME_PEER_INSTRUMENT = 2,

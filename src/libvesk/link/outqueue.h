@@ -1,4 +1,4 @@
-// What waits to go out to one peer: pieces of bytes, its own or shared with other queues, taken off in
+// The output queue of one peer: pieces of bytes, its own or shared with other queues, taken off in
 // whatever portions the socket takes. An empty queue holds no block.
 #pragma once
 

@@ -26,7 +26,7 @@ class STREAM : public std::enable_shared_from_this<STREAM> {
         ~owner() = default;
     };
 
-    // What waits, either way, takes its memory from there; null is the program's own.
+    // Both queues take their memory from there; null means the program's own.
     STREAM(socket_type socket, owner* listener, std::shared_ptr<std::pmr::memory_resource> memory = nullptr);
 
     [[nodiscard]] FRAME_reader& reader() { return reader_; }

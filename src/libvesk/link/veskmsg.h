@@ -43,7 +43,7 @@ void VESKMSG_init_params(VESKMSG_connect_params* params);
 // Looking up a host's name may block for as long as the resolver takes, and a local server that does not
 // accept for a second; all else goes on while the link is processed.
 [[nodiscard]] BOOL VESKMSG_connect(VESKMSG_link* link, const VESKMSG_connect_params* params);
-// What VESKMSG_flush has seen off arrives; over TCP that may take up to a second here.
+// Messages that VESKMSG_flush has sent still arrive; over TCP that may take up to a second here.
 void VESKMSG_disconnect(VESKMSG_link* link);
 // Why the link is not (or no longer) open: "cannot connect to /run/vesk/server.sock: No such file or
 // directory", "the server refused: name taken", "30 s of silence". "" while all is well.

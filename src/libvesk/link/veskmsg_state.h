@@ -1,5 +1,5 @@
-// What a message link consists of: the connection and its handshake, the queue of received messages, and what
-// is known of the instruments. Private to the VESKMSG_ functions, which are thin over it.
+// The private parts of a message link: the connection and its handshake, the queue of received messages, and
+// what is known of the instruments. Private to the VESKMSG_ functions, which are thin over it.
 #pragma once
 
 #include "libvesk/link/asio_config.h"  // first

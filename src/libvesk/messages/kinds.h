@@ -101,5 +101,5 @@ enum KINDS_known {
     KINDS_WITHOUT_DISPLAY,  // known, but no console shows it yet
     KINDS_WITH_DISPLAY,
 };
-// What is known of instruments that announce themselves as that kind.
+// Tells whether instruments may announce themselves as that kind, and whether a display shows them.
 [[nodiscard]] KINDS_known KINDS_find(std::string_view kind);

@@ -1,4 +1,4 @@
-// What the descriptor of a record says about its members: type and place, unit and name, the values that it
+// The descriptor of a record's members: type and place, unit and name, the values that it
 // may have, and what values or bits mean. How a record gets its descriptor stands in netdsd_record.h.
 #pragma once
 
@@ -49,7 +49,7 @@ enum NETDSD_severity {
     NETDSD_FAULT,  // for the operator to mend
 };
 
-// What one value of a member means, or one bit (or any of several) of a word of flags.
+// The meaning of one value of a member, or of one bit (or any of several) of a word of flags.
 struct NETDSD_meaning {
     std::uint32_t value;
     const char* text;  // as screens show it; "" when there is nothing to say
@@ -125,7 +125,7 @@ struct NETDSD_entry {
 [[nodiscard]] constexpr std::size_t NETDSD_values(const NETDSD_field& f) {
     return NETDSD_is_text(f.ft) ? 1 : f.count;
 }
-// What one element of the field is: the scalar type of an array, else the type itself.
+// The type of one element of the field: the scalar type of an array, else the type itself.
 [[nodiscard]] constexpr NETDSD_field_type NETDSD_element_type(NETDSD_field_type ft) {
     return NETDSD_is_array(ft) ? static_cast<NETDSD_field_type>(ft - NETDSD_FT_A_BOOL) : ft;
 }

@@ -57,7 +57,7 @@ UNIT_LIST(UNIT_DEFINE)
 inline constexpr const UNIT* UNITS[] = {UNIT_LIST(UNIT_ADDRESS)};
 #undef UNIT_ADDRESS
 
-// What screens write behind a number of that unit; "" for one that needs nothing behind it.
+// The symbol that screens write behind a number of that unit; "" for none.
 [[nodiscard]] constexpr const char* UNIT_screen_symbol(const UNIT& unit) {
     return unit.screen_symbol != nullptr ? unit.screen_symbol : unit.symbol;
 }

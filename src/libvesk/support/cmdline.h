@@ -1,4 +1,4 @@
-// What the command lines of all programs have in common: options that are numbers, and how a wrong command
+// Parts that the command lines of all programs share: options that are numbers, and how a wrong command
 // line ends the program. For the units that read a command line only: its library is slow to compile.
 #pragma once
 

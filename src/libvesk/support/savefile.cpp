@@ -1,4 +1,4 @@
-// Which way a file can be replaced, and doing so.
+// Decides how a file can be replaced, and replaces it.
 #include "libvesk/support/savefile.h"
 
 #include <fcntl.h>

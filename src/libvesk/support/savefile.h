@@ -20,7 +20,7 @@ class SAVEFILE {
     // Removes what a program that was killed while it saved left beside the file.
     static void clean_up(const std::string& name);
 
-    // What to write to; null (errno says why) when the file may not be written: EWOULDBLOCK while another
+    // The file to write to; null (errno says why) when the file may not be written: EWOULDBLOCK while another
     // program saves it.
     [[nodiscard]] std::FILE* file() { return file_; }
     // Puts what was written in the file's place; nothing can be written any more. FALSE (errno says why) when

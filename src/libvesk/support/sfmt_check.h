@@ -68,7 +68,7 @@ constexpr SFMT_arg::kind SFMT_wanted_kind(const SFMT_spec& conv) {
     return conv.conversion == 'p' ? SFMT_arg::POINTER : SFMT_arg::INTEGER;
 }
 
-// What is wrong with a format for arguments of these kinds, or null.
+// The fault of a format for arguments of these kinds, or null.
 constexpr const char* SFMT_find_fault(std::string_view format, bool fields,
                                       std::span<const SFMT_arg::kind> kinds) {
     std::size_t used = 0;

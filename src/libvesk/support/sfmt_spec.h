@@ -24,7 +24,7 @@ struct SFMT_spec {
 inline constexpr int SFMT_MAX_WIDTH = 999;
 inline constexpr int SFMT_MAX_DIGITS = 99;  // of each group of a field and of a precision of a number
 
-// What is left of a format, taken off its front.
+// The rest of a format, taken off its front.
 struct SFMT_cursor {
     std::string_view rest;
 

@@ -1,4 +1,4 @@
-// What a name that does not exist may have been meant to be.
+// Suggests the existing name that a wrong name is closest to.
 #pragma once
 
 #include <string>

@@ -11,7 +11,8 @@
 // (positive, the stop character included), 0 when no whole line is there yet, -1 at the end or on an error.
 [[nodiscard]] int VESKFILE_readuntil_int(int handle, char* dst, std::size_t size, const char* stops,
                                          std::size_t n_stops);
-// What has arrived without its stop character yet (for a last line at the end of a run); consumed.
+// Returns the bytes that have arrived without their stop character yet (for a last line at the end of a run);
+// consumed.
 [[nodiscard]] int VESKFILE_readrest(int handle, char* dst, std::size_t size);
 // Closes the descriptor and forgets the handle.
 void VESKFILE_close(int handle);

@@ -1,5 +1,5 @@
-// What a record says to be wrong, by its descriptor alone: every member whose value, or one of whose bits,
-// means a fault.
+// Finds the faults that a record reports, by its descriptor alone: every member whose value, or one of whose
+// bits, means a fault.
 #pragma once
 
 #include <string>

@@ -270,7 +270,7 @@ struct clap3w {
     }
 
     void fill_color(SIM_noise& noise, NET_CLAP3W_Instant& r, std::size_t c) {
-        // What the cell measured already: the active spot and the reference of its side.
+        // The cell has measured these already: the active spot and the reference of its side.
         const std::size_t own = index_of(spot());
         for (std::size_t i = 0; i < REFERENCES; ++i)
             put_raw(r, c, i, i == own % 2 ? cell.reference[c] : cell.detect(noise, c, 1));

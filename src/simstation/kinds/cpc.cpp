@@ -56,7 +56,7 @@ class reservoir {
     int fillings_ = 0;
 };
 
-// What an instrument counts in one second.
+// Particles that an instrument counts in one second.
 class counter {
   public:
     counter(const counter_row& row, std::span<const SIM_channel> rows) : channels(rows), row_(row) {}

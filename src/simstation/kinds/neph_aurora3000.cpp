@@ -46,7 +46,7 @@ struct neph_aurora3000 {
         return model.set(name, value);
     }
 
-    // What it reads now; the averages take only outer air of it.
+    // The present reading; the averages take only its outer air.
     NET_NEPHAURORA3000_Avg reading(SIM_instrument& sim) {
         auto r = NETDSD_default<NET_NEPHAURORA3000_Avg>();
         r.start_time = sim.time();

@@ -136,7 +136,7 @@ void SIM_neph::take_background(const SIM_neph_six& found) {
     cell.set_background(background);
 }
 
-// What the zero and the span check make of this second. The first part of a zero is left to the flush.
+// Adds this second to the zero and to the span check. The first part of a zero is left to the flush.
 void SIM_neph::collect(SIM_instrument& sim) {
     check_.measure(run_second(cell, watts_));
     const double settling = std::min(zeroing_.blank, zeroing_.length / 2);
@@ -157,7 +157,7 @@ void SIM_neph::send_common(SIM_instrument& sim) {
     sim.send_instant(MSG_COMMON_NEPH_INSTANT, r);
 }
 
-// What is said to the station as a whole.
+// Messages to the whole station.
 BOOL SIM_neph::hear(SIM_instrument& sim, const VESKMSG_proc_msg* pm) {
     if (pm->msg->msg == model_.forbids_spancheck && pm->pds != nullptr) {
         check_.forbid(says_forbidden(pm));

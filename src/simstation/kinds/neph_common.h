@@ -1,5 +1,5 @@
-// What all simulated nephelometers do alike: zeros by schedule and by command, the span check, and the
-// kind-independent data. A kind adds its records, and what its own commands change (neph*.cpp).
+// The behaviour that all simulated nephelometers share: zeros by schedule and by command, the span check, and
+// the kind-independent data. A kind adds its records, and what its own commands change (neph*.cpp).
 #pragma once
 
 #include <deque>

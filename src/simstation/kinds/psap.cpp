@@ -12,7 +12,7 @@ constexpr double SPOT_AREA = 17.8e-6;  // m2
 constexpr double FLOW = 1.0;           // slpm
 constexpr double NOISE = 2e-6;
 
-// What both do, whatever records they speak in.
+// The behaviour of both kinds, for either one's records.
 class photometer {
   public:
     explicit photometer(const SIM_filter_model& model) : cell(model) {}

@@ -35,7 +35,7 @@ five_times ends_of(const NET_COMMON_Neph_SpancheckIssue& order) {
             order.end_sample_air_flush, order.end_air_sample};
 }
 
-// What is wrong with the ordered ends, null for nothing.
+// The fault of the ordered ends, null for none.
 const char* objection(const five_times& ends, FTIME now) {
     if (!std::all_of(ends.begin(), ends.end(), [](FTIME t) { return std::isfinite(t); }))
         return "an end is no time";

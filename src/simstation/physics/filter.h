@@ -1,4 +1,4 @@
-// What the filter absorption photometers have in common: a pump draws air through a spot of a filter, the
+// The physics of the filter absorption photometers: a pump draws air through a spot of a filter, the
 // spot darkens, and detectors compare the light behind it with that behind clean filter.
 #pragma once
 
@@ -72,7 +72,7 @@ class SIM_filter_cell {
     // How many times faster than in nature filters load, 1 to 100,000.
     [[nodiscard]] BOOL set_loading(double factor);
 
-    // What comes next is not to be compared with what was before: another spot, another filter.
+    // The next reading cannot be compared with the last one: another spot, another filter.
     void forget() { normalized = {}; }
 
     double flow = 0;  // slpm
@@ -94,7 +94,7 @@ class SIM_filter_cell {
     BOOL begun_ = FALSE;
 };
 
-// What scenarios can set of any of them.
+// The settings that scenarios have for each of them.
 inline constexpr SIM_setting SIM_FILTER_TRANSMITTANCE = {"transmittance", "of the present spot: 0.1 to 1"};
 inline constexpr SIM_setting SIM_FILTER_LOADING = {"loading",
                                                    "how many times faster than in nature filters load"};

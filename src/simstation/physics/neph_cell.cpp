@@ -1,4 +1,4 @@
-// What happens in the cell, second by second.
+// Steps the cell by seconds.
 #include "simstation/physics/neph_cell.h"
 
 #include <algorithm>
@@ -122,7 +122,7 @@ double SIM_neph_cell::density() const {
     return climate_.P / 1013.25 * 273.15 / (273.15 + climate_.T_neph);
 }
 
-// What the gas in the cell scatters, as the channel sees it.
+// The scattering of the gas in the cell, as the channel sees it.
 double SIM_neph_cell::gas(std::size_t i) const {
     return gain_[i] * air_rayleigh(i) * density() * (1 + (SIM_CO2_TO_AIR - 1) * co2_);
 }

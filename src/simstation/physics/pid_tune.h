@@ -24,7 +24,7 @@ struct SIM_ultimate {
 
 class SIM_pid_tune {
   public:
-    // What is wrong with a request for a controller of that range, or null.
+    // The fault of a request for a controller of that range, or null.
     [[nodiscard]] static const char* fault(NET_GENERICPID_TuningRequest request, double out_min,
                                            double out_max);
     explicit SIM_pid_tune(NET_GENERICPID_TuningRequest request);

@@ -1,4 +1,5 @@
-// What all instruments of one simulated station share: the settings, the simulated clock and the air.
+// The state that all instruments of one simulated station share: the settings, the simulated clock and the
+// air.
 #pragma once
 
 #include <cstdint>

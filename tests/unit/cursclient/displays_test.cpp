@@ -1,4 +1,4 @@
-// What single displays do beyond what a screen file can say.
+// Behaviour of single displays that a screen file cannot state.
 #include "cursclient/displays/watlow.h"
 #include "libvesk/messages/records/loopctl.h"
 #include "support/display_rig.h"

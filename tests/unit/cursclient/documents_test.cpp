@@ -171,7 +171,7 @@ class Documents : public DisplayRig {
     static page found_in(const std::string& kind);
 };
 
-// What brings a kind into another state, in which its menu offers something else.
+// Reports that bring a kind into another state, in which its menu has other rows.
 struct situation {
     const char* kind;
     NETMSG_type msg;

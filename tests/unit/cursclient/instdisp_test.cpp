@@ -1,4 +1,4 @@
-// What every instrument display gets from the shared unit, on the skeleton and on a kind made for the test.
+// The shared body of instrument displays, on the skeleton and on a kind made for the test.
 #include "cursclient/kit/instdisp.h"
 
 #include <clocale>

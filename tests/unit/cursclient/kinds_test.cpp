@@ -1,4 +1,4 @@
-// What the displays of all kinds of instruments have alike: a first screen without values, a window that
+// Cases that run over the displays of all kinds: a first screen without values, a window that
 // survives any screen, and commands that are guarded, addressed, and never sent on behalf of an instrument
 // that went.
 #include <algorithm>

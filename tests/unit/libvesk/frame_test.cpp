@@ -36,7 +36,7 @@ FRAME_bytes sample_stream() {
     return out;
 }
 
-// What the reader finds when the stream comes in pieces of those sizes.
+// The frames that the reader finds when the stream comes in pieces of those sizes.
 template <class SIZE>
 std::vector<FRAME_bytes> read_in_pieces(FRAME_span stream, SIZE next_size) {
     FRAME_reader reader;

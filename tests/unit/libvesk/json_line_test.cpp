@@ -62,7 +62,7 @@ TEST(JsonLine, WritesTheMembersInTheirOrder) {
               "\n");
 }
 
-// What a line says comes out again in full, with all that it left to be filled in.
+// A line that is read and written again states every field, the defaults included.
 TEST(JsonLine, ReadsWhatIsLeftOutAsDefaults) {
     const struct {
         const char* line;

@@ -221,7 +221,7 @@ TEST_F(Link, QueuedMessagesArriveAndWrongOnesAreRefusedHere) {
     EXPECT_EQ(std::count(complaints.begin(), complaints.end(), '\n'), 7);
     EXPECT_TRUE(
         VESKMSG_queue_message(link(), MSG_COMMON_NEPH_SPANCHECK_ISSUE, 0, "N12", nullptr, 0, nullptr));
-    // What stood in memory between the members of a record stays here.
+    // Bytes between the members of a record are not sent.
     unsigned char setpoint[sizeof(NET_LOVEPID_Setpoint)];
     std::memset(setpoint, 0x93, sizeof setpoint);
     EXPECT_TRUE(VESKMSG_queue_message(link(), MSG_LOVEPID_SET, 0, "N12", setpoint, sizeof setpoint,

@@ -1,4 +1,4 @@
-// What callbacks get, when they run, and what they may do to dialogs: anything, including closing their own.
+// The arguments and times of callbacks, and their rights over dialogs: anything, including closing their own.
 #include "libveskcurs/cursdialog.h"
 
 #include "unit/libveskcurs/dialog_test.h"

@@ -29,7 +29,7 @@ class DialogEntry : public DialogTest {
         button(dlg, 1, 2, "xpress", 'x');
     }
     std::string value() { return CURSDIALOG_getvalue(wd, nullptr, 0); }
-    // What stands behind the label, up to the end of the field.
+    // The text behind the label, up to the end of the field.
     std::string field() {
         shown();
         const Cell at = find("Name: ");

@@ -42,7 +42,7 @@ class Keys : public testing::TestWithParam<const char*> {
     TestScreen screen{24, 80, GetParam()};
 };
 
-// What holds whichever sequences the terminal's description knows.
+// Cases that hold for every terminal description.
 const std::vector<Case> CASES = {
     {"plain", "aZ 1", {'a', 'Z', ' ', '1'}},
     {"control characters", "\t\n\r\x17\x04", {9, 10, 13, 23, 4}},

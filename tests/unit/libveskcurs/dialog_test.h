@@ -1,4 +1,4 @@
-// What the tests of dialogs share: a screen in memory, short ways to open dialogs and press keys, and a log
+// Helpers of the tests of dialogs: a screen in memory, short ways to open dialogs and press keys, and a log
 // that callbacks write to.
 #pragma once
 

@@ -1,4 +1,4 @@
-// What is said of announcements that a console would make nothing, or the wrong thing, of.
+// Warnings about announcements that no console can use.
 #include "peer/announcements.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// What vesk.peer tells without a connection, and the document that is made of it.
+// The lists and descriptions of vesk.peer, and the document that is made of them.
 #include "peer/describe.h"
 
 #include <gmock/gmock.h>

@@ -61,7 +61,7 @@ class far_side {
     void hang_up() { end_->hang_up(); }
 
   private:
-    // What comes next; empty at the end.
+    // The next line; empty at the end.
     wire::Seen next() {
         auto& frames = end_->frames();
         EXPECT_TRUE(wire::until([&] { end_->look(); }, [&] { return !frames.empty() || end_->ended(); }));

@@ -1,4 +1,4 @@
-// What of a recording is played, and when.
+// The lines of a recording that are played, and their times.
 #include "peer/recording.h"
 
 #include <gmock/gmock.h>

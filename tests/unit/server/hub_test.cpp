@@ -1,4 +1,4 @@
-// Who gets what: greeting, routing, stamping, keeping, departures, and what happens to what is wrong.
+// The hub: greeting, routing, stamping, keeping, departures, and what happens to what is wrong.
 #include "hub_rig.h"
 #include "libvesk/link/veskmsg.h"
 
@@ -93,7 +93,7 @@ TEST_F(Hub, DirectedMessageReachesItsNameAndMonitorsOnce) {
     EXPECT_THAT(names(other), testing::UnorderedElementsAre("MSG_LOG_FLUSH", "MSG_CPC_3010_STATUS"));
     EXPECT_THAT(names(console), testing::UnorderedElementsAre("MSG_LOG_FLUSH", "MSG_CPC_3010_STATUS"));
     EXPECT_EQ(monitor.frames().size(), 4U);
-    // What is kept is replayed to those that it is for.
+    // The hub replays a kept message to its destination.
     wire::End& c = instrument("C1");
     wire::End& late = client();
     settle(console);

@@ -1,4 +1,4 @@
-// What is kept, and the bound on it.
+// Kept messages, and the bound on them.
 #include "server/keep.h"
 
 #include <gmock/gmock.h>

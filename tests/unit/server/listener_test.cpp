@@ -21,7 +21,7 @@ mode_t mode_of(const std::string& path) {
     return lstat(path.c_str(), &st) == 0 ? st.st_mode & 07777 : 0;
 }
 
-// What a server that was killed leaves behind.
+// A socket that a killed server leaves behind.
 void leave_dead_socket(const std::string& path) {
     const wire::Listener gone_at_once(path);
 }

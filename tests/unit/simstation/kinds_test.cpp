@@ -1,4 +1,4 @@
-// What holds for every kind in the table, whoever wrote it: these cases run over all rows.
+// Cases that run over every kind of the table.
 #include "simstation/kinds.h"
 
 #include <gtest/gtest.h>
@@ -83,7 +83,7 @@ TEST_P(EveryKind, SendsOnlyFiniteValuesInTheRecordsOfTheirMessages) {
     }
 }
 
-// What numbers of a unit look like at a station: one that is sent in another unit than its descriptor says
+// Plausible numbers of each unit at a station: one that is sent in another unit than its descriptor says
 // leaves these bounds.
 struct plausible {
     const UNIT* unit;

@@ -1,4 +1,4 @@
-// Which instruments a command line gets, and what the command line refuses.
+// The instruments that a command line selects, and the command lines that are refused.
 #include "simstation/roster.h"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,5 @@
-// What the frame of all instruments does: who a message is for, logging, averaging blocks, what is sent when.
+// The shared body of simulated instruments: who a message is for, logging, averaging blocks, what is sent
+// when.
 #include "simstation/sim.h"
 
 #include <gmock/gmock.h>

@@ -73,7 +73,7 @@ struct NET_CCN_StartCalibration {
     std::int32_t cycles;
 };
 
-// What the instrument's model of its column says.
+// The results of the instrument's model of its column.
 struct NET_CCN_DMTModelResults {
     FTIME start_time;
     double ss_calc;

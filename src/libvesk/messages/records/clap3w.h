@@ -9,7 +9,7 @@ inline constexpr int NET_CLAP3W_DETECTORS = 10;
 inline constexpr const char* NET_CLAP3W_SPOT_NAMES = "spots 1 to 8";
 inline constexpr const char* NET_CLAP3W_DETECTOR_NAMES = "odd reference, even reference, spots 1 to 8";
 
-// What the instrument is doing, as NET_CLAP3W_FilterStatus::status says it.
+// The states of the instrument, as NET_CLAP3W_FilterStatus::status gives them.
 enum NET_CLAP3W_State : std::int32_t {
     NET_CLAP3W_NORMAL,
     NET_CLAP3W_WAIT_SPOT,  // until the readings of a new spot are stable

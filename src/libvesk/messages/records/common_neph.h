@@ -43,7 +43,7 @@ struct NET_COMMON_Neph_SpancheckDuration {
     double co2_sample;
 };
 
-// What was measured with one gas.
+// The measurement of one gas.
 struct NET_COMMON_Neph_SpancheckRun {
     double bsp[3], bbsp[3];
     double revsTS[3], revsBS[3];

@@ -3,7 +3,7 @@
 
 #include "libvesk/messages/records/shared.h"
 
-// What the photoacoustic instrument is doing, as NET_PAX_Instant::mode says it.
+// The modes of the photoacoustic instrument, as NET_PAX_Instant::mode states them.
 enum NET_PAX_Mode : std::int32_t {
     NET_PAX_MODE_MEASURE,
     NET_PAX_MODE_ZERO,

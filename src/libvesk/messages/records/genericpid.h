@@ -7,7 +7,7 @@
 
 #include "libvesk/messages/netdsd.h"
 
-// What a tuning sequence is doing.
+// The phases of a tuning sequence.
 enum NET_GENERICPID_TuningState : std::uint32_t {
     GENERICPID_NOTTUNING,
     GENERICPID_WAIT_BASE_STABLITY,

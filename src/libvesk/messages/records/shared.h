@@ -1,4 +1,4 @@
-// What the records of several families have alike.
+// Members and meanings that several families of records share.
 #pragma once
 
 #include "libvesk/messages/netdsd.h"
