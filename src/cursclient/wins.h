@@ -80,7 +80,7 @@ void WINS_update();
 [[nodiscard]] BOOL WINS_keypress(int key);
 [[nodiscard]] BOOL WINS_default_keyhandler(WINS_window* win, int key);
 
-// What the window shall show; null for a null window and one without a curses window.
+// The picture that the window shall show; null for a null window and one without a curses window.
 [[nodiscard]] CURSGRID* WINS_picture(WINS_window* win);
 // Once per pass, when everything is drawn: brings the windows in view up to date with their pictures.
 void WINS_show_pictures();

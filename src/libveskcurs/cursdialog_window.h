@@ -26,7 +26,7 @@ class Window {
     [[nodiscard]] bool made() const { return panel_ != nullptr; }
     // Takes that place, at least one cell and within the screen. FALSE when it could not.
     [[nodiscard]] bool place(const Box& box);
-    // What it shall show.
+    // The picture that it shall show.
     [[nodiscard]] CURSGRID& picture() { return *picture_; }
     // Shows its picture above every other window.
     void raise();

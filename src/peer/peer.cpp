@@ -68,7 +68,7 @@ bool queue(peer* p, const JSONLINE_message& m) {
                                  record);
 }
 
-// What a source says of itself, besides what its driver says.
+// Queues a message that the source sends besides those of its driver.
 void say(peer* p, const std::optional<JSONLINE_message>& m) {
     if (m && queue(p, *m)) ++p->unsent;
 }

@@ -18,7 +18,7 @@ class SILENCE {
     [[nodiscard]] std::optional<JSONLINE_message> heard(FTIME now);
     // A message of the driver's, before it is sent. Both return what the source has to say before it.
     [[nodiscard]] std::optional<JSONLINE_message> heard(const JSONLINE_message& m, FTIME now);
-    // What the source has to say when it has been silent for too long: once for every silence.
+    // The message of a source that has been silent for too long: once for every silence.
     [[nodiscard]] std::optional<JSONLINE_message> look(FTIME now);
 
     // When to look next.

@@ -1,4 +1,4 @@
-// What a simulated instrument says that reports one set of values: the latest ones with their running
+// The messages of a simulated instrument that reports one set of values: the latest ones with their running
 // averages every second, and the mean of each averaging block.
 #pragma once
 

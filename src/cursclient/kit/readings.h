@@ -1,4 +1,4 @@
-// What the displays of instruments share that report one set of values: the latest ones, running averages and
+// Parts that the displays of instruments with one set of values share: the latest ones, running averages and
 // the last averages stand in three columns, and what the bits of the status mean stands below.
 #pragma once
 

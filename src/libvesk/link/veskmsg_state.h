@@ -79,7 +79,7 @@ class VESKMSG_state final : private STREAM::owner {
     void watch_time();
     void fail(const std::string& why);
 
-    // What a connection lives by. It takes descriptors of its own, so it is made when it is needed.
+    // The means of a connection. It takes descriptors of its own, so it is made when it is needed.
     struct base {
         asio::io_context context;
         STREAM::socket_type connecting{context};

@@ -1,4 +1,4 @@
-// What a message link delivers and how it stands.
+// The messages that a link delivers, and the states of a link.
 #pragma once
 
 #include "libvesk/messages/netmsg.h"

@@ -16,7 +16,7 @@ class Grid : public testing::Test {
 
     ~Grid() override { delwin(win); }
 
-    // What the window shows of the picture.
+    // The part of the picture that the window shows.
     std::string shown() {
         picture.show();
         return TestScreen::dump(win);

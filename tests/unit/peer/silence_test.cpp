@@ -15,7 +15,7 @@ class Silence : public testing::Test {
         EXPECT_TRUE(JSONLINE_read(line, &m, &error)) << error;
         return m;
     }
-    // What the source says before the driver's line is sent.
+    // The message of the source before the driver's line is sent.
     std::string before(FTIME now, std::string_view line) {
         return text(line.empty() ? silence.heard(now) : silence.heard(message(line), now));
     }

@@ -3,8 +3,8 @@
 
 #include "libvesk/messages/records/shared.h"
 
-// What such instruments report of their mirror: whether the cooler holds the dew on it, and the automatic
-// check of the dry mirror by which they find it dirty.
+// The states of the mirror that such instruments report: whether the cooler holds the dew on it, and the
+// automatic check of the dry mirror by which they find it dirty.
 inline constexpr NETDSD_meaning NET_HYGROMETER_FLAGS[] = {
     {0x0001, "MIRROR CHECK", NETDSD_NOTE},
     {0x0002, "CLEAN MIRROR", NETDSD_FAULT},
